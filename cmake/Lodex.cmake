@@ -1,0 +1,42 @@
+# The few rules that every target of the house follows.
+
+find_package(PkgConfig REQUIRED)
+find_package(fmt REQUIRED)
+
+add_library(lodex_options INTERFACE)
+target_include_directories(lodex_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_options(lodex_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow=local
+  -Wnon-virtual-dtor -Woverloaded-virtual)
+# The same sums on every machine: no fused multiply-add behind the program's back.
+target_compile_options(lodex_options INTERFACE -ffp-contract=off)
+if(LODEX_WARNINGS_AS_ERRORS)
+  target_compile_options(lodex_options INTERFACE -Werror)
+endif()
+if(LODEX_SANITIZE)
+  target_compile_options(lodex_options INTERFACE -fsanitize=${LODEX_SANITIZE}
+    -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(lodex_options INTERFACE -fsanitize=${LODEX_SANITIZE})
+endif()
+
+# lodex_library(<folder> LINKS <targets>...): one static library per folder of src/, named
+# lodex_<folder>, from every .cpp below it.
+function(lodex_library folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
+  add_library(lodex_${folder} STATIC ${sources})
+  target_link_libraries(lodex_${folder} PUBLIC lodex_options ${ARG_LINKS})
+endfunction()
+
+# lodex_test(<folder> LINKS <targets>...): tests/<folder>/*.cpp as the program test_<folder>.
+# Tests find the source tree through LODEX_SOURCE_DIR and the laid-out installation through
+# LODEX_BIN_DIR.
+function(lodex_test folder)
+  cmake_parse_arguments(ARG "" "" "LINKS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
+  add_executable(test_${folder} ${sources})
+  target_include_directories(test_${folder} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_compile_definitions(test_${folder} PRIVATE
+    LODEX_SOURCE_DIR="${CMAKE_SOURCE_DIR}" LODEX_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
+  target_link_libraries(test_${folder} PRIVATE ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+endfunction()

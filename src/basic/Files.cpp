@@ -1,0 +1,106 @@
+#include "basic/Files.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "basic/Error.h"
+#include "basic/Text.h"
+
+namespace lodex {
+namespace fs = std::filesystem;
+namespace {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
+
+[[noreturn]] void failOn(std::string_view path, const std::string& reason) {
+  throw FileError("Cannot open " + std::string(path) + ": " + reason);
+}
+
+}  // namespace
+
+fs::path nativePath(std::string_view text) {
+  std::string native(text);
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return fs::path(native);
+}
+
+std::string pathText(const fs::path& path) { return path.string(); }
+
+std::string fileNameOf(std::string_view path) {
+  const size_t cut = path.find_last_of("\\/");
+  return std::string(cut == std::string_view::npos ? path : path.substr(cut + 1));
+}
+
+std::string folderOf(std::string_view path) {
+  const size_t cut = path.find_last_of("\\/");
+  return std::string(cut == std::string_view::npos ? std::string_view() : path.substr(0, cut));
+}
+
+std::string extensionOf(std::string_view path) {
+  const std::string name = fileNameOf(path);
+  const size_t dot = name.rfind('.');
+  return dot == std::string::npos ? std::string() : toLower(std::string_view(name).substr(dot + 1));
+}
+
+bool pathExists(std::string_view path) {
+  std::error_code ignored;
+  return !path.empty() && fs::exists(nativePath(path), ignored);
+}
+
+std::string readFile(std::string_view path, size_t maxBytes) {
+  const fs::path native = nativePath(path);
+  std::error_code status;
+  if (fs::is_directory(native, status)) failOn(path, "it is a folder, not a file");
+  FileHandle file(std::fopen(native.c_str(), "rb"));
+  if (!file) failOn(path, errno == ENOENT ? "there is no such file" : std::strerror(errno));
+  std::string content;
+  const auto size = fs::file_size(native, status);
+  if (!status) content.reserve(size);
+  char buffer[1 << 16];
+  while (const size_t got = std::fread(buffer, 1, sizeof buffer, file.get())) {
+    content.append(buffer, got);
+    if (maxBytes > 0 && content.size() > maxBytes) failOn(path, "it is too large");
+  }
+  if (std::ferror(file.get())) failOn(path, std::strerror(errno));
+  return content;
+}
+
+void writeFileWhole(std::string_view path, const std::function<void(const fs::path&)>& fill) {
+  const fs::path target = nativePath(path);
+  fs::path temporary = target;
+  temporary += ".tmp" + std::to_string(::getpid());
+  try {
+    fill(temporary);
+    std::error_code failed;
+    fs::rename(temporary, target, failed);
+    if (failed) {
+      throw FileError("Cannot write " + std::string(path) + ": " + failed.message());
+    }
+  } catch (...) {
+    std::error_code ignored;
+    fs::remove(temporary, ignored);
+    throw;
+  }
+}
+
+void writeFileWhole(std::string_view path, std::string_view content) {
+  writeFileWhole(path, [&](const fs::path& temporary) {
+    const auto fail = [&] {
+      throw FileError("Cannot write " + std::string(path) + ": " + std::strerror(errno));
+    };
+    FileHandle file(std::fopen(temporary.c_str(), "wb"));
+    if (!file) fail();
+    if (std::fwrite(content.data(), 1, content.size(), file.get()) != content.size()) fail();
+    if (std::fflush(file.get()) != 0) fail();
+  });
+}
+
+}  // namespace lodex

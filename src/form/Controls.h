@@ -1,0 +1,190 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "worksheet/Worksheet.h"
+
+/// Control models: what a window shows and what its user set, without any toolkit. Every change
+/// tells the observers, so that a view stays in step and a form can react to its own controls.
+namespace lodex {
+
+class Form;
+
+/// What every control has. A control belongs to the form it was made with and carries the name
+/// under which a view binds to it.
+class Control {
+ public:
+  Control(Form& form, std::string_view name, std::string_view caption = {});
+  virtual ~Control() = default;
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+
+  const std::string& name() const { return name_; }
+  const std::string& caption() const { return caption_; }
+  void setCaption(std::string_view caption) { assign(caption_, std::string(caption)); }
+  const std::string& toolTip() const { return toolTip_; }
+  void setToolTip(std::string_view toolTip) { assign(toolTip_, std::string(toolTip)); }
+  bool visible() const { return visible_; }
+  void setVisible(bool visible) { assign(visible_, visible); }
+  bool enabled() const { return enabled_; }
+  void setEnabled(bool enabled) { assign(enabled_, enabled); }
+
+  /// Called after every change. Observers live as long as the control.
+  void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+
+ protected:
+  void changed();
+  template <typename T>
+  void assign(T& member, T value) {
+    if (member == value) return;
+    member = std::move(value);
+    changed();
+  }
+
+ private:
+  std::string name_;
+  std::string caption_;
+  std::string toolTip_;
+  bool visible_ = true;
+  bool enabled_ = true;
+  std::vector<std::function<void()>> observers_;
+};
+
+class Label : public Control {
+ public:
+  using Control::Control;
+};
+
+class TextBox : public Control {
+ public:
+  using Control::Control;
+  const std::string& text() const { return text_; }
+  void setText(std::string_view text) { assign(text_, std::string(text)); }
+  /// The text as a whole number; 0 when it is none.
+  int number() const;
+  void setNumber(int number) { setText(std::to_string(number)); }
+
+ private:
+  std::string text_;
+};
+
+class CheckBox : public Control {
+ public:
+  using Control::Control;
+  bool checked() const { return checked_; }
+  void setChecked(bool checked) { assign(checked_, checked); }
+
+ private:
+  bool checked_ = false;
+};
+
+/// A group of options of which one is selected, counted from 0.
+class OptionButtons : public Control {
+ public:
+  OptionButtons(Form& form, std::string_view name, std::vector<std::string> captions);
+  const std::vector<std::string>& captions() const { return captions_; }
+  int selected() const { return selected_; }
+  /// Ignores an index that is none of the options.
+  void select(int index);
+
+ private:
+  std::vector<std::string> captions_;
+  int selected_ = 0;
+};
+
+/// A list of texts, counted from 0, with a current item (-1 for none), a selection mark and, for
+/// lists with boxes, a check per item.
+class ListBox : public Control {
+ public:
+  using Control::Control;
+  int count() const { return static_cast<int>(items_.size()); }
+  const std::string& item(int index) const { return at(index).text; }
+  std::vector<std::string> items() const;
+  void clear();
+  void add(std::string_view text, bool checked = false);
+  void setItem(int index, std::string_view text);
+  void insert(int index, std::string_view text);
+  void remove(int index);
+  bool selected(int index) const { return at(index).selected; }
+  void setSelected(int index, bool selected);
+  void selectAll(bool selected);
+  std::vector<int> selectedItems() const;
+  bool checked(int index) const { return at(index).checked; }
+  void setChecked(int index, bool checked);
+  int current() const { return current_; }
+  void setCurrent(int index);
+
+ private:
+  struct Item {
+    std::string text;
+    bool selected = false;
+    bool checked = false;
+  };
+  const Item& at(int index) const;
+  Item& at(int index);
+  std::vector<Item> items_;
+  int current_ = -1;
+};
+
+/// A list with an edit field: the text may be none of the items.
+class ComboBox : public ListBox {
+ public:
+  using ListBox::ListBox;
+  const std::string& text() const { return text_; }
+  void setText(std::string_view text) { assign(text_, std::string(text)); }
+
+ private:
+  std::string text_;
+};
+
+/// A button or menu item; `click` runs its command if it is enabled.
+class Button : public Control {
+ public:
+  using Control::Control;
+  void onClick(std::function<void()> command) { command_ = std::move(command); }
+  void click();
+
+ private:
+  std::function<void()> command_;
+};
+
+class MenuItem : public Button {
+ public:
+  using Button::Button;
+  bool checked() const { return checked_; }
+  void setChecked(bool checked) { assign(checked_, checked); }
+
+ private:
+  bool checked_ = false;
+};
+
+class ProgressBar : public Control {
+ public:
+  using Control::Control;
+  int value() const { return value_; }
+  int maximum() const { return maximum_; }
+  void setValue(int value) { assign(value_, value); }
+  void setMaximum(int maximum) { assign(maximum_, maximum); }
+
+ private:
+  int value_ = 0;
+  int maximum_ = 100;
+};
+
+/// A worksheet on show. The form owns the worksheet; after changing it the form calls `refresh`.
+class Grid : public Control {
+ public:
+  Grid(Form& form, std::string_view name, Worksheet& sheet) : Control(form, name), sheet_(&sheet) {}
+  Worksheet& sheet() { return *sheet_; }
+  const Worksheet& sheet() const { return *sheet_; }
+  void refresh() { changed(); }
+
+ private:
+  Worksheet* sheet_;
+};
+
+}  // namespace lodex

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "form/Controls.h"
+
+namespace lodex {
+
+/// A window without a toolkit: a name, a caption and controls that are found by name. Subclasses
+/// hold the controls as members and their event procedures as member functions.
+class Form {
+ public:
+  explicit Form(std::string_view name, std::string_view caption = {})
+      : name_(name), caption_(caption) {}
+  virtual ~Form() = default;
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+
+  const std::string& name() const { return name_; }
+  const std::string& caption() const { return caption_; }
+  void setCaption(std::string_view caption);
+
+  bool visible() const { return visible_; }
+  virtual void show();
+  virtual void hide();
+  /// Unloads the window; observers are told once.
+  virtual void close();
+
+  /// The control of that name without regard to case, or null.
+  Control* control(std::string_view name) const;
+  const std::vector<Control*>& controls() const { return controls_; }
+
+  /// Called after show, hide, close and a new caption.
+  void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+
+ private:
+  friend class Control;
+  void changed();
+
+  std::string name_;
+  std::string caption_;
+  bool visible_ = false;
+  std::vector<Control*> controls_;
+  std::vector<std::function<void()>> observers_;
+};
+
+}  // namespace lodex

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "form/Form.h"
+
+namespace lodex {
+
+/// Where a log line goes. The numbers are the ones that callers' texts speak of.
+enum class LogKind { Errors = 0, Log = 1, Both = 2 };
+
+/// The log window: a pane for the log and one for errors. The texts stay while it is hidden.
+class frmLog : public Form {
+ public:
+  frmLog();
+
+  TextBox txtLog{*this, "txtLog"};
+  TextBox txtErr{*this, "txtErr"};
+
+  /// Adds a line at the end of a pane; a pane's first text stands alone, later ones follow a CR LF.
+  /// With `unique` nothing is added when the pane already holds the text.
+  void LisaaLog(std::string_view text, LogKind kind = LogKind::Log, bool unique = false);
+  /// Empties both panes.
+  void clear();
+  /// An empty error pane receives "No Errors" when the window is activated.
+  void activate();
+};
+
+/// The status line of long jobs: the bar, its text and the Abort button.
+class Progress : public Form {
+ public:
+  Progress();
+
+  ProgressBar bar{*this, "bar"};
+  Label txtInfo{*this, "txtInfo"};
+  Button cmdAbort{*this, "cmdAbort", "Abort"};
+
+  /// Value 0 ends a job: the bar is reset, Abort is hidden and the text reads "Ready!". Any other
+  /// value sets the bar and, if the text is not empty, the text.
+  void ShowProgress(std::string_view text, int value);
+  /// True clears the abort flag; the Abort button gets the given visibility.
+  void ShowStop(bool visible);
+
+  /// Set by the Abort button, polled and cleared by the job.
+  bool AbortFlag = false;
+};
+
+}  // namespace lodex

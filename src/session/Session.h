@@ -1,0 +1,90 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "form/Dialogs.h"
+#include "form/EventPump.h"
+#include "session/Log.h"
+#include "worksheet/Clipboard.h"
+
+namespace lodex {
+
+/// What start-up finds out and every part of the program reads. Paths are texts in the form in
+/// which the ini files give them.
+struct SessionRecord {
+  std::string GeoPath;    // base of the prefix "@"
+  std::string BasePath;   // base of the prefix "!"
+  std::string UserPath;   // base of the prefix "+"
+  std::string UserName;
+  std::string OwnerName;
+  std::string MainIni;
+  std::string UserIni;
+  std::string CalcIni;
+  std::string HelpPath;
+  std::string DefPath;
+  std::string DdeServer, DdeTopic, DdeItem;
+  int LinkType = 0;
+  std::string SampleDbPath;
+  std::string MineralDbPath;
+  std::string SessionDbPath;
+  std::string ConnectionKind;
+  std::string ConnectionKindLast;
+  std::string CGroupsFolder;
+  std::string DefaultCGroup;
+  std::string CurrentCGroup;
+  std::string ThesaurusFile;
+  bool ExitConfirmed = false;
+  bool SourcesBuilt = false;
+  bool FileLoadInProgress = false;
+  bool CalcFolderExists = false;
+  std::vector<std::string> MineralList;
+  std::vector<std::string> MineralAliases;
+};
+
+/// The services of the platform that logic may use.
+struct Services {
+  Dialogs& dialogs;
+  EventPump& events;
+  Clipboard& clipboard;
+};
+
+/// One session per process: the record, the log, the progress line and the services. Forms get it
+/// by reference.
+class Session {
+ public:
+  explicit Session(Services services) : services_(services) {}
+
+  SessionRecord record;
+  frmLog log;
+  Progress progress;
+
+  Dialogs& dialogs() { return services_.dialogs; }
+  Clipboard& clipboard() { return services_.clipboard; }
+  void pumpEvents() { services_.events.pump(); }
+
+  /// The prefixes "@", "!" and "+" stand for GeoPath, BasePath and UserPath; an empty path becomes
+  /// the default.
+  std::string ExpandPath(std::string_view path, std::string_view otherwise) const;
+
+  /// Reads the ini files into the record. GeoPath is `appFolder` + "\Geo" and MainIni stands below
+  /// it; both are set here.
+  void ReadSession(std::string_view appFolder, bool readStartDatabase, bool readUserName);
+
+ private:
+  Services services_;
+};
+
+/// Up to ten last files of a kind, newest first, in lastfiles.ini of the user's ini folder.
+std::vector<std::string> LastFiles(const SessionRecord& record, std::string_view section);
+void PushLastFile(const SessionRecord& record, std::string_view path, std::string_view section);
+
+/// True when a listing of the path yields a name.
+bool FileExists(std::string_view path);
+
+/// Walks a path piece by piece and, if asked, creates what is missing. `exists` tells whether the
+/// whole path stands at the end; an error yields false.
+void EnsureFolder(std::string_view path, bool create, bool& exists);
+
+}  // namespace lodex
