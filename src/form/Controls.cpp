@@ -16,7 +16,15 @@ void Control::changed() {
   for (size_t i = 0; i < observers_.size(); ++i) observers_[i]();
 }
 
-int TextBox::number() const { return parseInteger(text_).value_or(0); }
+void TextBox::appendText(std::string_view text) {
+  if (text.empty()) return;
+  text_ += text;
+  changed();
+}
+
+int TextBox::number() const {
+  return parseInteger(text_).value_or(0);
+}
 
 OptionButtons::OptionButtons(Form& form, std::string_view name, std::vector<std::string> captions)
     : Control(form, name), captions_(std::move(captions)) {}
@@ -32,7 +40,9 @@ const ListBox::Item& ListBox::at(int index) const {
   return items_[static_cast<size_t>(index)];
 }
 
-ListBox::Item& ListBox::at(int index) { return const_cast<Item&>(std::as_const(*this).at(index)); }
+ListBox::Item& ListBox::at(int index) {
+  return const_cast<Item&>(std::as_const(*this).at(index));
+}
 
 std::vector<std::string> ListBox::items() const {
   std::vector<std::string> texts;
@@ -51,7 +61,9 @@ void ListBox::add(std::string_view text, bool checked) {
   changed();
 }
 
-void ListBox::setItem(int index, std::string_view text) { assign(at(index).text, std::string(text)); }
+void ListBox::setItem(int index, std::string_view text) {
+  assign(at(index).text, std::string(text));
+}
 
 void ListBox::insert(int index, std::string_view text) {
   if (index < 0 || index > count()) throw Error("List " + name() + " has no such place");
@@ -68,7 +80,9 @@ void ListBox::remove(int index) {
   changed();
 }
 
-void ListBox::setSelected(int index, bool selected) { assign(at(index).selected, selected); }
+void ListBox::setSelected(int index, bool selected) {
+  assign(at(index).selected, selected);
+}
 
 void ListBox::selectAll(bool selected) {
   for (Item& item : items_) item.selected = selected;
@@ -83,7 +97,9 @@ std::vector<int> ListBox::selectedItems() const {
   return indexes;
 }
 
-void ListBox::setChecked(int index, bool checked) { assign(at(index).checked, checked); }
+void ListBox::setChecked(int index, bool checked) {
+  assign(at(index).checked, checked);
+}
 
 void ListBox::setCurrent(int index) {
   if (index != -1) at(index);

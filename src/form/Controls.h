@@ -64,6 +64,8 @@ class TextBox : public Control {
   using Control::Control;
   const std::string& text() const { return text_; }
   void setText(std::string_view text) { assign(text_, std::string(text)); }
+  /// Adds at the end without copying what is there: logs grow long.
+  void appendText(std::string_view text);
   /// The text as a whole number; 0 when it is none.
   int number() const;
   void setNumber(int number) { setText(std::to_string(number)); }

@@ -42,7 +42,9 @@ std::vector<std::string> ConsoleDialogs::openFiles(const FileRequest&) {
   return answer ? std::vector<std::string>{*answer} : std::vector<std::string>{};
 }
 
-std::optional<std::string> ConsoleDialogs::saveFile(const FileRequest&) { return nextAnswer(); }
+std::optional<std::string> ConsoleDialogs::saveFile(const FileRequest&) {
+  return nextAnswer();
+}
 
 std::optional<int> ConsoleDialogs::selectFromList(std::string_view,
                                                   const std::vector<std::string>& items) {
@@ -54,7 +56,9 @@ std::optional<int> ConsoleDialogs::selectFromList(std::string_view,
   return std::nullopt;
 }
 
-void ConsoleDialogs::showModal(Form& form) { form.close(); }
+void ConsoleDialogs::showModal(Form& form) {
+  form.close();
+}
 
 void ScriptedDialogs::expectMessage(std::string text, Answer answer) {
   Expected expected;

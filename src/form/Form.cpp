@@ -19,7 +19,9 @@ void Form::hide() {
   changed();
 }
 
-void Form::close() { hide(); }
+void Form::close() {
+  hide();
+}
 
 Control* Form::control(std::string_view name) const {
   for (Control* control : controls_) {

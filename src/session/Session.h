@@ -14,9 +14,9 @@ namespace lodex {
 /// What start-up finds out and every part of the program reads. Paths are texts in the form in
 /// which the ini files give them.
 struct SessionRecord {
-  std::string GeoPath;    // base of the prefix "@"
-  std::string BasePath;   // base of the prefix "!"
-  std::string UserPath;   // base of the prefix "+"
+  std::string GeoPath;   // base of the prefix "@"
+  std::string BasePath;  // base of the prefix "!"
+  std::string UserPath;  // base of the prefix "+"
   std::string UserName;
   std::string OwnerName;
   std::string MainIni;
@@ -43,6 +43,15 @@ struct SessionRecord {
   std::vector<std::string> MineralAliases;
 };
 
+/// The splash window of start-up.
+class frmLoad : public Form {
+ public:
+  frmLoad() : Form("frmLoad") {}
+  Label labText{*this, "labText"};    // what start-up is doing
+  Label labOwner{*this, "labOwner"};  // who owns and who runs the installation
+  Label LabExe{*this, "LabExe"};      // the version
+};
+
 /// The services of the platform that logic may use.
 struct Services {
   Dialogs& dialogs;
@@ -59,6 +68,7 @@ class Session {
   SessionRecord record;
   frmLog log;
   Progress progress;
+  frmLoad splash;
 
   Dialogs& dialogs() { return services_.dialogs; }
   Clipboard& clipboard() { return services_.clipboard; }
@@ -73,6 +83,9 @@ class Session {
   void ReadSession(std::string_view appFolder, bool readStartDatabase, bool readUserName);
 
  private:
+  void readUserFolder();
+  void readDatabases(std::string_view app);
+
   Services services_;
 };
 

@@ -1,0 +1,59 @@
+#include "session/Log.h"
+
+namespace lodex {
+namespace {
+
+void addLine(TextBox& pane, std::string_view text, bool unique) {
+  if (unique && pane.text().find(text) != std::string::npos) return;
+  if (pane.text().empty()) {
+    pane.setText(text);
+  } else {
+    pane.appendText("\r\n" + std::string(text));
+  }
+}
+
+}  // namespace
+
+frmLog::frmLog() : Form("frmLog", "Log") {}
+
+void frmLog::LisaaLog(std::string_view text, LogKind kind, bool unique) {
+  if (kind != LogKind::Log) addLine(txtErr, text, unique);
+  if (kind != LogKind::Errors) addLine(txtLog, text, unique);
+}
+
+void frmLog::clear() {
+  txtLog.setText("");
+  txtErr.setText("");
+}
+
+void frmLog::activate() {
+  if (txtErr.text().empty()) txtErr.setText("No Errors");
+}
+
+Progress::Progress() : Form("tbBottom") {
+  cmdAbort.setVisible(false);
+  cmdAbort.onClick([this] { AbortFlag = true; });
+}
+
+void Progress::ShowProgress(std::string_view text, int value) {
+  if (value == 0) {
+    bar.setValue(bar.maximum());
+    bar.setValue(0);
+    cmdAbort.setVisible(false);
+    txtInfo.setCaption("Ready!");
+    hide();
+    return;
+  }
+  if (!visible()) show();
+  bar.setValue(value);
+  if (text.empty()) return;
+  txtInfo.setCaption(text);
+  txtInfo.setVisible(true);
+}
+
+void Progress::ShowStop(bool visible) {
+  if (visible) AbortFlag = false;
+  cmdAbort.setVisible(visible);
+}
+
+}  // namespace lodex

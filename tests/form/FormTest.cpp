@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "basic/Error.h"
+#include "form/Controls.h"
+#include "form/Dialogs.h"
+#include "form/Form.h"
+#include "form/WorksheetDialogs.h"
+
+namespace lodex {
+namespace {
+
+class TestForm : public Form {
+ public:
+  TestForm() : Form("frmTest", "Test") {}
+  TextBox txtName{*this, "txtName"};
+  ListBox lstItems{*this, "lstItems"};
+  OptionButtons optKind{*this, "optKind", {"one", "two"}};
+  Button cmdOK{*this, "cmdOK", "OK"};
+};
+
+TEST(Controls, AreFoundByNameAndTellChangesOnce) {
+  TestForm form;
+  int changes = 0;
+  form.txtName.onChange([&] { ++changes; });
+  form.txtName.setText("12");
+  form.txtName.setText("12");
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(form.txtName.number(), 12);
+  EXPECT_EQ(form.control("TXTNAME"), &form.txtName);
+  EXPECT_EQ(form.control("txtNone"), nullptr);
+  form.optKind.select(7);
+  EXPECT_EQ(form.optKind.selected(), 0);
+}
+
+TEST(Controls, ListKeepsItsCurrentItemThroughChanges) {
+  TestForm form;
+  for (const char* text : {"a", "b", "c"}) form.lstItems.add(text);
+  form.lstItems.setCurrent(2);
+  form.lstItems.remove(0);
+  EXPECT_EQ(form.lstItems.item(form.lstItems.current()), "c");
+  form.lstItems.insert(0, "new");
+  EXPECT_EQ(form.lstItems.item(form.lstItems.current()), "c");
+  form.lstItems.setSelected(1, true);
+  EXPECT_EQ(form.lstItems.selectedItems(), std::vector<int>{1});
+  EXPECT_THROW(form.lstItems.item(3), Error);
+}
+
+TEST(Controls, DisabledButtonDoesNothing) {
+  TestForm form;
+  int clicks = 0;
+  form.cmdOK.onClick([&] { ++clicks; });
+  form.cmdOK.setEnabled(false);
+  form.cmdOK.click();
+  EXPECT_EQ(clicks, 0);
+}
+
+TEST(ConsoleDialogs, TakesAnswersInOrderAndThenTheSafeOne) {
+  std::ostringstream messages;
+  ConsoleDialogs dialogs(messages, {"yes", "typed"});
+  EXPECT_EQ(dialogs.messageBox("Go?", MessageButtons::YesNo, MessageIcon::None, ""), Answer::Yes);
+  EXPECT_EQ(dialogs.inputBox("Name", "", "proposal"), "typed");
+  EXPECT_EQ(dialogs.inputBox("Name", "", "proposal"), "proposal");
+  EXPECT_EQ(dialogs.messageBox("Go?", MessageButtons::YesNo, MessageIcon::None, ""), Answer::No);
+  EXPECT_EQ(dialogs.messageBox("Go?", MessageButtons::YesNoCancel, MessageIcon::None, ""),
+            Answer::Cancel);
+  EXPECT_TRUE(dialogs.openFiles({}).empty());
+  EXPECT_NE(messages.str().find("Go?\n"), std::string::npos);
+}
+
+TEST(ScriptedDialogs, FailsOnAQuestionNobodyExpected) {
+  ScriptedDialogs dialogs;
+  dialogs.expectMessage("Known");
+  EXPECT_EQ(dialogs.messageBox("Known", MessageButtons::Ok, MessageIcon::None, ""), Answer::Ok);
+  EXPECT_THROW(dialogs.messageBox("Unknown", MessageButtons::Ok, MessageIcon::None, ""),
+               std::logic_error);
+  dialogs.expectForm("frmTest", [](Form& form) {
+    dynamic_cast<TextBox&>(*form.control("txtName")).setText("set by the user");
+  });
+  TestForm form;
+  dialogs.showModal(form);
+  EXPECT_EQ(form.txtName.text(), "set by the user");
+}
+
+TEST(WorksheetDialogs, EndingOfTheNameSettlesTheKind) {
+  ScriptedDialogs dialogs;
+  std::string path;
+  FileType type = FileType::Excel;
+  dialogs.expectSave("a.TXT");
+  EXPECT_TRUE(SaveFileDlg(dialogs, "Save", path, type));
+  EXPECT_EQ(type, FileType::Text);
+  dialogs.expectSave("b.unknown");
+  EXPECT_TRUE(SaveFileDlg(dialogs, "Save", path, type));
+  EXPECT_EQ(type, FileType::Text);
+  dialogs.expectSave(std::nullopt);
+  EXPECT_FALSE(SaveFileDlg(dialogs, "Save", path, type));
+  EXPECT_EQ(path, "b.unknown");
+}
+
+}  // namespace
+}  // namespace lodex
