@@ -32,7 +32,9 @@ fs::path nativePath(std::string_view text) {
   return fs::path(native);
 }
 
-std::string pathText(const fs::path& path) { return path.string(); }
+std::string pathText(const fs::path& path) {
+  return path.string();
+}
 
 std::string fileNameOf(std::string_view path) {
   const size_t cut = path.find_last_of("\\/");

@@ -68,9 +68,13 @@ std::optional<double> parseNumber(std::string_view text) {
   return value;
 }
 
-bool isNumericText(std::string_view text) { return parseNumber(text).has_value(); }
+bool isNumericText(std::string_view text) {
+  return parseNumber(text).has_value();
+}
 
-double numberOf(std::string_view text) { return parseNumber(text).value_or(0.0); }
+double numberOf(std::string_view text) {
+  return parseNumber(text).value_or(0.0);
+}
 
 std::optional<int> parseInteger(std::string_view text) {
   const auto value = parseNumber(text);
@@ -113,6 +117,8 @@ double roundHalfEven(double value) {
   return std::fmod(down, 2.0) == 0 ? down : down + 1;
 }
 
-double toSingle(double value) { return static_cast<double>(static_cast<float>(value)); }
+double toSingle(double value) {
+  return static_cast<double>(static_cast<float>(value));
+}
 
 }  // namespace lodex

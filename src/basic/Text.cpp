@@ -10,10 +10,16 @@ bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x80; });
 }
 
-char upperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+char upperAscii(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
+char lowerAscii(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
 
-bool between(char32_t c, char32_t low, char32_t high) { return c >= low && c <= high; }
+bool between(char32_t c, char32_t low, char32_t high) {
+  return c >= low && c <= high;
+}
 
 char32_t upperOf(char32_t c) {
   if (c < 0x80) return static_cast<char32_t>(upperAscii(static_cast<char>(c)));
@@ -58,9 +64,10 @@ char32_t nextCodePoint(std::string_view text, size_t& pos) {
   const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char lead = byte(pos++);
   if (lead < 0x80) return lead;
-  const int extra = lead >= 0xF0 && lead < 0xF5 ? 3 : lead >= 0xE0 && lead < 0xF0 ? 2
-                    : lead >= 0xC2 && lead < 0xE0                                ? 1
-                                                                                 : 0;
+  const int extra = lead >= 0xF0 && lead < 0xF5   ? 3
+                    : lead >= 0xE0 && lead < 0xF0 ? 2
+                    : lead >= 0xC2 && lead < 0xE0 ? 1
+                                                  : 0;
   if (extra == 0 || pos + extra > text.size()) return bad;
   char32_t c = lead & (0x3F >> extra);
   for (int i = 0; i < extra; ++i) {
@@ -75,8 +82,12 @@ char32_t nextCodePoint(std::string_view text, size_t& pos) {
 
 }  // namespace
 
-std::string toUpper(std::string_view text) { return mapped(text, upperAscii, upperOf); }
-std::string toLower(std::string_view text) { return mapped(text, lowerAscii, lowerOf); }
+std::string toUpper(std::string_view text) {
+  return mapped(text, upperAscii, upperOf);
+}
+std::string toLower(std::string_view text) {
+  return mapped(text, lowerAscii, lowerOf);
+}
 
 int compareNoCase(std::string_view a, std::string_view b) {
   size_t i = 0;
@@ -89,7 +100,9 @@ int compareNoCase(std::string_view a, std::string_view b) {
   return i < a.size() ? 1 : j < b.size() ? -1 : 0;
 }
 
-bool equalsNoCase(std::string_view a, std::string_view b) { return compareNoCase(a, b) == 0; }
+bool equalsNoCase(std::string_view a, std::string_view b) {
+  return compareNoCase(a, b) == 0;
+}
 
 bool startsWithNoCase(std::string_view text, std::string_view start) {
   size_t i = 0;
@@ -166,7 +179,9 @@ std::u32string decodeUtf8(std::string_view text) {
 
 void appendUtf8(std::string& out, char32_t c) {
   if (c > 0x10FFFF || between(c, 0xD800, 0xDFFF)) c = 0xFFFD;
-  const auto tail = [&](int shift) { out.push_back(static_cast<char>(0x80 | ((c >> shift) & 0x3F))); };
+  const auto tail = [&](int shift) {
+    out.push_back(static_cast<char>(0x80 | ((c >> shift) & 0x3F)));
+  };
   if (c < 0x80) {
     out.push_back(static_cast<char>(c));
   } else if (c < 0x800) {
@@ -204,8 +219,8 @@ std::string fromUtf16(std::u16string_view text) {
   out.reserve(text.size());
   for (size_t i = 0; i < text.size(); ++i) {
     char32_t c = text[i];
-    const bool pair = between(c, 0xD800, 0xDBFF) && i + 1 < text.size() &&
-                      between(text[i + 1], 0xDC00, 0xDFFF);
+    const bool pair =
+        between(c, 0xD800, 0xDBFF) && i + 1 < text.size() && between(text[i + 1], 0xDC00, 0xDFFF);
     if (pair) c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
     appendUtf8(out, c);
   }

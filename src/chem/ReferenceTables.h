@@ -10,8 +10,21 @@ namespace lodex {
 /// Columns of F1ELoc, the element location table.
 namespace eloc {
 enum Column {
-  Element = 1, Table, Form, MineralTable, MineralField, Multiplier, Disso, DissoFldNo, PhaseTable,
-  PhaseField, Oxide, Oxide2, MulitEl, MultiOx, MultiOx2
+  Element = 1,
+  Table,
+  Form,
+  MineralTable,
+  MineralField,
+  Multiplier,
+  Disso,
+  DissoFldNo,
+  PhaseTable,
+  PhaseField,
+  Oxide,
+  Oxide2,
+  MulitEl,
+  MultiOx,
+  MultiOx2
 };
 }
 

@@ -16,7 +16,15 @@ inline constexpr Color automaticColor = -1;
 Color paletteColor(int index);
 
 enum class FillPattern : std::uint8_t { None, Solid, Other };
-enum class HorizontalAlignment : std::uint8_t { General, Left, Center, Right, Fill, Justify, CenterAcross };
+enum class HorizontalAlignment : std::uint8_t {
+  General,
+  Left,
+  Center,
+  Right,
+  Fill,
+  Justify,
+  CenterAcross
+};
 enum class VerticalAlignment : std::uint8_t { Bottom, Center, Top, Justify };
 
 /// How a cell looks. Equal formats are stored once per workbook.

@@ -122,7 +122,7 @@ class CellStore {
   void release(Cell& cell);
   int deepestRow(int column) const;
 
-  std::vector<Column> columns_;        // index 0 unused
+  std::vector<Column> columns_;          // index 0 unused
   std::vector<std::int32_t> usedInRow_;  // index 0 unused
   int lastRow_ = 0;
   int lastColumn_ = 0;

@@ -44,9 +44,8 @@ void SampleTable::SortBy(int column) {
   if (rows_ > 0) place(column, 1);
   order_.resize(static_cast<size_t>(rows_));
   std::iota(order_.begin(), order_.end(), 0);
-  std::stable_sort(order_.begin(), order_.end(), [&](int a, int b) {
-    return Cell(column, a + 1) < Cell(column, b + 1);
-  });
+  std::stable_sort(order_.begin(), order_.end(),
+                   [&](int a, int b) { return Cell(column, a + 1) < Cell(column, b + 1); });
 }
 
 const std::string& SampleTable::SortedCell(int column, int row) const {

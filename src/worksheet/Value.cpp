@@ -33,7 +33,9 @@ SharedText::SharedText(std::string_view text) {
   std::memcpy(rep_->bytes(), text.data(), text.size());
 }
 
-std::string_view SharedText::view() const { return viewOf(rep_); }
+std::string_view SharedText::view() const {
+  return viewOf(rep_);
+}
 
 std::string_view SharedText::viewOf(const Rep* rep) {
   return rep == nullptr ? std::string_view() : std::string_view(rep->bytes(), rep->size);
@@ -59,7 +61,9 @@ void SharedText::release(Rep* rep) {
   if (rep != nullptr && --rep->count == 0) std::free(rep);
 }
 
-std::string_view errorText(ErrorCode code) { return errorTexts[static_cast<size_t>(code)]; }
+std::string_view errorText(ErrorCode code) {
+  return errorTexts[static_cast<size_t>(code)];
+}
 
 bool errorFromText(std::string_view text, ErrorCode& code) {
   for (size_t i = 0; i < errorTexts.size(); ++i) {

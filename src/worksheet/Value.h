@@ -13,7 +13,16 @@ namespace lodex {
 enum class ValueKind : std::uint8_t { Empty, Number, Text, NumericText, Boolean, Error, Formula };
 
 /// Error values of cells. They are values, not failures.
-enum class ErrorCode : std::uint8_t { Null, DivisionByZero, Value, Ref, Name, Num, NotAvailable, Circular };
+enum class ErrorCode : std::uint8_t {
+  Null,
+  DivisionByZero,
+  Value,
+  Ref,
+  Name,
+  Num,
+  NotAvailable,
+  Circular
+};
 
 /// "#DIV/0!" and the like. A circular reference shows "#CIRC!".
 std::string_view errorText(ErrorCode code);

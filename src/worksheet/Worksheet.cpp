@@ -91,7 +91,8 @@ void Worksheet::failCell(const SheetData& sheet, int row, int column) {
               " rows, " + std::to_string(sheet.maxColumn) + " columns)");
 }
 
-// --- Cells -----------------------------------------------------------------------------------------
+// --- Cells
+// -----------------------------------------------------------------------------------------
 
 std::string Worksheet::displayed(const Cell& cell) const {
   if (isTextKind(cell.kind)) return std::string(SharedText::viewOf(cell.text));
@@ -146,8 +147,8 @@ std::string Worksheet::EntrySRC(int sheet, int row, int column) const {
   if (cell.kind == ValueKind::Formula) return "=" + cell.formula->text;
   if (cell.kind == ValueKind::Number) return exactNumberText(cell.number);
   const std::string text = CellStore::valueOf(cell).asText();
-  const bool wouldChange = isTextKind(cell.kind) && !text.empty() &&
-                           (text.front() == '=' || !typedValue(text).isText());
+  const bool wouldChange =
+      isTextKind(cell.kind) && !text.empty() && (text.front() == '=' || !typedValue(text).isText());
   return wouldChange ? "'" + text : text;
 }
 
@@ -173,7 +174,7 @@ bool Worksheet::HasFormula(int sheet, int row, int column) const {
 
 bool Worksheet::HasContent(int sheet, int row, int column) const {
   const Cell& cell = checked(sheet, row, column).cells.at(row, column);
-  return isTextKind(cell.kind) ? cell.text != nullptr
+  return isTextKind(cell.kind)             ? cell.text != nullptr
          : cell.kind == ValueKind::Formula ? !displayed(cell).empty()
                                            : cell.kind != ValueKind::Empty;
 }
@@ -184,12 +185,15 @@ std::string Worksheet::ColText(int column) const {
 void Worksheet::ColText(int column, std::string_view text) {
   store(data(current_).columnTexts, column, std::string(text));
 }
-std::string Worksheet::RowText(int row) const { return lookUp(data(current_).rowTexts, row); }
+std::string Worksheet::RowText(int row) const {
+  return lookUp(data(current_).rowTexts, row);
+}
 void Worksheet::RowText(int row, std::string_view text) {
   store(data(current_).rowTexts, row, std::string(text));
 }
 
-// --- Sheets ----------------------------------------------------------------------------------------
+// --- Sheets
+// ----------------------------------------------------------------------------------------
 
 void Worksheet::NumSheets(int count) {
   if (count < 1) throw Error("A workbook has at least one sheet");
@@ -202,7 +206,9 @@ void Worksheet::Sheet(int sheet) {
   current_ = sheet;
 }
 
-std::string Worksheet::SheetName(int sheet) const { return data(sheet).name; }
+std::string Worksheet::SheetName(int sheet) const {
+  return data(sheet).name;
+}
 
 void Worksheet::SheetName(int sheet, std::string_view name) {
   if (name.empty()) throw Error("A sheet needs a name");
@@ -252,16 +258,23 @@ void Worksheet::DeleteSheets(int first, int count) {
   current_ = std::clamp(current_, 1, NumSheets());
 }
 
-SheetVisibility Worksheet::sheetVisibility(int sheet) const { return data(sheet).visibility; }
+SheetVisibility Worksheet::sheetVisibility(int sheet) const {
+  return data(sheet).visibility;
+}
 void Worksheet::sheetVisibility(int sheet, SheetVisibility visibility) {
   data(sheet).visibility = visibility;
 }
 
-int Worksheet::LastRow(int sheet) const { return data(sheet).cells.lastRow(); }
-int Worksheet::LastCol(int sheet) const { return data(sheet).cells.lastColumn(); }
+int Worksheet::LastRow(int sheet) const {
+  return data(sheet).cells.lastRow();
+}
+int Worksheet::LastCol(int sheet) const {
+  return data(sheet).cells.lastColumn();
+}
 
 void Worksheet::MaxRow(int rows) {
-  if (rows < 1 || rows > maxRows) throw Error("A sheet cannot have " + std::to_string(rows) + " rows");
+  if (rows < 1 || rows > maxRows)
+    throw Error("A sheet cannot have " + std::to_string(rows) + " rows");
   data(current_).maxRow = rows;
 }
 
@@ -272,11 +285,14 @@ void Worksheet::MaxCol(int columns) {
   data(current_).maxColumn = columns;
 }
 
-void Worksheet::setDefinedNames(std::vector<DefinedName> names) { names_ = std::move(names); }
+void Worksheet::setDefinedNames(std::vector<DefinedName> names) {
+  names_ = std::move(names);
+}
 
 void Worksheet::Recalc() {}
 
-// --- Appearance --------------------------------------------------------------------------------------
+// --- Appearance
+// --------------------------------------------------------------------------------------
 
 const CellFormat& Worksheet::formatOf(int sheet, int row, int column) const {
   return formats_->at(checked(sheet, row, column).cells.format(row, column));
@@ -324,7 +340,9 @@ bool Worksheet::columnHidden(int sheet, int column) const {
 void Worksheet::columnHidden(int sheet, int column, bool hidden) {
   store(data(sheet).hiddenColumns, column, hidden);
 }
-bool Worksheet::rowHidden(int sheet, int row) const { return lookUp(data(sheet).hiddenRows, row); }
+bool Worksheet::rowHidden(int sheet, int row) const {
+  return lookUp(data(sheet).hiddenRows, row);
+}
 void Worksheet::rowHidden(int sheet, int row, bool hidden) {
   store(data(sheet).hiddenRows, row, hidden);
 }

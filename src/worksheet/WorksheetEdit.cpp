@@ -108,8 +108,9 @@ void Worksheet::copyCell(int sheet, int row, int column, const Worksheet& source
   const Cell& from = source.cells(sourceSheet).at(sourceRow, sourceColumn);
   CellStore& target = data(sheet).cells;
   const bool sameBook = &source == this;
-  const std::uint32_t format =
-      sameBook || from.format == 0 ? from.format : formats_->indexOf(source.formats_->at(from.format));
+  const std::uint32_t format = sameBook || from.format == 0
+                                   ? from.format
+                                   : formats_->indexOf(source.formats_->at(from.format));
   if (from.kind == ValueKind::Formula) {
     target.setFormula(row, column, std::make_unique<FormulaCell>(*from.formula));
   } else {
@@ -149,8 +150,8 @@ void Worksheet::CopyRange(int row1, int column1, int row2, int column2, const Wo
     const int r = fromBottom ? copyRows - 1 - i : i;
     for (int j = 0; j < copyColumns; ++j) {
       const int c = fromRight ? copyColumns - 1 - j : j;
-      copyCell(current_, row1 + r, column1 + c, source, source.current_, sourceRow1 + r % sourceRows,
-               sourceColumn1 + c % sourceColumns);
+      copyCell(current_, row1 + r, column1 + c, source, source.current_,
+               sourceRow1 + r % sourceRows, sourceColumn1 + c % sourceColumns);
     }
   }
 }
@@ -204,7 +205,8 @@ void Worksheet::Sort(int row1, int column1, int row2, int column2, bool byRows,
   std::vector<std::vector<Value>> keyValues(keys.size());
   for (size_t k = 0; k < keys.size(); ++k) {
     for (int i = first; i < first + count; ++i) {
-      keyValues[k].push_back(byRows ? cells.value(i, keys[k].index) : cells.value(keys[k].index, i));
+      keyValues[k].push_back(byRows ? cells.value(i, keys[k].index)
+                                    : cells.value(keys[k].index, i));
     }
   }
   std::vector<int> order(static_cast<size_t>(count));
@@ -252,8 +254,12 @@ void Worksheet::EditCut(Clipboard& clipboard) {
   ClearRange(std::max(1, SelStartRow()), std::max(1, SelStartCol()), SelEndRow(), SelEndCol());
 }
 
-void Worksheet::EditPaste(Clipboard& clipboard) { enterBlock(clipboard.text(), true); }
-void Worksheet::EditPasteValues(Clipboard& clipboard) { enterBlock(clipboard.text(), false); }
+void Worksheet::EditPaste(Clipboard& clipboard) {
+  enterBlock(clipboard.text(), true);
+}
+void Worksheet::EditPasteValues(Clipboard& clipboard) {
+  enterBlock(clipboard.text(), false);
+}
 
 void Worksheet::enterBlock(std::string_view tabText, bool formulas) {
   std::string text = replaceAll(tabText, "\r\n", "\n");
