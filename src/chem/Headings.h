@@ -37,4 +37,7 @@ double RoundTo(double value, int digits);
 /// A normal deviate by the polar method of Marsaglia.
 double RandomGauss(double mean, double sigma);
 
+/// Starts the calling thread's sequence of RandomGauss anew, so that a run can be repeated.
+void SeedRandom(std::uint32_t seed);
+
 }  // namespace lodex
