@@ -76,10 +76,13 @@ void CellStore::changeKind(Cell& cell, int row, int column, ValueKind kind) {
 }
 
 void CellStore::set(int row, int column, const Value& value) {
-  if (value.isEmpty() && at(row, column).kind == ValueKind::Empty) return;
+  // A text without characters is no content: whoever reads it must see an empty cell.
+  const bool blank = value.isText() && value.textView().empty();
+  const ValueKind kind = blank ? ValueKind::Empty : value.kind();
+  if (kind == ValueKind::Empty && at(row, column).kind == ValueKind::Empty) return;
   Cell& cell = ensure(row, column);
-  changeKind(cell, row, column, value.kind());
-  switch (value.kind()) {
+  changeKind(cell, row, column, kind);
+  switch (kind) {
     case ValueKind::Number:
     case ValueKind::Boolean:
       cell.number = value.asNumber();

@@ -51,7 +51,7 @@ class CellStore {
     cell.number = number;
   }
 
-  /// Stores content and keeps the cell's format. An Empty value clears the content.
+  /// Stores content and keeps the cell's format. An Empty value and an empty text clear it.
   void set(int row, int column, const Value& value);
 
   /// Takes ownership of the formula.

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <optional>
 
 #include "basic/Error.h"
 #include "basic/Numbers.h"
@@ -14,6 +15,39 @@ namespace {
 
 constexpr std::array<std::string_view, 8> errorTexts{"#NULL!", "#DIV/0!", "#VALUE!", "#REF!",
                                                      "#NAME?", "#NUM!",   "#N/A",    "#CIRC!"};
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+// The value of a plain decimal spelled exactly as numberText would: no superfluous zeros, at most
+// 15 digits. Files hold millions of these, and with so few digits one division rounds correctly.
+std::optional<double> plainNumber(std::string_view text) {
+  constexpr std::array<double, 16> powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  const bool negative = text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  if (text.empty() || text.size() > 16 || !isDigit(text.front())) return std::nullopt;
+  std::int64_t digits = 0;
+  size_t pos = 0;
+  for (; pos < text.size() && isDigit(text[pos]); ++pos) digits = digits * 10 + (text[pos] - '0');
+  if (text.front() == '0' && pos > 1) return std::nullopt;
+  size_t decimals = 0;
+  if (pos < text.size()) {
+    if (text[pos] != '.' || !isDigit(text.back()) || text.back() == '0') return std::nullopt;
+    const size_t point = pos;
+    for (++pos; pos < text.size() && isDigit(text[pos]); ++pos) {
+      digits = digits * 10 + (text[pos] - '0');
+    }
+    decimals = pos - point - 1;
+    const bool nearExponent = text.substr(0, 6) == "0.0000";
+    if (pos < text.size() || nearExponent) return std::nullopt;
+  } else if (text.size() > 15 || (negative && digits == 0)) {
+    return std::nullopt;
+  }
+  const double value = static_cast<double>(digits) / powers[decimals];
+  return negative ? -value : value;
+}
 
 }  // namespace
 
@@ -72,6 +106,15 @@ bool errorFromText(std::string_view text, ErrorCode& code) {
     return true;
   }
   return false;
+}
+
+Value Value::stored(std::string_view text) {
+  if (text.empty()) return {};
+  if (const auto plain = plainNumber(text)) return Value(*plain);
+  const auto number = parseNumber(text);
+  if (!number) return Value::text(text);
+  if (numberText(*number) == text) return Value(*number);
+  return numericText(SharedText(text));
 }
 
 Value Value::boolean(bool truth) {

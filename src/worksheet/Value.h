@@ -69,6 +69,9 @@ class Value {
   static Value numericText(SharedText text) {
     return Value(ValueKind::NumericText, std::move(text));
   }
+  /// Text as cells take it in: nothing for "", the number for a number in its usual spelling (as
+  /// numberText writes it), NumericText for any other spelling of a number, else Text.
+  static Value stored(std::string_view text);
   static Value boolean(bool truth);
   static Value error(ErrorCode code);
 

@@ -15,15 +15,6 @@ bool isTextKind(ValueKind kind) {
   return kind == ValueKind::Text || kind == ValueKind::NumericText;
 }
 
-// Text as a caller stores it: a number in its usual spelling becomes that number.
-Value storedText(std::string_view text) {
-  if (text.empty()) return {};
-  const auto number = parseNumber(text);
-  if (!number) return Value::text(text);
-  if (numberText(*number) == text) return Value(*number);
-  return Value::numericText(SharedText(text));
-}
-
 // Text as a user types it: also truth values and errors, and any spelling of a number.
 Value typedValue(std::string_view entry) {
   if (entry.empty()) return {};
@@ -111,7 +102,7 @@ std::string Worksheet::FormattedTextSRC(int sheet, int row, int column) const {
 }
 
 void Worksheet::TextSRC(int sheet, int row, int column, std::string_view text) {
-  checked(sheet, row, column).cells.set(row, column, storedText(text));
+  checked(sheet, row, column).cells.set(row, column, Value::stored(text));
 }
 
 double Worksheet::NumberSRC(int sheet, int row, int column) const {
@@ -131,6 +122,7 @@ std::string Worksheet::FormulaSRC(int sheet, int row, int column) const {
 
 void Worksheet::FormulaSRC(int sheet, int row, int column, std::string_view formula) {
   if (!formula.empty() && formula.front() == '=') formula.remove_prefix(1);
+  if (formula.empty()) return ValueSRC(sheet, row, column, Value());
   setFormulaWithValue(sheet, row, column, formula, Value());
 }
 
@@ -147,9 +139,9 @@ std::string Worksheet::EntrySRC(int sheet, int row, int column) const {
   if (cell.kind == ValueKind::Formula) return "=" + cell.formula->text;
   if (cell.kind == ValueKind::Number) return exactNumberText(cell.number);
   const std::string text = CellStore::valueOf(cell).asText();
-  const bool wouldChange =
-      isTextKind(cell.kind) && !text.empty() && (text.front() == '=' || !typedValue(text).isText());
-  return wouldChange ? "'" + text : text;
+  if (!isTextKind(cell.kind)) return text;
+  const bool same = text.front() != '=' && typedValue(text) == Value::text(text);
+  return same ? text : "'" + text;
 }
 
 void Worksheet::EntrySRC(int sheet, int row, int column, std::string_view entry) {

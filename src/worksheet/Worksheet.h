@@ -247,7 +247,8 @@ class Worksheet {
   bool rowHidden(int sheet, int row) const;
   void rowHidden(int sheet, int row, bool hidden);
   /// Rows frozen at the top of the current sheet.
-  int FixedRows() const { return data(current_).fixedRows; }
+  int FixedRows() const { return FixedRows(current_); }
+  int FixedRows(int sheet) const { return data(sheet).fixedRows; }
   void FixedRows(int rows) { data(current_).fixedRows = rows; }
 
   GridPermissions& permissions() { return permissions_; }

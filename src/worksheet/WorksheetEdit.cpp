@@ -5,6 +5,7 @@
 #include "basic/Error.h"
 #include "basic/Text.h"
 #include "worksheet/Worksheet.h"
+#include "worksheet/files/TextReader.h"
 #include "worksheet/formula/FormulaCell.h"
 
 namespace lodex {
@@ -59,6 +60,8 @@ void Worksheet::ClearRange(int row1, int column1, int row2, int column2, int /*t
 void Worksheet::DeleteRange(int row1, int column1, int row2, int column2, Shift shift) {
   checkOrder(row1, column1, row2, column2);
   CellStore& cells = checked(current_, row1, column1).cells;
+  row2 = std::min(row2, maxRows);
+  column2 = std::min(column2, maxColumns);
   const int rows = row2 - row1 + 1;
   const int columns = column2 - column1 + 1;
   switch (shift) {
@@ -262,22 +265,15 @@ void Worksheet::EditPasteValues(Clipboard& clipboard) {
 }
 
 void Worksheet::enterBlock(std::string_view tabText, bool formulas) {
-  std::string text = replaceAll(tabText, "\r\n", "\n");
-  std::replace(text.begin(), text.end(), '\r', '\n');
-  if (!text.empty() && text.back() == '\n') text.pop_back();
-  int row = Row();
-  for (const std::string& line : split(text, "\n")) {
-    int column = Col();
-    for (const std::string& piece : split(line, "\t")) {
-      if (formulas && piece.size() > 1 && piece.front() == '=') {
-        EntryRC(row, column, piece);
-      } else {
-        TextRC(row, column, piece);
-      }
-      ++column;
+  splitCells(tabText, '\t', [&](int row, int column, std::string_view piece) {
+    row += Row() - 1;
+    column += Col() - 1;
+    if (formulas && piece.size() > 1 && piece.front() == '=') {
+      EntryRC(row, column, piece);
+    } else {
+      TextRC(row, column, piece);
     }
-    ++row;
-  }
+  });
 }
 
 void Worksheet::CopyAll(const Worksheet& source) {
