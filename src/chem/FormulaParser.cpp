@@ -117,7 +117,6 @@ class Parser {
   }
 
  private:
-  bool atEnd() const { return position_ >= text_.size(); }
   char peek(size_t ahead = 0) const {
     return position_ + ahead < text_.size() ? text_[position_ + ahead] : '\0';
   }
@@ -230,7 +229,9 @@ class Parser {
     std::string_view rest = text_.substr(position_ + 1);
     rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of("0123456789")));
     const bool decimalFollows = rest.size() > 1 && rest[0] == '.' && isDigit(rest[1]);
-    if (depth_ == 0 && lastIsAnion_ && whole > 0 && decimalFollows) return true;
+    const bool fractionFollows = rest.size() > 1 && rest[0] == '/' && isDigit(rest[1]);
+    const bool numberFollows = decimalFollows || fractionFollows;
+    if (depth_ == 0 && lastIsAnion_ && whole > 0 && numberFollows) return true;
     const bool water = rest.starts_with("H2O") && (rest.size() == 3 || !isDigit(rest[3]));
     if (water && whole > 0) return true;
     const std::string_view part = rest.substr(0, rest.find_first_of(".*"));

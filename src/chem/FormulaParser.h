@@ -20,8 +20,8 @@ using AtomCounts = std::vector<std::pair<int, double>>;
 ///
 /// A "." between digits is either a decimal point or the dot of a hydrate. It is the dot when water
 /// follows ("CuSO4.5H2O"), when an oxygen or a bracket with at least two units goes before and an
-/// oxygen compound follows ("Al2O3.2SiO2"), and when another decimal point follows at once
-/// ("CaSO4.0.5H2O").
+/// oxygen compound follows ("Al2O3.2SiO2"), and when another decimal or a fraction begins with it
+/// ("CaSO4.0.5H2O", "CaSO4.1/2H2O").
 std::optional<AtomCounts> parseFormula(std::string_view text);
 
 }  // namespace lodex
