@@ -1,0 +1,163 @@
+// The first half of identification: where the structure stands.
+#include <algorithm>
+#include <optional>
+
+#include "basic/Text.h"
+#include "chem/Headings.h"
+#include "import/Identification.h"
+
+namespace lodex {
+namespace {
+
+struct Place {
+  int row = 0;
+  int column = 0;
+};
+
+// The first cell, taken row by row, that holds each of the texts. One walk over the cells that
+// exist: searching for them one by one would format every number of the sheet each time.
+template <size_t Count>
+std::array<Place, Count> firstPlaces(const Worksheet& sheet,
+                                     const std::array<std::string_view, Count>& texts) {
+  std::array<Place, Count> places;
+  sheet.cells(sheet.Sheet()).forEach([&](int row, int column, const Cell& cell) {
+    if (cell.kind == ValueKind::Empty || cell.kind == ValueKind::Number) return;
+    const Value value = CellStore::valueOf(cell);
+    if (!value.isText()) return;
+    for (size_t i = 0; i < Count; ++i) {
+      if (value.textView() != texts[i]) continue;
+      Place& first = places[i];
+      const bool earlier = row < first.row || (row == first.row && column < first.column);
+      if (first.row == 0 || earlier) first = {row, column};
+    }
+  });
+  return places;
+}
+
+std::string addingLine(int systemRow) {
+  return "-Adding " + std::string(systemRowCaption(systemRow)) + " row";
+}
+
+void addBelowTop(const DescribedSheet& sheet, int systemRow, LogLines& log) {
+  log.push_back(addingLine(systemRow));
+  const int row = sheet.structure.highestRow() + 1;
+  sheet.addSystemRow(systemRow, row);
+}
+
+// A bare table: rows for what headings tell, and every heading that names its unit taken apart.
+void splitHeadings(const DescribedSheet& sheet, LogLines& log) {
+  for (const int row : {sysrow::Element, sysrow::Method, sysrow::Unit}) {
+    if (!sheet.has(row)) {
+      addBelowTop(sheet, row, log);
+    } else {
+      sheet.setText(row, 1, systemRowCaption(row));
+    }
+  }
+  for (int column = 1; column <= sheet.cells.LastCol(); ++column) {
+    std::string element;
+    std::string method;
+    std::string unit;
+    SplitHeading(sheet.text(sysrow::Header, column), element, method, unit, true);
+    if (!element.empty()) sheet.setText(sysrow::Element, column, element);
+    if (!method.empty()) sheet.setText(sysrow::Method, column, method);
+    if (!unit.empty()) sheet.setText(sysrow::Unit, column, unit);
+  }
+}
+
+// What moved from column 1 to column 2 gives its place back to the captions.
+void leaveCaptionsInFront(const DescribedSheet& sheet, int top) {
+  Worksheet& cells = sheet.cells;
+  const int sheetNumber = cells.Sheet();
+  for (int row = 1; row <= top; ++row) {
+    cells.ValueSRC(sheetNumber, row, 1, cells.ValueRC(row, 2));
+    for (int i = 0; i < systemRowCount; ++i) {
+      if (sheet.structure.row(i) == row && cells.TextRC(row, 2) == systemRowCaption(i)) {
+        cells.TextRC(row, 2, "");
+      }
+    }
+  }
+}
+
+void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
+  constexpr int widestTable = 256;
+  Worksheet& cells = sheet.cells;
+  log.push_back("-Moving first column to ID col = 2");
+  const int last = cells.LastCol();
+  if (last >= widestTable) {
+    log.push_back("-Last column (" + std::to_string(last) + "=" +
+                  sheet.text(sysrow::Header, last) + ") dropped to make room for the ID column");
+    cells.DeleteRange(1, last, 1, last, Shift::Columns);
+  }
+  cells.InsertRange(1, 1, 1, 1, Shift::Columns);
+  if (sheet.structure.mineralColumn > 0) ++sheet.structure.mineralColumn;
+  leaveCaptionsInFront(sheet, std::min(sheet.structure.highestRow(), cells.LastRow()));
+  sheet.structure.idColumn = 2;
+  if (sheet.text(sysrow::Header, 2).empty()) sheet.setText(sysrow::Header, 2, "SampleNo");
+  if (sheet.has(sysrow::Header)) sheet.setText(sysrow::Element, 2, sheet.text(sysrow::Header, 2));
+}
+
+// A column that was marked as the unique index is the ID column of a sheet saved with its
+// description; moving another one in front of it would lose that.
+void findMarkedIdColumn(const DescribedSheet& sheet) {
+  for (int column = 2; column <= sheet.cells.LastCol(); ++column) {
+    if (sheet.text(sysrow::Indexed, column) == "YES") {
+      sheet.structure.idColumn = column;
+      return;
+    }
+  }
+}
+
+void findMineralColumn(const DescribedSheet& sheet, LogLines& log) {
+  const Place place = firstPlaces<1>(sheet.cells, {"Mineral"})[0];
+  if (place.row == 0) return;
+  log.push_back("Mineral column found: column " + std::to_string(place.column));
+  sheet.structure.mineralColumn = place.column;
+}
+
+}  // namespace
+
+int findSystemRows(const DescribedSheet& sheet) {
+  std::array<std::string_view, systemRowCount> captions;
+  for (int i = 0; i < systemRowCount; ++i) captions[static_cast<size_t>(i)] = systemRowCaption(i);
+  const auto places = firstPlaces(sheet.cells, captions);
+  int known = 0;
+  for (int i = 0; i < systemRowCount; ++i) {
+    const int row = places[static_cast<size_t>(i)].row;
+    if (row == 0) continue;
+    sheet.structure.row(i) = row;
+    ++known;
+  }
+  if (known > 1 && sheet.structure.idColumn == 0) findMarkedIdColumn(sheet);
+  return known;
+}
+
+void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
+                  std::string_view fileMethod, LogLines& log) {
+  SheetStructure& structure = sheet.structure;
+  sheet.cells.SetSelection(1, 1, 1, 1);
+  int known = 0;
+  if (structure.highestRow() == 0) known = findSystemRows(sheet);
+  if (!sheet.has(sysrow::Header) && known == 0) {
+    log.push_back("-First row is set to HEADER");
+    structure.row(sysrow::Header) = 1;
+    known = 1;
+  }
+  if (sheet.has(sysrow::Header) && known == 1) splitHeadings(sheet, log);
+  structure.firstDataRow = std::max(structure.firstDataRow, structure.highestRow() + 1);
+  if (structure.idColumn == 0) makeFirstColumnId(sheet, log);
+  for (int i = 0; i < systemRowCount; ++i) {
+    if (!sheet.has(i)) addBelowTop(sheet, i, log);
+    sheet.setText(i, 1, systemRowCaption(i));
+  }
+  sheet.setText(sysrow::Indexed, structure.idColumn, "YES");
+  if (structure.mineralColumn == 0) findMineralColumn(sheet, log);
+  if (thesaurus != nullptr && !thesaurus->empty()) applyThesaurus(*thesaurus, sheet, log);
+  if (fileMethod.empty()) return;
+  for (int column = structure.idColumn + 1; column <= sheet.cells.LastCol(); ++column) {
+    if (sheet.text(sysrow::Method, column).empty()) {
+      sheet.setText(sysrow::Method, column, fileMethod);
+    }
+  }
+}
+
+}  // namespace lodex
