@@ -1,0 +1,142 @@
+#include "db/Connection.h"
+
+#include "basic/Error.h"
+#include "basic/Text.h"
+#include "db/Driver.h"
+#include "db/Errors.h"
+#include "db/Recordset.h"
+#include "db/drivers/sqlite/SqliteDriver.h"
+
+namespace lodex {
+
+namespace {
+
+constexpr std::string_view kJetProvider = "Microsoft.Jet.OLEDB.4.0";
+constexpr std::string_view kOracleProvider = "MSDAORA";
+constexpr int kBusyTimeout = 3000;
+
+void refuseZeroCharacter(std::string_view text) {
+  if (text.find('\0') != std::string_view::npos) {
+    throw Error("A character of code 0 cannot stand in a database statement", dberror::BadArgument);
+  }
+}
+
+}  // namespace
+
+std::string ConnectionString(std::string_view path, std::string_view user,
+                             std::string_view password) {
+  const bool isFile =
+      path.find(".mdb") != std::string_view::npos || path.find(".MDB") != std::string_view::npos;
+  if (!isFile && toUpper(path).find(".ORA") != std::string::npos) {
+    return "Provider=" + std::string(kOracleProvider) + ";User ID=" + std::string(user) +
+           ";Password=" + std::string(password) +
+           ";Data Source=" + std::string(path.substr(0, path.size() - 4));
+  }
+  return "Provider=" + std::string(kJetProvider) + ";Data Source=" + std::string(path);
+}
+
+std::string connectionItem(std::string_view connectionString, std::string_view key) {
+  size_t start = 0;
+  while (start < connectionString.size()) {
+    size_t end = connectionString.find(';', start);
+    if (end == std::string_view::npos) end = connectionString.size();
+    const std::string_view piece = connectionString.substr(start, end - start);
+    const size_t equals = piece.find('=');
+    if (equals != std::string_view::npos) {
+      const std::string_view name = trimBlanks(piece.substr(0, equals));
+      const bool isSource = equalsNoCase(name, "Data Source");
+      if (equalsNoCase(name, key)) {
+        return std::string(isSource ? connectionString.substr(start + equals + 1)
+                                    : piece.substr(equals + 1));
+      }
+      if (isSource) break;
+    }
+    start = end + 1;
+  }
+  return {};
+}
+
+std::string quoteName(std::string_view name) {
+  refuseZeroCharacter(name);
+  if (name.find(']') == std::string_view::npos) return "[" + std::string(name) + "]";
+  return "\"" + replaceAll(name, "\"", "\"\"") + "\"";
+}
+
+std::string quoteText(std::string_view text) {
+  refuseZeroCharacter(text);
+  return "'" + replaceAll(text, "'", "''") + "'";
+}
+
+void createDatabase(std::string_view path) {
+  createSqliteFile(path);
+}
+
+Connection::Connection() = default;
+Connection::~Connection() = default;
+Connection::Connection(Connection&&) noexcept = default;
+Connection& Connection::operator=(Connection&&) noexcept = default;
+
+void Connection::Open(std::string_view connectionString) {
+  if (driver_) throw Error("The connection is open already", dberror::ObjectOpen);
+  const std::string provider = connectionItem(connectionString, "Provider");
+  const std::string source = connectionItem(connectionString, "Data Source");
+  if (equalsNoCase(provider, kOracleProvider)) {
+    throw Error("The service " + source + " cannot be opened: no Oracle driver is installed",
+                dberror::Unspecified);
+  }
+  if (!equalsNoCase(provider, kJetProvider)) {
+    throw Error("The connection text names no known provider: " + provider, dberror::BadArgument);
+  }
+  driver_ = openSqliteFile(source);
+  driver_->busyTimeout(kBusyTimeout);
+}
+
+void Connection::Close() {
+  driver_.reset();
+}
+
+Driver& Connection::driver() {
+  if (!driver_) throw Error("The connection is closed", dberror::ObjectClosed);
+  return *driver_;
+}
+
+std::int64_t Connection::Execute(std::string_view sql, const std::vector<FieldValue>& parameters) {
+  return driver().execute(sql, parameters);
+}
+
+std::unique_ptr<Recordset> Connection::OpenRecordset(std::string_view sql, CursorKind cursor,
+                                                     const std::vector<FieldValue>& parameters) {
+  return std::make_unique<Recordset>(driver().query(sql, parameters), cursor);
+}
+
+void Connection::BeginTrans() {
+  driver().begin();
+}
+
+void Connection::CommitTrans() {
+  driver().commit();
+}
+
+void Connection::RollbackTrans() {
+  driver().rollback();
+}
+
+void Connection::BusyTimeout(int milliseconds) {
+  driver().busyTimeout(milliseconds);
+}
+
+Transaction::~Transaction() {
+  if (!connection_ || !connection_->IsOpen()) return;
+  try {
+    connection_->RollbackTrans();
+  } catch (const Error&) {
+    // A failed statement may have ended the transaction already; nothing is left to undo.
+  }
+}
+
+void Transaction::commit() {
+  connection_->CommitTrans();
+  connection_ = nullptr;
+}
+
+}  // namespace lodex

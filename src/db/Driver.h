@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "db/FieldTypes.h"
+
+namespace lodex {
+
+/// The values of one record, in the order of the fields.
+using Row = std::vector<FieldValue>;
+
+/// The result of a query, delivered record by record. It must not outlive its driver.
+class RowSource {
+ public:
+  virtual ~RowSource() = default;
+  virtual const std::vector<Field>& fields() const = 0;
+  /// Puts the next record into `row`; false after the last one.
+  virtual bool next(Row& row) = 0;
+};
+
+/// An open database of one kind. Every function throws Error with a number of db/Errors.h and a
+/// text that a user can act on.
+class Driver {
+ public:
+  virtual ~Driver() = default;
+
+  /// Runs one statement, with `?` marks standing for the parameters, and returns the number of
+  /// records that it changed.
+  virtual std::int64_t execute(std::string_view sql, const Row& parameters) = 0;
+  virtual std::unique_ptr<RowSource> query(std::string_view sql, const Row& parameters) = 0;
+
+  virtual void begin() = 0;
+  virtual void commit() = 0;
+  virtual void rollback() = 0;
+
+  /// How long a statement waits for another user of the database before it fails.
+  virtual void busyTimeout(int milliseconds) = 0;
+};
+
+}  // namespace lodex

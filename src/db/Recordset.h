@@ -1,0 +1,83 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "db/Connection.h"
+#include "db/Driver.h"
+#include "db/RowFilter.h"
+
+namespace lodex {
+
+/// The records that a query returned, with one of them current. Fields count from 0, as in stored
+/// settings. A recordset with a client cursor holds its records itself; those of a forward-only one
+/// pass by, and RecordCount is -1, Filter, Sort, Find and moving back throw Error.
+class Recordset {
+ public:
+  /// Takes the records of `rows`; the first one is current.
+  Recordset(std::unique_ptr<RowSource> rows, CursorKind cursor);
+
+  const std::vector<Field>& Fields() const { return fields_; }
+  /// The place of a field without regard to case; -1 if there is none.
+  int FieldIndex(std::string_view name) const;
+
+  bool Eof() const;
+  bool Bof() const;
+  void MoveFirst();
+  void MoveLast();
+  void MoveNext();
+  void MovePrevious();
+  /// Number of records under the filter.
+  int RecordCount() const;
+  /// The place of the current record under the filter and sorting, from 1; 0 for none.
+  int AbsolutePosition() const;
+
+  /// The current record's value. Throws Error for no current record or no such field.
+  const FieldValue& Value(int field) const;
+  const FieldValue& Value(std::string_view field) const;
+  /// The same as text, "" for Null; Booleans read "True" and "False".
+  std::string Text(int field) const;
+  std::string Text(std::string_view field) const;
+
+  /// Shows only the records that meet a condition (see RowFilter), all for "", and moves to the
+  /// first of them. A condition that cannot be read throws Error and changes nothing.
+  void Filter(std::string_view condition);
+  const std::string& Filter() const { return filterText_; }
+
+  /// Sorts by fields, such as "[Mineral], [Location] DESC", and moves to the first record; "" gives
+  /// back the original order. Null comes first, numbers before texts, texts without case.
+  void Sort(std::string_view order);
+  const std::string& Sort() const { return sortText_; }
+
+  /// Moves from the current record on to the first that meets a condition; at the end if none.
+  void Find(std::string_view condition);
+
+ private:
+  struct SortField {
+    int field;
+    bool descending;
+  };
+
+  void requireClient(std::string_view what) const;
+  const Row& current() const;
+  int fieldOrThrow(std::string_view name) const;
+  std::vector<SortField> parseOrder(std::string_view order) const;
+  void arrange();
+
+  CursorKind cursor_;
+  std::vector<Field> fields_;
+  std::vector<Row> rows_;     // of a client cursor
+  std::vector<int> visible_;  // rows under filter and sorting
+  int position_ = 0;          // index into visible_; its size at the end, -1 before the start
+  std::unique_ptr<RowSource> source_;  // of a forward-only cursor
+  Row passing_;
+  bool atEnd_ = false;
+  RowFilter filter_;
+  std::string filterText_;
+  std::vector<SortField> order_;
+  std::string sortText_;
+};
+
+}  // namespace lodex
