@@ -1,8 +1,7 @@
 // The first half of identification: where the structure stands.
 #include <algorithm>
-#include <optional>
+#include <array>
 
-#include "basic/Text.h"
 #include "chem/Headings.h"
 #include "import/Identification.h"
 
@@ -96,9 +95,12 @@ void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
   if (sheet.has(sysrow::Header)) sheet.setText(sysrow::Element, 2, sheet.text(sysrow::Header, 2));
 }
 
-// A column that was marked as the unique index is the ID column of a sheet saved with its
-// description; moving another one in front of it would lose that.
+// In a sheet saved with its description, column 1 holds nothing but captions and the column marked
+// as the unique index is the ID column; moving the first one there would lose that.
 void findMarkedIdColumn(const DescribedSheet& sheet) {
+  for (int row = sheet.structure.highestRow() + 1; row <= sheet.cells.LastRow(); ++row) {
+    if (sheet.cells.HasContent(row, 1)) return;
+  }
   for (int column = 2; column <= sheet.cells.LastCol(); ++column) {
     if (sheet.text(sysrow::Indexed, column) == "YES") {
       sheet.structure.idColumn = column;

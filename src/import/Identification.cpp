@@ -84,10 +84,10 @@ void ColumnIdentification::identifyElements(int sheetNumber, bool onlyNonX) {
     for (size_t hit = 1; hit <= columns.size(); ++hit) {
       const int column = columns[hit - 1];
       if (onlyNonX && !sheet_.text(sysrow::Identified, column).empty()) continue;
-      F1Ref_.NumberRC(item.number, 1, static_cast<double>(columns.size()));
-      F1Ref_.NumberRC(item.number, static_cast<int>(2 * hit), sheetNumber);
-      // The pairs of more hits than a sheet has room for are not kept; the columns are marked.
+      // Columns beyond the room that the cross-reference has are marked all the same.
       if (2 * hit + 1 <= maxColumns) {
+        F1Ref_.NumberRC(item.number, 1, static_cast<double>(columns.size()));
+        F1Ref_.NumberRC(item.number, static_cast<int>(2 * hit), sheetNumber);
         F1Ref_.NumberRC(item.number, static_cast<int>(2 * hit + 1), column);
       }
       markHit(item, hit, columns.size(), column);
@@ -102,6 +102,7 @@ void ColumnIdentification::identifyFormulaItems(bool onlyNonX) {
     const std::vector<int>& columns = index.columnsOfText(item.symbol);
     for (size_t hit = 1; hit <= columns.size(); ++hit) {
       const int column = columns[hit - 1];
+      // Noted even when the column is left alone: a formula item that has a column gets no second.
       F1Ref_.NumberRC(item.number, static_cast<int>(hit), column);
       if (onlyNonX && !sheet_.text(sysrow::Identified, column).empty()) continue;
       markHit(item, hit, columns.size(), column);
@@ -139,9 +140,9 @@ void ColumnIdentification::addMineralFormulas(const FormulaLookup& lookup) {
     if (isNew) formula->second = lookup(mineral);
     for (const auto& [name, value] : formula->second) {
       const auto item = itemsByName.find(name);
-      if (item != itemsByName.end()) {
-        sheet_.cells.TextRC(row, columnOfItem(item->second), value);
-      }
+      if (item == itemsByName.end()) continue;
+      const int column = columnOfItem(item->second);
+      if (sheet_.inside(row, column)) sheet_.cells.TextRC(row, column, value);
     }
   }
 }

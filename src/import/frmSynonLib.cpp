@@ -1,0 +1,166 @@
+#include "import/frmSynonLib.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "basic/Error.h"
+#include "import/SystemRows.h"
+#include "import/ThesaurusStep.h"
+#include "session/Ini.h"
+
+namespace lodex {
+namespace {
+
+constexpr int titledColumns = static_cast<int>(thesaurusHeadings.size());
+constexpr std::string_view textFilter = "Text files (*.txt)|*.txt|All files (*.*)|*.*";
+
+}  // namespace
+
+frmSynonLib::frmSynonLib(Session& session) : Form("frmSynonLib", "Thesaurus"), session_(session) {
+  for (int column = 1; column <= titledColumns; ++column) {
+    const std::string heading(thesaurusHeadings[static_cast<size_t>(column) - 1]);
+    F1Lib.ColText(column, heading);
+    mnuSort_.emplace_back(*this, "mnuSort" + std::to_string(column), "By " + heading);
+    mnuSort_.back().onClick([this, column] { SortBy(column); });
+  }
+  F1Lib.MaxCol(titledColumns);
+  mnuOpen.onClick([this] { guarded([this] { Open(); }); });
+  mnuSave.onClick([this] { guarded([this] { Save(); }); });
+  mnuSaveDefault.onClick([this] { guarded([this] { SaveAsDefault(); }); });
+  mnuDeleteRow.onClick([this] { DeleteRow(); });
+}
+
+template <typename Command>
+void frmSynonLib::guarded(Command command) {
+  try {
+    command();
+  } catch (const Error& error) {
+    session_.dialogs().messageBox(
+        "Error " + std::to_string(error.number()) + " " + std::string(error.what()),
+        MessageButtons::Ok, MessageIcon::Stop);
+  }
+}
+
+void frmSynonLib::Aukaise(std::string_view path) {
+  Worksheet loaded;
+  loaded.Read(path);
+  loaded.Sheet(1);
+  for (int column = 1; column <= loaded.LastCol(); ++column) {
+    loaded.ColText(column, loaded.TextRC(1, column));
+  }
+  // Older files have a column for minerals; its heading goes with it.
+  for (int column = loaded.LastCol(); column >= 1; --column) {
+    if (loaded.ColText(column) != "Mineral") continue;
+    for (int next = column; next <= loaded.LastCol(); ++next) {
+      loaded.ColText(next, loaded.ColText(next + 1));
+    }
+    loaded.DeleteRange(1, column, 1, column, Shift::Columns);
+  }
+  if (loaded.LastRow() > 0) loaded.DeleteRange(1, 1, 1, 1, Shift::Rows);
+  F1Lib = std::move(loaded);
+  SortBy(thesaurus::valueColumn);
+  F1Lib.MaxCol(titledColumns);
+  foundRow_ = 0;
+  changed_ = false;
+  gridF1Lib.refresh();
+}
+
+void frmSynonLib::SortBy(int column) {
+  const WideLimits wide(F1Lib);
+  const int rows = F1Lib.LastRow();
+  if (rows == 0 || column < 1) return;
+  F1Lib.Sort(1, 1, rows, std::max(column, F1Lib.LastCol()), true, {{column, false}});
+  changed_ = true;
+  gridF1Lib.refresh();
+}
+
+void frmSynonLib::SaveAs(std::string_view path) {
+  constexpr int headedColumns = 12;
+  Worksheet file;
+  file.CopyAll(F1Lib);
+  file.MaxRow(maxRows);
+  file.MaxCol(maxColumns);
+  file.InsertRange(1, 1, 1, 1, Shift::Rows);
+  for (int column = 1; column <= headedColumns; ++column) {
+    file.TextRC(1, column, F1Lib.ColText(column));
+  }
+  file.Write(path, FileType::Text);
+  changed_ = false;
+}
+
+void frmSynonLib::Open() {
+  const auto files = session_.dialogs().openFiles(
+      {"Open", std::string(textFilter), session_.record.UserPath + "\\data",
+       session_.record.UserPath + "\\ini\\SynonLib.txt", false});
+  if (!files.empty()) Aukaise(files.front());
+}
+
+void frmSynonLib::Save() {
+  const auto path = session_.dialogs().saveFile(
+      {"Save", std::string(textFilter), session_.record.UserPath + "\\data",
+       session_.record.UserPath + "\\ini\\SynonLib.txt", false});
+  if (path) SaveAs(*path);
+}
+
+void frmSynonLib::SaveAsDefault() {
+  std::string& path = session_.record.ThesaurusFile;
+  if (path.empty()) {
+    const std::string standard = session_.record.GeoPath + "\\ini\\DefSynonLib.txt";
+    const std::string& userIni = session_.record.UserIni;
+    PutIni(userIni.empty() ? session_.record.MainIni : userIni, "Thesaurus", "File", standard);
+    path = standard;
+  }
+  SaveAs(path);
+}
+
+void frmSynonLib::AddRule(std::string_view header) {
+  if (header.empty()) {
+    session_.dialogs().messageBox("Header is empty");
+    return;
+  }
+  std::vector<int> rows;
+  for (int row = 1; row <= F1Lib.LastRow(); ++row) {
+    if (F1Lib.TextRC(row, thesaurus::valueColumn) == header) rows.push_back(row);
+  }
+  foundRow_ = rows.empty() ? 0 : rows.back();
+  if (rows.empty()) {
+    const WideLimits wide(F1Lib);
+    const int row = F1Lib.LastRow() + 1;
+    F1Lib.TextRC(row, thesaurus::valueColumn, header);
+    changed_ = true;
+    showCurrent(row);
+    return;
+  }
+  rows.pop_back();
+  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+    F1Lib.DeleteRange(*row, 1, *row, 1, Shift::Rows);
+    --foundRow_;
+    changed_ = true;
+  }
+  showCurrent(foundRow_);
+}
+
+void frmSynonLib::DeleteRow() {
+  const int row = F1Lib.Row();
+  if (row < 1 || row > F1Lib.LastRow()) {
+    session_.dialogs().messageBox("Select row");
+    return;
+  }
+  F1Lib.DeleteRange(row, 1, row, 1, Shift::Rows);
+  changed_ = true;
+  showCurrent(row);
+}
+
+void frmSynonLib::clickGrid(int row, int column) {
+  if (row < 1 || column < 1 || row > F1Lib.MaxRow() || column > F1Lib.MaxCol()) return;
+  F1Lib.SetActiveCell(row, column);
+  showCurrent(row);
+}
+
+void frmSynonLib::showCurrent(int row) {
+  F1Lib.SetActiveCell(row, F1Lib.Col());
+  lblValue.setCaption("Value: '" + F1Lib.TextRC(row, thesaurus::valueColumn) + "'");
+  gridF1Lib.refresh();
+}
+
+}  // namespace lodex
