@@ -1,0 +1,426 @@
+#include "import/DataSheetForm.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "basic/Error.h"
+#include "basic/Text.h"
+#include "form/WorksheetDialogs.h"
+#include "import/SheetPaint.h"
+#include "import/StructureEdit.h"
+#include "import/frmSplitDialog.h"
+
+namespace lodex {
+namespace {
+
+constexpr int pickFirstDataRow = 20;
+constexpr int pickIdColumn = 21;
+constexpr int pickMineralColumn = 22;
+
+}  // namespace
+
+DataSheetForm::DataSheetForm(ImportContext& context, std::string_view name,
+                             std::string_view caption)
+    : Form(name, caption), context_(context) {
+  for (int i = 0; i < systemRowCount; ++i) {
+    const auto& texts = systemRowTexts[static_cast<size_t>(i)];
+    const std::string number = std::to_string(i);
+    txtH_.emplace_back(*this, "txtH" + number, texts.caption);
+    txtH_.back().setText("0");
+    if (texts.copied.empty()) continue;
+    mnuCopyRow_.emplace_back(*this, "mnuCopyRow" + number, texts.copied);
+  }
+  for (TextBox* box : {&txtFDR, &txtID, &txtMinCol}) box->setText("0");
+  // No system row holds minerals: the entry stands in the menu and has nothing to copy.
+  mnuCopyRowMineral.setEnabled(false);
+  cmdSplit.setEnabled(false);
+  cmdTranspose.setVisible(false);
+  connectControls();
+}
+
+void DataSheetForm::connectControls() {
+  txtH(sysrow::Element).onChange([this] {
+    lblStatus.setCaption(statusGreen() ? "Identified" : "Not Identied");
+  });
+  txtH(sysrow::Header).onChange([this] { cmdSplit.setEnabled(SystemRows(sysrow::Header) > 0); });
+  txtID.onChange([this] {
+    const int old = lastIdColumn_;
+    lastIdColumn_ = IDColumn();
+    if (!settingStructure_) CheckIDCOL(lastIdColumn_, old);
+  });
+  optOrientation.onChange(
+      [this] { cmdTranspose.setVisible(optOrientation.selected() == 1); });
+  chkSysRows.onChange([this] {
+    SheetStructure numbers = structure();
+    hideSystemRows(described(numbers), chkSysRows.checked());
+    gridF1D.refresh();
+  });
+
+  const auto runAll = [this] { guarded([this] { AjaTunnista({}); }); };
+  cmdIdentify.onClick(runAll);
+  mnuIdentify.onClick(runAll);
+  cmdSplit.onClick([this] { guarded([this] { SplittaaOtsikko(true); }); });
+  cmdTranspose.onClick([this] { guarded([this] { Transpose(); }); });
+  mnuOpenData.onClick([this] { guarded([this] { openData(); }); });
+  mnuSaveFile.onClick([this] { guarded([this] { saveData(); }); });
+  mnuCopy.onClick([this] { F1D.EditCopy(session().clipboard()); });
+  mnuPaste.onClick([this] {
+    guarded([this] {
+      const WideLimits wide(F1D);
+      F1D.EditPaste(session().clipboard());
+      gridF1D.refresh();
+    });
+  });
+  mnuSelectAll.onClick([this] {
+    if (F1D.LastRow() > 0) F1D.SetSelection(1, 1, F1D.LastRow(), F1D.LastCol());
+    gridF1D.refresh();
+  });
+  mnuCopyAll.onClick([this] { guarded([this] { CopyAllCells(); }); });
+  mnuNew.onClick([this] { NewSheet(); });
+  mnuParse.onClick([this] { guarded([this] { Parse(); }); });
+  mnuInsertRow.onClick([this] { guarded([this] { InsertRow(); }); });
+  mnuDeleteRow.onClick([this] { guarded([this] { DeleteRow(); }); });
+  mnuInsertCol.onClick([this] { guarded([this] { InsertCol(); }); });
+  mnuDeleteCol.onClick([this] { guarded([this] { DeleteCol(); }); });
+  mnuFreeze.onClick([this] { Freeze(true); });
+  mnuUnfreeze.onClick([this] { Freeze(false); });
+  for (int i = 0; i < static_cast<int>(mnuCopyRow_.size()); ++i) {
+    mnuCopyRow(i).onClick([this, i] {
+      SheetStructure numbers = structure();
+      copySystemRow(described(numbers), i, F1D.Row());
+      Changed = true;
+      gridF1D.refresh();
+    });
+  }
+}
+
+// --- The numbers of the structure ------------------------------------------------------------------
+
+SheetStructure DataSheetForm::structure() const {
+  SheetStructure numbers;
+  for (int i = 0; i < systemRowCount; ++i) numbers.row(i) = std::max(0, txtH(i).number());
+  numbers.firstDataRow = std::max(0, txtFDR.number());
+  numbers.idColumn = std::max(0, txtID.number());
+  numbers.mineralColumn = std::max(0, txtMinCol.number());
+  return numbers;
+}
+
+void DataSheetForm::setStructure(const SheetStructure& numbers) {
+  settingStructure_ = true;
+  for (int i = 0; i < systemRowCount; ++i) txtH(i).setNumber(numbers.row(i));
+  txtFDR.setNumber(numbers.firstDataRow);
+  txtID.setNumber(numbers.idColumn);
+  txtMinCol.setNumber(numbers.mineralColumn);
+  settingStructure_ = false;
+}
+
+TextBox* DataSheetForm::pickedBox(int pickMode) {
+  if (pickMode >= 1 && pickMode <= systemRowCount) return &txtH(pickMode - 1);
+  if (pickMode == pickFirstDataRow) return &txtFDR;
+  if (pickMode == pickIdColumn) return &txtID;
+  if (pickMode == pickMineralColumn) return &txtMinCol;
+  return nullptr;
+}
+
+void DataSheetForm::clickGrid(int row, int column) {
+  TextBox* box = pickedBox(PickMode);
+  const bool picksColumn = PickMode == pickIdColumn || PickMode == pickMineralColumn;
+  PickMode = 0;
+  if (box != nullptr) {
+    box->setNumber(std::max(0, picksColumn ? column : row));
+  } else if (chkThesaurusTab.checked() && column > 0) {
+    SheetStructure numbers = structure();
+    context_.thesaurus.AddRule(described(numbers).text(sysrow::Header, column));
+  }
+  const int activeRow = std::clamp(row, 1, F1D.MaxRow());
+  F1D.SetActiveCell(activeRow, std::clamp(column, 1, F1D.MaxCol()));
+  gridF1D.refresh();
+}
+
+void DataSheetForm::stepNumber(int pickMode, int by) {
+  TextBox* box = pickedBox(pickMode);
+  if (box == nullptr) return;
+  box->setNumber(std::max(0, box->number() + by));
+  Varjaa(false);
+}
+
+void DataSheetForm::setSheetNumber(int number) {
+  if (number == sheetNumber_) return;
+  sheetNumber_ = number;
+  renumberReferences(F1Ref, number);
+}
+
+ItemSheet DataSheetForm::itemSheet() const {
+  return {sheetNumber_, &F1D, SystemRows(sysrow::Element)};
+}
+
+// --- Identification --------------------------------------------------------------------------------
+
+IdentifyRules DataSheetForm::rules() const {
+  IdentifyRules rules;
+  rules.unidentifiedTable =
+      context_.unidentifiedTable.empty() ? "USERX" : context_.unidentifiedTable;
+  if (context_.methodFromFileName) {
+    rules.fileMethod = trimBlanks(split(caption(), "/").back());
+  }
+  return rules;
+}
+
+void DataSheetForm::logLines(const LogLines& lines) {
+  if (!lines.empty()) session().log.LisaaLog(join(lines, "\r\n"));
+}
+
+void DataSheetForm::runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log) {
+  std::optional<ThesaurusIndex> thesaurus;
+  if (useThesaurus) thesaurus.emplace(context_.thesaurus.F1Lib);
+  autoIdentify(sheet, thesaurus ? &*thesaurus : nullptr, rules().fileMethod, log);
+}
+
+void DataSheetForm::AutoIdentify(bool useThesaurus) {
+  const WideLimits wide(F1D);
+  LogLines log;
+  SheetStructure numbers = structure();
+  runAutoIdentify(useThesaurus, described(numbers), log);
+  setStructure(numbers);
+  logLines(log);
+}
+
+bool DataSheetForm::mayReadFormulas(LogLines& log) {
+  if (MineralAsked || MineralRead || !asksForFormulas() || !context_.HaeMinTieto) return false;
+  MineralAsked = true;
+  const std::string& name = session().record.MineralDbPath;
+  const Answer answer = session().dialogs().messageBox(
+      "Reading mineral formula information from the system database (" + name + ")?",
+      MessageButtons::YesNoCancel, MessageIcon::Question, "");
+  if (answer != Answer::Yes) return false;
+  log.push_back("Reading mineral formula data from the system database " + name + ".");
+  MineralRead = true;
+  return true;
+}
+
+void DataSheetForm::runColumns(bool onlyNonX, const DescribedSheet& sheet, LogLines& log) {
+  const IdentifyRules rules = this->rules();
+  ColumnIdentification columns(sheet, F1Ref, context_.tables.F1Data, context_.converter, rules,
+                               log);
+  columns.identifyElements(sheetNumber_, onlyNonX);
+  columns.identifyFormulaItems(onlyNonX);
+  if (sheet.structure.mineralColumn == 0 || !mayReadFormulas(log)) return;
+  columns.addMineralFormulas(context_.HaeMinTieto);
+  columns.identifyFormulaItems(onlyNonX);
+}
+
+void DataSheetForm::TunnistaSarakkeet(bool onlyNonX) {
+  const WideLimits wide(F1D);
+  LogLines log;
+  SheetStructure numbers = structure();
+  runColumns(onlyNonX, described(numbers), log);
+  setStructure(numbers);
+  logLines(log);
+}
+
+void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedSheet& sheet,
+                             LogLines& log) {
+  const SheetStructure& numbers = sheet.structure;
+  if (sheet.has(sysrow::Identified) && !request.onlyNonX) {
+    for (int column = 2; column <= F1D.LastCol(); ++column) {
+      sheet.setText(sysrow::Identified, column, "");
+    }
+  }
+  if (request.automatic) runAutoIdentify(request.useThesaurus, sheet, log);
+  if (request.columns) runColumns(request.onlyNonX, sheet, log);
+  if (request.unidentifiedToUser) placeUnidentified(sheet, rules(), log);
+  if (numbers.idColumn > 0) {
+    nameIdField(sheet);
+    lodex::CheckIDCOL(sheet, numbers.idColumn, 0, caption(), log);
+  }
+  if (numbers.mineralColumn > 0) sheet.setText(sysrow::Identified, numbers.mineralColumn, "MIN");
+  cleanNames(sheet, log);
+}
+
+void DataSheetForm::AjaTunnista(const IdentifyRequest& request) {
+  MineralAsked = false;
+  if (!caption().empty()) F1Ref.SheetName(1, caption());
+  const bool narrowed = F1D.MaxRow() < maxRows || F1D.MaxCol() < maxColumns;
+  LogLines log;
+  SheetStructure numbers = structure();
+  const auto finish = [&] {
+    setStructure(numbers);
+    logLines(log);
+    Varjaa(narrowed);
+  };
+  F1D.MaxRow(maxRows);
+  F1D.MaxCol(maxColumns);
+  try {
+    runSteps(request, described(numbers), log);
+  } catch (const Error&) {
+    finish();
+    throw;
+  }
+  finish();
+  Changed = true;
+  picLe.setVisible(true);
+}
+
+void DataSheetForm::CheckIDCOL(int newColumn, int oldColumn) {
+  LogLines log;
+  SheetStructure numbers = structure();
+  lodex::CheckIDCOL(described(numbers), newColumn, oldColumn, caption(), log);
+  logLines(log);
+  gridF1D.refresh();
+}
+
+void DataSheetForm::TutkiOtsikot() {
+  LogLines log;
+  const ThesaurusIndex thesaurus(context_.thesaurus.F1Lib);
+  edit([&](const DescribedSheet& sheet) {
+    examineHeadings(sheet, thesaurus, context_.converter, log);
+  });
+  logLines(log);
+}
+
+void DataSheetForm::SplittaaOtsikko(bool showDialog) {
+  if (showDialog) {
+    SheetStructure numbers = structure();
+    frmSplitDialog dialog(described(numbers).text(sysrow::Header, F1D.Col()), titleParts_);
+    session().dialogs().showModal(dialog);
+    titleParts_ = dialog.parts();
+  }
+  if (titleParts_.strSep2.empty()) return;
+  edit([&](const DescribedSheet& sheet) { splitTitles(sheet, titleParts_); });
+}
+
+// --- Painting and editing --------------------------------------------------------------------------
+
+void DataSheetForm::Varjaa(bool resetLimits) {
+  SheetStructure numbers = structure();
+  paintStructure(F1D, numbers, optOrientation.selected() == 0, resetLimits);
+  setStructure(numbers);
+  gridF1D.refresh();
+}
+
+void DataSheetForm::guarded(const std::function<void()>& command) {
+  try {
+    command();
+  } catch (const Error& error) {
+    session().dialogs().messageBox(
+        "Error " + std::to_string(error.number()) + " " + std::string(error.what()),
+        MessageButtons::Ok, MessageIcon::Stop, "");
+  }
+}
+
+void DataSheetForm::edit(const std::function<void(const DescribedSheet&)>& change) {
+  {
+    const WideLimits wide(F1D);
+    SheetStructure numbers = structure();
+    change(described(numbers));
+    setStructure(numbers);
+  }
+  Changed = true;
+  Varjaa(false);
+}
+
+std::pair<int, int> DataSheetForm::selectedRows() const {
+  const int first = F1D.SelStartRow();
+  return first < 1 ? std::pair(F1D.Row(), F1D.Row()) : std::pair(first, F1D.SelEndRow());
+}
+
+std::pair<int, int> DataSheetForm::selectedColumns() const {
+  const int first = F1D.SelStartCol();
+  return first < 1 ? std::pair(F1D.Col(), F1D.Col()) : std::pair(first, F1D.SelEndCol());
+}
+
+void DataSheetForm::InsertRow() {
+  const auto [first, last] = selectedRows();
+  edit([first, last](const DescribedSheet& sheet) { insertRows(sheet, first, last - first + 1); });
+}
+
+void DataSheetForm::DeleteRow() {
+  const auto [first, last] = selectedRows();
+  edit([first, last](const DescribedSheet& sheet) { deleteRows(sheet, first, last); });
+}
+
+void DataSheetForm::InsertCol() {
+  const auto [first, last] = selectedColumns();
+  edit([&, first, last](const DescribedSheet& sheet) {
+    insertColumns(sheet, F1Ref, first, last - first + 1);
+    redrawMarks(sheet, F1Ref, context_.tables.F1Data);
+  });
+}
+
+void DataSheetForm::DeleteCol() {
+  const auto [first, last] = selectedColumns();
+  edit([&, first, last](const DescribedSheet& sheet) {
+    deleteColumns(sheet, F1Ref, first, last);
+    redrawMarks(sheet, F1Ref, context_.tables.F1Data);
+  });
+}
+
+void DataSheetForm::Transpose() {
+  transpose(F1D);
+  SheetStructure numbers = structure();
+  for (int i = sysrow::Element; i < systemRowCount; ++i) numbers.row(i) = 0;
+  numbers.idColumn = 0;
+  setStructure(numbers);
+  Changed = true;
+  gridF1D.refresh();
+}
+
+void DataSheetForm::NewSheet() {
+  constexpr int clearedHeadings = 100;
+  for (int i = 1; i <= clearedHeadings; ++i) {
+    F1D.ColText(i, "");
+    F1D.RowText(i, "");
+  }
+  if (F1D.LastRow() > 0) F1D.ClearRange(1, 1, F1D.LastRow(), F1D.LastCol());
+  setStructure({});
+  gridF1D.refresh();
+}
+
+void DataSheetForm::CopyAllCells() {
+  const WideLimits wide(F1D);
+  const int columns = std::max(1, F1D.LastCol());
+  F1D.InsertRange(1, 1, 1, 1, Shift::Rows);
+  for (int column = 1; column <= columns; ++column) F1D.TextRC(1, column, F1D.ColText(column));
+  F1D.SetSelection(1, 1, std::max(1, F1D.LastRow()), columns);
+  F1D.EditCopy(session().clipboard());
+  F1D.DeleteRange(1, 1, 1, 1, Shift::Rows);
+}
+
+void DataSheetForm::Freeze(bool freeze) {
+  F1D.FixedRows(freeze ? structure().highestRow() : 0);
+  gridF1D.refresh();
+}
+
+void DataSheetForm::Parse() {
+  const std::string sample = F1D.TextRC(1, 1);
+  frmSplitDialog dialog(sample, proposedSplit({sample}));
+  session().dialogs().showModal(dialog);
+  if (dialog.split().separator.empty()) return;
+  const WideLimits wide(F1D);
+  for (int row = 1; row <= F1D.LastRow(); ++row) {
+    int column = 0;
+    for (const std::string& piece : splitLine(F1D.TextRC(row, 1), dialog.split())) {
+      if (++column > maxColumns) break;
+      F1D.TextRC(row, column, piece);
+    }
+  }
+  Changed = true;
+  gridF1D.refresh();
+}
+
+void DataSheetForm::openData() {
+  std::string path;
+  if (!OpenFileDlg(session().dialogs(), "Open data File", path)) return;
+  F1D.Read(path);
+  gridF1D.refresh();
+}
+
+void DataSheetForm::saveData() {
+  std::string path;
+  FileType type = FileType::Excel;
+  if (!SaveFileDlg(session().dialogs(), "Save File", path, type)) return;
+  F1D.Write(path, type);
+  Changed = false;
+}
+
+}  // namespace lodex

@@ -1,0 +1,161 @@
+#include "import/frmDataIN.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "import/frmSplitDialog.h"
+#include "worksheet/files/TextReader.h"
+
+namespace lodex {
+namespace {
+
+// More raw cells than this are refused: they would take gigabytes.
+constexpr std::int64_t mostRawCells = 30'000'000;
+
+struct TextSize {
+  int rows = 0;
+  int columns = 0;
+};
+
+TextSize sizeOf(std::string_view text, const TextSplit& split) {
+  TextSize size;
+  forEachField(text, split, [&](int row, int column, std::string_view) {
+    size.rows = row;
+    size.columns = std::max(size.columns, column);
+  });
+  return size;
+}
+
+// Whether a text that was read cell by cell between tabs is better taken by the text reader.
+bool needsTextReader(const std::string& text) {
+  const auto lines = textLines(text);
+  if (lines.empty()) return false;
+  return lines.front().find('\t') == std::string_view::npos ||
+         lines.size() > static_cast<size_t>(frmDataIN::gridRows);
+}
+
+}  // namespace
+
+frmDataIN::frmDataIN(ImportContext& context, std::string_view caption)
+    : DataSheetForm(context, "frmDataIN", caption) {
+  mnuRenameWindow.onClick([this] { RenameWindow(); });
+}
+
+void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::string_view separator,
+                         bool identify) {
+  if (path.empty()) return;
+  FileType type = FileType::Text;
+  std::string unread;  // why the file is no workbook
+  if (kind != "ASCII") {
+    try {
+      type = F1D.Read(path);
+    } catch (const Error& failure) {
+      unread = failure.what();
+    }
+  }
+  bool readAsText = false;
+  if (type == FileType::Text) {
+    const std::string bytes = readFile(path);
+    readAsText = kind == "ASCII" || !separator.empty() || !unread.empty() ||
+                 needsTextReader(decodeText(bytes));
+    if (readAsText) readText(bytes, separator);
+  }
+  if (!readAsText) AD.Size(0, 0);
+  if (!unread.empty()) {
+    session().log.LisaaLog("-" + fileNameOf(path) + " is taken as lines of text: " + unread);
+  }
+  F1D.Sheet(1);
+  setCaption(windowNameOf(path));
+  if (identify) AutoIdentify(true);
+  Changed = false;
+  gridF1D.refresh();
+}
+
+TextSplit frmDataIN::askedSplit(std::string_view text, std::string_view separator) {
+  if (!separator.empty()) return {std::string(separator), false, false};
+  const auto lines = textLines(text);
+  if (lines.empty()) return {};
+  if (lines.front().find('\t') != std::string_view::npos) return {"\t", false, false};
+  frmSplitDialog dialog(lines.front(), proposedSplit(lines));
+  session().dialogs().showModal(dialog);
+  return dialog.split();
+}
+
+void frmDataIN::readText(std::string_view bytes, std::string_view separator) {
+  const std::string text = decodeText(bytes);
+  const TextSplit split = askedSplit(text, separator);
+  TextSeparator = split.separator;
+  fillFrom(text, split);
+  if (AD.RowCount() > gridRows) {
+    session().log.LisaaLog("-The grid shows " + std::to_string(gridRows) + " of " +
+                           std::to_string(AD.RowCount()) + " rows of the file; " +
+                           std::to_string(AD.RowCount() - gridRows) + " stay outside of it");
+  }
+}
+
+void frmDataIN::fillFrom(std::string_view text, const TextSplit& split) {
+  const TextSize size = sizeOf(text, split);
+  if (size.columns > maxColumns) {
+    throw FileError("A line of the file has " + std::to_string(size.columns) +
+                    " fields; a sheet has " + std::to_string(maxColumns) + " columns");
+  }
+  if (static_cast<std::int64_t>(size.rows) * size.columns > mostRawCells) {
+    throw FileError("The file is too large: " + std::to_string(size.rows) + " lines of up to " +
+                    std::to_string(size.columns) + " fields");
+  }
+  // As wide as the longest line, so that no field of any line is lost.
+  AD.Size(size.rows, std::max(1, size.columns));
+  F1D = Worksheet();
+  forEachField(text, split, [this](int row, int column, std::string_view field) {
+    AD.Cell(column, row, field);
+    if (row <= gridRows) F1D.TextRC(row, column, field);
+  });
+}
+
+void frmDataIN::takeSheet(const Worksheet& source, int sheet) {
+  F1D = Worksheet();
+  source.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
+    // Values, as pasting gives them: formulas would point into sheets that stay behind.
+    F1D.ValueSRC(1, row, column, CellStore::valueOf(cell));
+    if (cell.format != 0) F1D.setFormat(1, row, column, source.formats().at(cell.format));
+  });
+  F1D.dates1904(source.dates1904());
+  gridF1D.refresh();
+}
+
+void frmDataIN::RenameWindow() {
+  const auto name =
+      session().dialogs().inputBox("Give new name for window", "Window name", caption());
+  if (name && !name->empty()) setCaption(*name);
+}
+
+void frmDataIN::Parse() {
+  if (AD.RowCount() == 0) {
+    DataSheetForm::Parse();
+    return;
+  }
+  const std::string sample = F1D.TextRC(1, 1);
+  frmSplitDialog dialog(sample, proposedSplit({sample}));
+  session().dialogs().showModal(dialog);
+  if (dialog.split().separator.empty()) return;
+  const WideLimits wide(F1D);
+  for (int row = 1; row <= std::min(AD.RowCount(), gridRows); ++row) {
+    int column = 0;
+    for (int cell = 1; cell <= AD.ColCount(); ++cell) {
+      for (const std::string& piece : splitLine(AD.Cell(cell, row), dialog.split())) {
+        if (++column <= maxColumns) F1D.TextRC(row, column, piece);
+      }
+    }
+  }
+  Changed = true;
+  gridF1D.refresh();
+}
+
+void frmDataIN::close() {
+  Form::close();
+  if (onClosed) onClosed(*this);
+}
+
+}  // namespace lodex

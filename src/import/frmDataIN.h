@@ -1,0 +1,50 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "import/DataSheetForm.h"
+#include "import/TextLines.h"
+#include "worksheet/SampleTable.h"
+
+namespace lodex {
+
+/// The window of one foreign analysis table.
+class frmDataIN : public DataSheetForm {
+ public:
+  explicit frmDataIN(ImportContext& context, std::string_view caption = {});
+
+  /// Raw cells of a text file, rows that the grid has no room for included. Empty for files that
+  /// did not come through the text reader.
+  SampleTable AD;
+  std::string TextSeparator;
+  MenuItem mnuRenameWindow{*this, "mnuRenameWindow", "Rename Window..."};
+
+  /// Rows of a text file that the grid shows.
+  static constexpr int gridRows = 16000;
+
+  /// Loads a file and names the window after it. Kind "ASCII" reads it as text; otherwise it is
+  /// read by its content, and what no reader knows as text. `separator` is the column separator of
+  /// a text file; empty asks for it. With `identify` the structure is found as well. An empty path
+  /// does nothing; a file that cannot be opened throws FileError and changes nothing.
+  void OpenFile(std::string_view path, std::string_view kind, std::string_view separator,
+                bool identify);
+  /// The text reader behind OpenFile, for bytes in any encoding.
+  void readText(std::string_view bytes, std::string_view separator);
+
+  /// Copies the contents and formats of another sheet's current sheet into this empty one.
+  void takeSheet(const Worksheet& source, int sheet);
+
+  void RenameWindow();
+  void Parse() override;
+  /// Closes the window and tells the list of data sheets.
+  void close() override;
+  std::function<void(frmDataIN&)> onClosed;
+
+ private:
+  TextSplit askedSplit(std::string_view text, std::string_view separator);
+  void fillFrom(std::string_view text, const TextSplit& split);
+};
+
+}  // namespace lodex
