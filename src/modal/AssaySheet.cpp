@@ -1,0 +1,169 @@
+#include "modal/AssaySheet.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "basic/Error.h"
+#include "basic/Numbers.h"
+#include "basic/Text.h"
+#include "chem/ReferenceTables.h"
+#include "modal/frmResult.h"
+
+namespace lodex {
+namespace {
+
+std::string cellText(const AssaySheet& source, int row, int column) {
+  return row == 0 ? "" : std::string(trimWhite(source.sheet->TextRC(row, column)));
+}
+
+int lastSystemRow(const AssaySheet& source) {
+  return std::max({source.headerRow, source.elementRow, source.methodRow, source.unitRow});
+}
+
+// The samples' rows: those that hold an identifier or any assay.
+std::vector<int> sampleRows(const AssaySheet& source, const std::vector<int>& columns) {
+  std::vector<int> rows;
+  const int first = source.firstDataRow > 0 ? source.firstDataRow : lastSystemRow(source) + 1;
+  for (int row = first; row <= source.sheet->LastRow(); ++row) {
+    const bool used = source.sheet->HasContent(row, source.idColumn) ||
+                      std::any_of(columns.begin(), columns.end(),
+                                  [&](int c) { return source.sheet->HasContent(row, c); });
+    if (used) rows.push_back(row);
+  }
+  return rows;
+}
+
+bool holdsNumbers(const AssaySheet& source, int column) {
+  const int first = source.firstDataRow > 0 ? source.firstDataRow : lastSystemRow(source) + 1;
+  for (int row = first; row <= source.sheet->LastRow(); ++row) {
+    const Value value = source.sheet->ValueRC(row, column);
+    if (value.isNumber() || value.kind() == ValueKind::NumericText) return true;
+  }
+  return false;
+}
+
+std::string columnName(const AssayColumn& column, int number) {
+  return "column " + std::to_string(number) + " (" + column.heading + ")";
+}
+
+// Copies one column; returns how many cells hold text that is no number.
+int copyColumn(const AssaySheet& source, int column, double factor, const std::vector<int>& rows,
+               Worksheet& target, int targetColumn) {
+  int texts = 0;
+  const CellStore& cells = source.sheet->cells(source.sheet->Sheet());
+  CellStore& out = target.cellsForReader(1);
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const Cell& cell = cells.at(rows[i], column);
+    const int row = static_cast<int>(i) + 1;
+    if (cell.kind == ValueKind::Number) {
+      out.setNumber(row, targetColumn, cell.number * factor);
+      continue;
+    }
+    const Value value = CellStore::valueOf(cell);
+    if (value.isEmpty() || (value.isText() && trimBlanks(value.textView()).empty())) continue;
+    const bool numeric = value.isNumber() || value.kind() == ValueKind::NumericText;
+    if (!numeric) ++texts;
+    out.setNumber(row, targetColumn, numeric ? value.asNumber() * factor : 0);
+  }
+  return texts;
+}
+
+int methodNumber(std::vector<std::string>& methods, const std::string& method) {
+  const auto hit = std::find(methods.begin(), methods.end(), method);
+  if (hit != methods.end()) return static_cast<int>(hit - methods.begin()) + 1;
+  methods.push_back(method);
+  return static_cast<int>(methods.size());
+}
+
+void requireStructure(const AssaySheet& source) {
+  if (source.sheet == nullptr) throw Error("There is no data sheet to take the assays from");
+  if (source.elementRow == 0) {
+    throw Error("The structure of the data sheet is unknown: it has no ELEMENT row");
+  }
+  if (source.idColumn == 0) {
+    throw Error("The structure of the data sheet is unknown: it has no ID column");
+  }
+}
+
+}  // namespace
+
+AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet& F1ELoc) {
+  AssayColumn found;
+  const std::string element = cellText(source, source.elementRow, column);
+  found.method = cellText(source, source.methodRow, column);
+  found.unit = cellText(source, source.unitRow, column);
+  found.heading = cellText(source, source.headerRow, column);
+  if (found.heading.empty()) found.heading = element;
+  if (element.empty()) return found;
+
+  static constexpr int names[] = {eloc::Element, eloc::Oxide, eloc::Oxide2};
+  static constexpr int factors[] = {eloc::MulitEl, eloc::MultiOx, eloc::MultiOx2};
+  for (int row = 1; row <= F1ELoc.LastRow() && found.elementRow == 0; ++row) {
+    for (int k = 0; k < 3; ++k) {
+      if (F1ELoc.TextRC(row, names[k]) != element) continue;
+      found.elementRow = row;
+      found.factor = F1ELoc.NumberRC(row, factors[k]);
+      if (found.factor == 0) found.factor = 1;
+      break;
+    }
+  }
+  if (equalsNoCase(found.unit, "ppm")) found.factor /= 10000;
+  if (equalsNoCase(found.unit, "ppb")) found.factor /= 10000000;
+  return found;
+}
+
+void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalLists& lists,
+                    frmResult& result, const std::function<void(const std::string&)>& log) {
+  requireStructure(source);
+  std::vector<int> known;
+  std::vector<AssayColumn> columns;
+  for (int c = 1; c <= source.sheet->LastCol(); ++c) {
+    if (c == source.idColumn || cellText(source, source.elementRow, c) == "ELEMENT") continue;
+    AssayColumn column = describeColumn(source, c, F1ELoc);
+    if (column.elementRow > 0) {
+      known.push_back(c);
+      columns.push_back(std::move(column));
+    } else if (holdsNumbers(source, c)) {
+      log("Assay " + columnName(column, c) + " feeds no equation: its element is not known");
+    }
+  }
+  if (known.empty()) throw Error("The data sheet has no column with an element that is known");
+
+  const std::vector<int> rows = sampleRows(source, known);
+  lists.SampleIDs.clear();
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const std::string id = source.sheet->TextRC(rows[i], source.idColumn);
+    if (id.empty()) log("ID empty on row " + std::to_string(rows[i]));
+    lists.SampleIDs.push_back(id);
+    result.F1Ini.TextRC(static_cast<int>(i) + 1, 1, id);
+  }
+  result.F1Ini.ColText(1, "SampleNo");
+
+  std::vector<std::string> methods;
+  for (size_t k = 0; k < known.size(); ++k) {
+    const AssayColumn& column = columns[k];
+    const int target = static_cast<int>(k) + 2;
+    const std::string name = columnName(column, known[k]);
+    result.F1Ini.ColText(target, column.heading);
+    const int method = methodNumber(methods, column.method.empty() ? firstMethod : column.method);
+    if (result.F1Kirja.HasContent(column.elementRow, method)) {
+      log("Assay " + name +
+          " feeds no equation: an earlier column has the same element and method");
+    } else {
+      result.F1Kirja.NumberRC(column.elementRow, method, target);
+    }
+    if (!column.unit.empty() && column.unit != "%" && !equalsNoCase(column.unit, "ppm") &&
+        !equalsNoCase(column.unit, "ppb")) {
+      log("Unit " + column.unit + " of " + name + " is not known: its values are taken as %");
+    }
+    const int texts = copyColumn(source, known[k], column.factor, rows, result.F1Ini, target);
+    if (texts > 0) {
+      log("Text counts as 0 in " + std::to_string(texts) + " cells of " + name);
+    }
+  }
+  for (size_t k = 0; k < methods.size(); ++k) {
+    result.F1Kirja.ColText(static_cast<int>(k) + 1, methods[k]);
+  }
+}
+
+}  // namespace lodex

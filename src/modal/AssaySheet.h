@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "modal/MineralData.h"
+#include "worksheet/Worksheet.h"
+
+namespace lodex {
+
+class frmResult;
+
+/// An identified data sheet as a source of assays: its worksheet and where its structure stands.
+/// Rows and columns count from 1; a row of 0 is absent.
+struct AssaySheet {
+  const Worksheet* sheet = nullptr;
+  int headerRow = 0;
+  int elementRow = 0;
+  int methodRow = 0;
+  int unitRow = 0;
+  int firstDataRow = 0;
+  int idColumn = 0;
+};
+
+/// The method of columns that name none, and of equations that take an element's first column.
+inline constexpr const char* firstMethod = "<<First>>";
+
+/// Where a column's element stands in F1ELoc and how its values become per cent of the table's
+/// form.
+struct AssayColumn {
+  int elementRow = 0;  // 0 when the element table does not know the column
+  double factor = 1;
+  std::string method;
+  std::string unit;
+  std::string heading;
+};
+
+/// What is known of column `column` of the sheet.
+AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet& F1ELoc);
+
+/// Fills F1Ini, F1Kirja and SampleIDs from a data sheet. An empty cell stays empty, text that is no
+/// number counts as 0. `log` is told of everything that a user could miss: unknown columns and
+/// units, text among numbers, rows without sample identifier. Throws Error when the sheet has no
+/// ELEMENT row, no identifier column or no column that the element table knows.
+void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalLists& lists,
+                    frmResult& result, const std::function<void(const std::string&)>& log);
+
+}  // namespace lodex

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <string>
+
+#include "modal/AssaySheet.h"
+#include "modal/MineralData.h"
+#include "modal/frmResult.h"
+#include "modal/frmSolve.h"
+#include "session/Session.h"
+#include "worksheet/Worksheet.h"
+
+namespace lodex {
+
+class Connection;
+
+/// Relative errors, in per cent, of a simulated run. While `start` is set the next run keeps the
+/// sheets as they are in F1Ini2, F1Min2 and F1D2; every run perturbs from there.
+struct ErrorSimulation {
+  bool start = true;
+  double assays = 0;
+  double minerals = 0;
+  double dissolution = 0;
+};
+
+/// What a modal calculation is made from.
+struct ModalRequest {
+  const Worksheet* F1CalcOpt = nullptr;
+  AssaySheet assays;
+  const Worksheet* F1ELoc = nullptr;
+  Connection* minerals = nullptr;  // the mineral database
+  bool allTotal = false;           // every method dissolves everything
+  int digits = 3;                  // decimals of the amounts
+  std::string setUpName;
+};
+
+/// Modes of RetAndCalc. Any negative number is an automated run.
+namespace modalMode {
+inline constexpr int Automated = -1;  // retrieve and solve
+inline constexpr int Retrieve = 0;    // retrieve and solve
+inline constexpr int SolveAgain = 1;  // solve with the data retrieved before
+inline constexpr int Simulate = 2;    // solve with errors added to those data
+}  // namespace modalMode
+
+/// Hidden sheets that the driver works in, so that they can be inspected.
+struct ModalScratch {
+  Worksheet F1X;         // file of the last X line
+  Worksheet f1TempCalc;  // the last formula of a formula round
+};
+
+/// The modal calculation: fetches the assays and the mineral chemistry, finds round by round the
+/// amounts of the round's minerals from what the rounds before leave unexplained, and fills the
+/// sheets of `result`; the last round solved stands in `solver`. Amounts are text rounded to the
+/// decimals asked for. Reports to the session's progress line and log; a set abort flag ends it
+/// early with what there is. Throws Error when it cannot go on.
+void RetAndCalc(const ModalRequest& request, int mode, ModalLists& lists, frmResult& result,
+                frmSolve& solver, ModalScratch& scratch, Session& session,
+                ErrorSimulation* simulation = nullptr);
+
+/// A normal deviate by the polar method of Marsaglia.
+double GaussianDeviate(double mean, double sd);
+
+}  // namespace lodex

@@ -1,0 +1,215 @@
+#include "modal/RoundPlan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+#include "basic/Error.h"
+#include "basic/Numbers.h"
+#include "basic/Text.h"
+#include "modal/AmountFormula.h"
+#include "modal/AssaySheet.h"
+
+namespace lodex {
+namespace {
+
+using Log = std::function<void(const std::string&)>;
+
+// Numbers compare as numbers: sample "7" is also sample "7.0".
+std::string sampleKey(std::string_view text) {
+  const auto number = parseNumber(text);
+  return number ? exactNumberText(*number) : std::string(trimBlanks(text));
+}
+
+std::vector<double> readXFile(const PlannedEquation& equation, const XLine& x,
+                              const ModalLists& lists, Worksheet& F1X) {
+  const std::string line = "Line " + equation.item + ": ";
+  if (x.file.empty()) throw FileError(line + "there is no file behind it");
+  if (x.sampleColumn < 1 || x.valueColumn < 1) {
+    throw FileError(line + "the columns of sample and value are not known");
+  }
+  F1X.Read(x.file);
+  std::unordered_map<std::string, double> values;
+  for (int row = 1; row <= F1X.LastRow(); ++row) {
+    values.emplace(sampleKey(F1X.TextRC(row, x.sampleColumn)), F1X.NumberRC(row, x.valueColumn));
+  }
+  std::vector<double> out;
+  for (const std::string& sample : lists.SampleIDs) {
+    const auto hit = values.find(sampleKey(sample));
+    out.push_back(hit == values.end() ? 0 : hit->second);
+  }
+  return out;
+}
+
+int methodIndex(const ModalData& data, int element, const std::string& method) {
+  const auto& names = data.methodNames;
+  const auto hit = std::find(names.begin(), names.end(), method);
+  if (hit != names.end()) return static_cast<int>(hit - names.begin());
+  if (!method.empty() && method != firstMethod) return -1;
+  for (int k = 0; k < data.methods(); ++k) {
+    if (data.assayOf(element, k) >= 0) return k;
+  }
+  return -1;
+}
+
+PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalData& data,
+                             const ModalLists& lists, Worksheet& F1X) {
+  PlannedEquation equation;
+  equation.item = F1CalcOpt.TextRC(row, setup::Equation);
+  equation.kind = equationKind(equation.item);
+  const XLine x{parseInteger(F1CalcOpt.TextRC(row, setup::XKind)).value_or(0),
+                F1CalcOpt.TextRC(row, setup::XFile),
+                parseInteger(F1CalcOpt.TextRC(row, setup::XSampleColumn)).value_or(0),
+                parseInteger(F1CalcOpt.TextRC(row, setup::XValueColumn)).value_or(0),
+                F1CalcOpt.TextRC(row, setup::Text)};
+  switch (equation.kind) {
+    case EquationKind::Assay:
+      equation.element = parseInteger(F1CalcOpt.TextRC(row, setup::ElementRow)).value_or(0) - 1;
+      equation.method = methodIndex(data, equation.element, F1CalcOpt.TextRC(row, setup::Method));
+      equation.assay = data.assayOf(equation.element, equation.method);
+      break;
+    case EquationKind::XFile:
+      equation.coefficients = x.text;
+      equation.values = readXFile(equation, x, lists, F1X);
+      break;
+    case EquationKind::XCalculated: {
+      // A set-up file keeps only the item, which holds the expression as well.
+      const bool fromFile = !F1CalcOpt.HasContent(row, setup::XKind);
+      const std::string text = fromFile ? equation.item.substr(2) : x.text;
+      const Expression parts = splitExpression(text);
+      equation.expression = parts.formula;
+      equation.coefficients = parts.coefficients.empty() ? text : parts.coefficients;
+      break;
+    }
+    case EquationKind::Formula:
+      break;
+  }
+  return equation;
+}
+
+PlannedMineral planMineral(const Worksheet& F1CalcOpt, int row, const ModalLists& lists,
+                           const Worksheet& F1MC, bool perSample) {
+  PlannedMineral mineral;
+  mineral.identifier = F1CalcOpt.TextRC(row, setup::Mineral);
+  ParseMineralID(mineral.identifier, mineral.kind, mineral.symbol, mineral.id);
+  mineral.number = MineralIndex(lists, mineral.id) - 1;
+  const int column = MineralColumn(mineral.identifier, F1MC);
+  mineral.resultNumber = perSample ? mineral.number : column == 0 ? -1 : column - 2;
+  mineral.sampleSpecific = F1CalcOpt.NumberRC(row, setup::SampleSpecific) == 1;
+  return mineral;
+}
+
+PlannedRound planRound(const Worksheet& F1CalcOpt, int number, const ModalData& data,
+                       const ModalLists& lists, const Worksheet& F1MC, Worksheet& F1X,
+                       bool perSample) {
+  PlannedRound round;
+  round.number = number;
+  const RoundRows rows = findRound(F1CalcOpt, number);
+  const int model = parseInteger(F1CalcOpt.TextRC(rows.first, setup::Model)).value_or(0);
+  round.model = static_cast<EstimationModel>(std::clamp(model, 0, 3));
+  for (int row = rows.first; row < rows.first + rows.count; ++row) {
+    if (equationKind(F1CalcOpt.TextRC(row, setup::Equation)) == EquationKind::Formula) {
+      round.isFormula = true;
+    }
+  }
+  for (int row = rows.first; row < rows.first + rows.count; ++row) {
+    const std::string item = F1CalcOpt.TextRC(row, setup::Equation);
+    if (!item.empty() && !round.isFormula) {
+      round.equations.push_back(planEquation(F1CalcOpt, row, data, lists, F1X));
+    }
+    if (!F1CalcOpt.HasContent(row, setup::Mineral)) continue;
+    round.minerals.push_back(planMineral(F1CalcOpt, row, lists, F1MC, perSample));
+    if (equationKind(item) == EquationKind::Formula) round.minerals.back().formula = item.substr(3);
+  }
+  return round;
+}
+
+void reportEquations(const RoundPlan& plan, const ModalData& data, const Log& log) {
+  std::vector<bool> used(static_cast<size_t>(data.assays()));
+  for (const PlannedRound& round : plan.rounds) {
+    for (const PlannedEquation& equation : round.equations) {
+      if (equation.assay >= 0) used[static_cast<size_t>(equation.assay)] = true;
+      if (equation.kind != EquationKind::Assay || equation.assay >= 0) continue;
+      log("Equation " + equation.item + " of round " + std::to_string(round.number) +
+          " has no assay: 0 is taken for it");
+    }
+  }
+  for (int assay = 0; assay < data.assays(); ++assay) {
+    if (used[static_cast<size_t>(assay)]) continue;
+    log("Assay " + data.assayNames[static_cast<size_t>(assay)] + " feeds no equation");
+  }
+}
+
+void reportMinerals(const RoundPlan& plan, const ModalLists& lists, const Log& log) {
+  for (size_t i = 0; i < lists.MinLabels.size(); ++i) {
+    const std::string& label = lists.MinLabels[i];
+    bool inRound = false;
+    for (const PlannedRound& round : plan.rounds) {
+      for (const PlannedMineral& mineral : round.minerals) {
+        inRound = inRound || mineral.number == static_cast<int>(i) || mineral.identifier == label;
+      }
+    }
+    if (!inRound) log("Mineral " + label + " is in no round");
+    for (size_t j = 0; j < i; ++j) {
+      if (lists.MinLabels[j] == label) continue;
+      if (symbolOrText(lists.MinLabels[j]) == symbolOrText(label)) {
+        log("Minerals " + lists.MinLabels[j] + " and " + label + " share the symbol " +
+            symbolOrText(label));
+      }
+    }
+  }
+  for (const PlannedRound& round : plan.rounds) {
+    for (const PlannedMineral& mineral : round.minerals) {
+      if (mineral.number < 0) log("Mineral " + mineral.identifier + " is not in the calculation");
+    }
+    if (!round.isFormula && (round.equations.empty() || round.minerals.empty())) {
+      log("Round " + std::to_string(round.number) + " has no " +
+          (round.equations.empty() ? "equations" : "minerals"));
+    }
+  }
+}
+
+}  // namespace
+
+RoundPlan planRounds(const Worksheet& F1CalcOpt, const ModalData& data, const ModalLists& lists,
+                     const Worksheet& F1MC, Worksheet& F1X, const Log& log) {
+  RoundPlan plan;
+  for (int row = 1; row <= F1CalcOpt.LastRow(); ++row) {
+    plan.perSample = plan.perSample || F1CalcOpt.NumberRC(row, setup::SampleSpecific) == 1 ||
+                     F1CalcOpt.NumberRC(row, setup::Special) == 1;
+  }
+  for (const int number : roundNumbers(F1CalcOpt)) {
+    plan.rounds.push_back(planRound(F1CalcOpt, number, data, lists, F1MC, F1X, plan.perSample));
+  }
+  reportEquations(plan, data, log);
+  reportMinerals(plan, lists, log);
+  return plan;
+}
+
+void fillCoefficients(const PlannedRound& round, const ModalData& data, std::vector<double>& a) {
+  const size_t m = round.equations.size();
+  a.assign(m * round.minerals.size(), 0.0);
+  for (size_t j = 0; j < round.minerals.size(); ++j) {
+    const PlannedMineral& mineral = round.minerals[j];
+    for (size_t i = 0; i < m; ++i) {
+      const PlannedEquation& equation = round.equations[i];
+      double& coefficient = a[i + j * m];
+      if (equation.kind != EquationKind::Assay) {
+        coefficient = CoefficientOf(equation.coefficients, mineral.symbol);
+        if (coefficient == 0 && i == j) coefficient = 1;
+        continue;
+      }
+      if (mineral.number < 0 || equation.element < 0 || equation.element >= data.elements()) {
+        continue;
+      }
+      const double content = data.composition(equation.element, mineral.number);
+      if (std::isnan(content)) continue;
+      const double fraction =
+          equation.method < 0 ? 1
+                              : data.extracted(equation.element, mineral.number, equation.method);
+      coefficient = content * fraction / 100;
+    }
+  }
+}
+
+}  // namespace lodex
