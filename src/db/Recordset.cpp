@@ -10,6 +10,9 @@ namespace lodex {
 
 Recordset::Recordset(std::unique_ptr<RowSource> rows, CursorKind cursor)
     : cursor_(cursor), fields_(rows->fields()) {
+  for (size_t i = 0; i < fields_.size(); ++i) {
+    fieldPlaces_.emplace(toUpper(fields_[i].name), static_cast<int>(i));
+  }
   if (cursor_ == CursorKind::ForwardOnly) {
     source_ = std::move(rows);
     atEnd_ = !source_->next(passing_);
@@ -21,10 +24,8 @@ Recordset::Recordset(std::unique_ptr<RowSource> rows, CursorKind cursor)
 }
 
 int Recordset::FieldIndex(std::string_view name) const {
-  for (size_t i = 0; i < fields_.size(); ++i) {
-    if (equalsNoCase(fields_[i].name, name)) return static_cast<int>(i);
-  }
-  return -1;
+  const auto place = fieldPlaces_.find(toUpper(name));
+  return place == fieldPlaces_.end() ? -1 : place->second;
 }
 
 int Recordset::fieldOrThrow(std::string_view name) const {
@@ -67,6 +68,14 @@ void Recordset::MovePrevious() {
   requireClient("Moving back");
   if (Bof()) throw Error("There is no record before the first one", dberror::NoCurrentRecord);
   --position_;
+}
+
+void Recordset::Move(int place) {
+  requireClient("Moving to a place");
+  if (place < 1 || place > RecordCount()) {
+    throw Error("There is no record number " + std::to_string(place), dberror::NoCurrentRecord);
+  }
+  position_ = place - 1;
 }
 
 int Recordset::RecordCount() const {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "db/Connection.h"
@@ -29,6 +30,8 @@ class Recordset {
   void MoveLast();
   void MoveNext();
   void MovePrevious();
+  /// Makes the record at a place of AbsolutePosition current; throws Error beyond the last one.
+  void Move(int place);
   /// Number of records under the filter.
   int RecordCount() const;
   /// The place of the current record under the filter and sorting, from 1; 0 for none.
@@ -68,9 +71,10 @@ class Recordset {
 
   CursorKind cursor_;
   std::vector<Field> fields_;
-  std::vector<Row> rows_;     // of a client cursor
-  std::vector<int> visible_;  // rows under filter and sorting
-  int position_ = 0;          // index into visible_; its size at the end, -1 before the start
+  std::unordered_map<std::string, int> fieldPlaces_;  // by the name in upper case
+  std::vector<Row> rows_;                             // of a client cursor
+  std::vector<int> visible_;                          // rows under filter and sorting
+  int position_ = 0;  // index into visible_; its size at the end, -1 before the start
   std::unique_ptr<RowSource> source_;  // of a forward-only cursor
   Row passing_;
   bool atEnd_ = false;
