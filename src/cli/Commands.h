@@ -24,6 +24,7 @@ void addCellsCommand(CLI::App& app, CommandContext& context);
 void addConvertCommand(CLI::App& app, CommandContext& context);
 void addRecalcCommand(CLI::App& app, CommandContext& context);
 void addIdentifyCommand(CLI::App& app, CommandContext& context);
+void addMineralsCommand(CLI::App& app, CommandContext& context);
 void addModalCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace lodex

@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   addIdentifyCommand(app, context);
   addModalCommand(app, context);
+  addMineralsCommand(app, context);
   addCellsCommand(app, context);
   addConvertCommand(app, context);
   addRecalcCommand(app, context);
