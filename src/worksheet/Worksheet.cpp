@@ -6,6 +6,7 @@
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "worksheet/NumberFormat.h"
+#include "worksheet/formula/Engine.h"
 #include "worksheet/formula/FormulaCell.h"
 
 namespace lodex {
@@ -98,11 +99,13 @@ std::string Worksheet::TextSRC(int sheet, int row, int column) const {
 }
 
 std::string Worksheet::FormattedTextSRC(int sheet, int row, int column) const {
-  return TextSRC(sheet, row, column);
+  const Cell& cell = checked(sheet, row, column).cells.at(row, column);
+  return formattedText(CellStore::valueOf(cell), formats_->at(cell.format).numberFormat,
+                       dates1904_);
 }
 
 void Worksheet::TextSRC(int sheet, int row, int column, std::string_view text) {
-  checked(sheet, row, column).cells.set(row, column, Value::stored(text));
+  setContent(checked(sheet, row, column), sheet, row, column, Value::stored(text));
 }
 
 double Worksheet::NumberSRC(int sheet, int row, int column) const {
@@ -112,7 +115,13 @@ double Worksheet::NumberSRC(int sheet, int row, int column) const {
 }
 
 void Worksheet::NumberSRC(int sheet, int row, int column, double number) {
-  checked(sheet, row, column).cells.setNumber(row, column, number);
+  CellStore& cells = checked(sheet, row, column).cells;
+  if (engine_) {
+    const Cell& before = cells.at(row, column);
+    if (before.kind == ValueKind::Number && before.number == number) return;
+    engine_->cellChanges(sheet, row, column, before.kind == ValueKind::Formula);
+  }
+  cells.setNumber(row, column, number);
 }
 
 std::string Worksheet::FormulaSRC(int sheet, int row, int column) const {
@@ -128,10 +137,59 @@ void Worksheet::FormulaSRC(int sheet, int row, int column, std::string_view form
 
 void Worksheet::setFormulaWithValue(int sheet, int row, int column, std::string_view formula,
                                     const Value& cached) {
+  CellStore& cells = checked(sheet, row, column).cells;
+  formulasChange();
   auto cell = std::make_unique<FormulaCell>();
   cell->text = formula;
   cell->cached = cached;
-  checked(sheet, row, column).cells.setFormula(row, column, std::move(cell));
+  cell->valueFromFile = !cached.isEmpty();
+  cells.setFormula(row, column, std::move(cell));
+}
+
+void Worksheet::setArrayFormula(int sheet, int row1, int column1, int row2, int column2,
+                                std::string_view formula) {
+  if (row2 < row1 || column2 < column1) throw Error("The block has its ends in the wrong order");
+  CellStore& cells = checked(sheet, row1, column1).cells;
+  checked(sheet, row2, column2);
+  formulasChange();
+  if (!formula.empty() && formula.front() == '=') formula.remove_prefix(1);
+  const auto block = std::make_shared<const ArrayBlock>(
+      ArrayBlock{row1, column1, row2 - row1 + 1, column2 - column1 + 1});
+  for (int row = row1; row <= row2; ++row) {
+    for (int column = column1; column <= column2; ++column) {
+      auto cell = std::make_unique<FormulaCell>();
+      cell->text = formula;
+      cell->array = block;
+      cells.setFormula(row, column, std::move(cell));
+    }
+  }
+}
+
+void Worksheet::setCachedValue(int sheet, int row, int column, const Value& cached) {
+  const Cell& cell = checked(sheet, row, column).cells.at(row, column);
+  if (cell.kind != ValueKind::Formula) return;
+  formulasChange();
+  cell.formula->cached = cached;
+  cell.formula->valueFromFile = !cached.isEmpty();
+}
+
+// Stores a plain value; the formulas that read the cell learn of it.
+void Worksheet::setContent(SheetData& target, int sheet, int row, int column, const Value& value) {
+  if (engine_) {
+    engine_->cellChanges(sheet, row, column,
+                         target.cells.at(row, column).kind == ValueKind::Formula);
+  }
+  target.cells.set(row, column, value);
+}
+
+// Called before formulas, sheets or names change: what the engine has prepared no longer holds.
+void Worksheet::formulasChange() {
+  if (engine_) engine_->invalidate();
+}
+
+CellStore& Worksheet::cellsForReader(int sheet) {
+  formulasChange();
+  return data(sheet).cells;
 }
 
 std::string Worksheet::EntrySRC(int sheet, int row, int column) const {
@@ -148,7 +206,7 @@ void Worksheet::EntrySRC(int sheet, int row, int column, std::string_view entry)
   if (entry.size() > 1 && entry.front() == '=') {
     FormulaSRC(sheet, row, column, entry.substr(1));
   } else {
-    checked(sheet, row, column).cells.set(row, column, typedValue(entry));
+    setContent(checked(sheet, row, column), sheet, row, column, typedValue(entry));
   }
 }
 
@@ -157,7 +215,7 @@ Value Worksheet::ValueSRC(int sheet, int row, int column) const {
 }
 
 void Worksheet::ValueSRC(int sheet, int row, int column, const Value& value) {
-  checked(sheet, row, column).cells.set(row, column, value);
+  setContent(checked(sheet, row, column), sheet, row, column, value);
 }
 
 bool Worksheet::HasFormula(int sheet, int row, int column) const {

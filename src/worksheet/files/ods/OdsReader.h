@@ -1,0 +1,17 @@
+#pragma once
+
+namespace lodex {
+
+class Worksheet;
+class ZipArchive;
+
+/// True for the zip file of an OpenDocument spreadsheet.
+bool looksLikeOds(const ZipArchive& archive);
+
+/// Fills a fresh workbook from an OpenDocument spreadsheet (OASIS OpenDocument 1.3): sheets with
+/// names, order and visibility, values, formulas with cached values, number formats, the plain
+/// properties of cell styles, hidden rows and columns, and defined names. Throws FileError when it
+/// is damaged.
+void readOds(const ZipArchive& archive, Worksheet& into);
+
+}  // namespace lodex

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "worksheet/Value.h"
+
+/// The parts of an Office Open XML workbook, each read from its own document.
+namespace lodex {
+
+class Worksheet;
+
+/// A reference from one part of the package to another.
+struct XlsxRelation {
+  std::string type;    // the last piece of its type, such as "worksheet"
+  std::string target;  // full path inside the package
+};
+
+/// The relations of a part by their ids. `folder` is the part's folder, such as "xl".
+std::map<std::string, XlsxRelation> readXlsxRelations(std::string_view document,
+                                                      std::string_view folder);
+
+/// The texts that cells refer to by number, from 0.
+std::vector<Value> readXlsxStrings(std::string_view document);
+
+/// The twelve colours of a theme in the order in which styles number them, from 0.
+std::vector<std::int32_t> readXlsxTheme(std::string_view document);
+
+/// The formats of the workbook's cell styles as indices into its format table, by style number.
+/// Cells in the workbook's default style get format 0.
+std::vector<std::uint32_t> readXlsxStyles(std::string_view document,
+                                          const std::vector<std::int32_t>& theme, Worksheet& into);
+
+/// Fills one sheet from its document.
+void readXlsxSheet(std::string_view document, const std::vector<Value>& strings,
+                   const std::vector<std::uint32_t>& styles, Worksheet& into, int sheet);
+
+/// Text with the escapes "_x000D_" of spreadsheet documents replaced.
+std::string xlsxText(std::string_view text);
+
+/// A formula as users write it: without the prefixes that files put before newer functions.
+std::string xlsxFormula(std::string_view text);
+
+/// The reverse: a formula with the prefix that files put before functions younger than the format.
+std::string xlsxFileFormula(std::string_view formula);
+
+}  // namespace lodex

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace lodex {
+
+class Worksheet;
+class ZipArchive;
+
+/// True for the zip file of an Office Open XML workbook.
+bool looksLikeXlsx(const ZipArchive& archive);
+
+/// Fills a fresh workbook from an Office Open XML workbook (ECMA-376 part 1, chapter 18): sheets
+/// with their names, order and visibility, values, formulas with cached values, formats, widths,
+/// hidden rows and columns, frozen rows and defined names. Throws FileError when it is damaged.
+void readXlsx(const ZipArchive& archive, Worksheet& into);
+
+}  // namespace lodex

@@ -1,0 +1,213 @@
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+#include "basic/Error.h"
+#include "basic/Numbers.h"
+#include "worksheet/A1.h"
+#include "worksheet/Worksheet.h"
+#include "worksheet/files/DateText.h"
+#include "worksheet/files/FormulaShift.h"
+#include "worksheet/files/XmlReader.h"
+#include "worksheet/files/xlsx/XlsxParts.h"
+
+namespace lodex {
+namespace {
+
+// A width in a file counts the margins of the cell: five pixels beside characters of seven.
+double charactersOfWidth(double fileWidth) {
+  return std::max(0.0, std::round((fileWidth - 5.0 / 7) * 100) / 100);
+}
+
+class SheetHandler : public XmlHandler {
+ public:
+  SheetHandler(const std::vector<Value>& strings, const std::vector<std::uint32_t>& styles,
+               Worksheet& book, int sheet)
+      : strings_(strings),
+        styles_(styles),
+        book_(book),
+        cells_(book.cellsForReader(sheet)),
+        sheet_(sheet) {}
+
+  void start(std::string_view element, const XmlAttributes& attributes) override {
+    collect_ = nullptr;
+    if (element == "c") {
+      startCell(attributes);
+    } else if (element == "v") {
+      collect_ = &value_;
+    } else if (element == "f") {
+      startFormula(attributes);
+    } else if (element == "t") {
+      if (inCell_ && !inPhonetic_) collect_ = &inlineText_;
+    } else if (element == "rPh") {
+      inPhonetic_ = true;
+    } else if (element == "row") {
+      startRow(attributes);
+    } else if (element == "col") {
+      columns(attributes);
+    } else if (element == "pane") {
+      pane(attributes);
+    } else if (element == "selection") {
+      selection(attributes);
+    }
+  }
+
+  void end(std::string_view element) override {
+    collect_ = nullptr;
+    if (element == "c") finishCell();
+    if (element == "rPh") inPhonetic_ = false;
+  }
+
+  void text(std::string_view text) override {
+    if (collect_ != nullptr) *collect_ += text;
+  }
+
+ private:
+  struct SharedFormula {
+    std::string text;
+    int row = 0;
+    int column = 0;
+  };
+
+  void startRow(const XmlAttributes& attributes) {
+    row_ = attributes.number("r", row_ + 1);
+    column_ = 0;
+    if (row_ < 1 || row_ > maxRows) throw FileError("a sheet has a row beyond the last one");
+    if (attributes.flag("hidden")) book_.rowHidden(sheet_, row_, true);
+  }
+
+  void startCell(const XmlAttributes& attributes) {
+    ++column_;
+    const std::string_view address = attributes("r");
+    if (!address.empty() && !parseCellAddress(address, row_, column_)) {
+      throw FileError("a sheet has a cell at " + std::string(address));
+    }
+    if (row_ < 1 || column_ > maxColumns) throw FileError("a sheet has a cell outside of it");
+    type_ = attributes("t", "n");
+    style_ = attributes.number("s", 0);
+    value_.clear();
+    inlineText_.clear();
+    formula_.clear();
+    hasFormula_ = false;
+    inCell_ = true;
+  }
+
+  void startFormula(const XmlAttributes& attributes) {
+    formulaKind_ = attributes("t", "normal");
+    sharedId_ = attributes.number("si", -1);
+    hasFormula_ = formulaKind_ != "dataTable";
+    collect_ = &formula_;
+  }
+
+  Value cachedValue() const {
+    if (type_ == "s") {
+      const auto place = parseInteger(value_);
+      const bool known = place && *place >= 0 && static_cast<size_t>(*place) < strings_.size();
+      return known ? strings_[static_cast<size_t>(*place)] : Value();
+    }
+    if (type_ == "inlineStr") return Value::text(xlsxText(inlineText_));
+    if (value_.empty()) return {};
+    ErrorCode code = ErrorCode::Value;
+    if (type_ == "str") {
+      return errorFromText(value_, code) ? Value::error(code) : Value::text(xlsxText(value_));
+    }
+    if (type_ == "b") return Value::boolean(value_ == "1" || value_ == "true");
+    if (type_ == "e") {
+      errorFromText(value_, code);
+      return Value::error(code);
+    }
+    if (type_ == "d") {
+      const auto serial = serialOfIsoDate(value_, book_.dates1904());
+      return serial ? Value(*serial) : Value::text(value_);
+    }
+    const auto number = parseNumber(value_);
+    return number ? Value(*number) : Value::text(value_);
+  }
+
+  // The formula of the cell; "" when it shares one that the file does not hold.
+  std::string formulaText() {
+    const std::string own = xlsxFormula(formula_);
+    if (formulaKind_ != "shared") return own;
+    if (!own.empty()) {
+      shared_[sharedId_] = {own, row_, column_};
+      return own;
+    }
+    const auto hit = shared_.find(sharedId_);
+    if (hit == shared_.end()) return {};
+    return shiftedFormula(hit->second.text, row_ - hit->second.row, column_ - hit->second.column);
+  }
+
+  void finishCell() {
+    if (!inCell_) return;
+    inCell_ = false;
+    const std::string formula = hasFormula_ ? formulaText() : std::string();
+    ErrorCode error;
+    if (errorFromText(formula, error)) {
+      // How some writers store a plain error value.
+      cells_.set(row_, column_, Value::error(error));
+    } else if (formula.empty()) {
+      cells_.set(row_, column_, cachedValue());
+    } else {
+      book_.setFormulaWithValue(sheet_, row_, column_, formula, cachedValue());
+    }
+    if (style_ >= 0 && static_cast<size_t>(style_) < styles_.size()) {
+      cells_.setFormat(row_, column_, styles_[static_cast<size_t>(style_)]);
+    }
+  }
+
+  void columns(const XmlAttributes& attributes) {
+    const int first = std::max(1, attributes.number("min", 1));
+    const int last = std::min(maxColumns, attributes.number("max", first));
+    const bool ownWidth = attributes.flag("customWidth");
+    const double width = charactersOfWidth(numberOf(attributes("width")));
+    const bool hidden = attributes.flag("hidden");
+    for (int column = first; column <= last; ++column) {
+      if (ownWidth && width > 0) book_.columnWidth(sheet_, column, width);
+      if (hidden) book_.columnHidden(sheet_, column, true);
+    }
+  }
+
+  void pane(const XmlAttributes& attributes) {
+    const std::string_view state = attributes("state");
+    if (state != "frozen" && state != "frozenSplit") return;
+    const int rows = attributes.number("ySplit", 0);
+    if (rows < 1 || rows > maxRows) return;
+    book_.Sheet(sheet_);
+    book_.FixedRows(rows);
+  }
+
+  void selection(const XmlAttributes& attributes) {
+    int row = 0;
+    int column = 0;
+    if (!parseCellAddress(attributes("activeCell"), row, column)) return;
+    book_.Sheet(sheet_);
+    book_.SetSelection(row, column, row, column);
+  }
+
+  const std::vector<Value>& strings_;
+  const std::vector<std::uint32_t>& styles_;
+  Worksheet& book_;
+  CellStore& cells_;
+  const int sheet_;
+
+  int row_ = 0;
+  int column_ = 0;
+  int style_ = 0;
+  bool inCell_ = false;
+  bool inPhonetic_ = false;
+  bool hasFormula_ = false;
+  std::string type_, value_, inlineText_, formula_, formulaKind_;
+  int sharedId_ = -1;
+  std::string* collect_ = nullptr;  // where the text of the open element goes
+  std::unordered_map<int, SharedFormula> shared_;
+};
+
+}  // namespace
+
+void readXlsxSheet(std::string_view document, const std::vector<Value>& strings,
+                   const std::vector<std::uint32_t>& styles, Worksheet& into, int sheet) {
+  SheetHandler handler(strings, styles, into, sheet);
+  readXml(document, handler);
+}
+
+}  // namespace lodex
