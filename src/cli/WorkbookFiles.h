@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace lodex {
+
+class Worksheet;
+
+/// Reads a workbook or text file; a ".csv" file is split at its own separators, commas or
+/// semicolons.
+void readAnyFile(const std::string& path, Worksheet& into);
+
+/// Writes the kind that the ending names: txt, tsv, csv, xls, xlsx or vts. Throws Error for any
+/// other ending.
+void writeByEnding(const std::string& path, const Worksheet& book);
+
+}  // namespace lodex
