@@ -12,6 +12,7 @@
 #include "worksheet/Clipboard.h"
 #include "worksheet/Limits.h"
 #include "worksheet/Value.h"
+#include "worksheet/formula/RecalcReport.h"
 
 namespace lodex {
 
@@ -129,6 +130,13 @@ class Worksheet {
   void setFormulaWithValue(int sheet, int row, int column, std::string_view formula,
                            const Value& cached);
 
+  /// One formula over a block of cells, each of which shows its own element of the result. A value
+  /// that a file cached for a cell of the block is given afterwards by setCachedValue.
+  void setArrayFormula(int sheet, int row1, int column1, int row2, int column2,
+                       std::string_view formula);
+  /// Gives a formula cell the value that a file cached for it; other cells stay as they are.
+  void setCachedValue(int sheet, int row, int column, const Value& cached);
+
   /// Heading texts of columns and rows; "" where none was set.
   std::string ColText(int column) const;
   void ColText(int column, std::string_view text);
@@ -224,8 +232,14 @@ class Worksheet {
 
   // --- Formulas --------------------------------------------------------------------------------
 
-  /// Brings every formula of the workbook up to date.
+  /// Brings every formula of the workbook up to date. The first call evaluates all of them, later
+  /// ones what depends on a change. A formula that cannot be computed (a function nobody knows, a
+  /// reference to another workbook) keeps the value that its file gave, else shows an error value.
   void Recalc();
+  /// What recalculating this workbook has found.
+  RecalcReport recalcReport() const;
+  /// Why the last Recalc could not compute a cell; "" when it could.
+  std::string formulaProblem(int sheet, int row, int column) const;
   const std::vector<DefinedName>& definedNames() const { return names_; }
   void setDefinedNames(std::vector<DefinedName> names);
 
@@ -247,20 +261,21 @@ class Worksheet {
   bool rowHidden(int sheet, int row) const;
   void rowHidden(int sheet, int row, bool hidden);
   /// Rows frozen at the top of the current sheet.
-  int FixedRows() const { return FixedRows(current_); }
-  int FixedRows(int sheet) const { return data(sheet).fixedRows; }
+  int FixedRows() const { return frozenRows(current_); }
+  int frozenRows(int sheet) const { return data(sheet).fixedRows; }
   void FixedRows(int rows) { data(current_).fixedRows = rows; }
 
   GridPermissions& permissions() { return permissions_; }
   const GridPermissions& permissions() const { return permissions_; }
   /// True for workbooks whose dates count from 1904.
   bool dates1904() const { return dates1904_; }
-  void dates1904(bool from1904) { dates1904_ = from1904; }
+  void dates1904(bool from1904);
 
   // --- For file readers and writers and the formula engine ---------------------------------------
 
   const CellStore& cells(int sheet) const { return data(sheet).cells; }
-  CellStore& cellsForReader(int sheet) { return data(sheet).cells; }
+  /// Fetch it anew after a Recalc: the formulas learn of a change only through this call.
+  CellStore& cellsForReader(int sheet);
   FormatTable& formats() { return *formats_; }
   const FormatTable& formats() const { return *formats_; }
   const std::map<int, double>& columnWidths(int sheet) const { return data(sheet).widths; }
@@ -293,6 +308,8 @@ class Worksheet {
   [[noreturn]] static void failCell(const SheetData& sheet, int row, int column);
   std::string freeSheetName() const;
   std::string displayed(const Cell& cell) const;
+  void setContent(SheetData& target, int sheet, int row, int column, const Value& value);
+  void formulasChange();
   void enterBlock(std::string_view tabText, bool formulas);
   void copyCell(int sheet, int row, int column, const Worksheet& source, int sourceSheet,
                 int sourceRow, int sourceColumn);
@@ -300,6 +317,7 @@ class Worksheet {
   std::vector<std::unique_ptr<SheetData>> sheets_;
   std::unique_ptr<FormatTable> formats_;
   std::vector<DefinedName> names_;
+  std::unique_ptr<FormulaEngine> engine_;  // from the first Recalc on
   GridPermissions permissions_;
   std::string title_;
   int current_ = 1;

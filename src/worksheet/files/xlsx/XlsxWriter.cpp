@@ -135,8 +135,8 @@ class Writer {
     }
     book_.cells(sheet).forEach(
         [&](int row, int column, const Cell& cell) { writeCell(out, sheet, row, column, cell); });
-    if (book_.FixedRows(sheet) > 0) {
-      worksheet_freeze_panes(out, static_cast<lxw_row_t>(book_.FixedRows(sheet)), 0);
+    if (book_.frozenRows(sheet) > 0) {
+      worksheet_freeze_panes(out, static_cast<lxw_row_t>(book_.frozenRows(sheet)), 0);
     }
     const int front = frontSheet();
     if (sheet == front) {
