@@ -1,9 +1,11 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 #include <ostream>
 
 #include "basic/Error.h"
 #include "basic/Text.h"
+#include "chem/CompoundConverter.h"
 #include "chem/Elements.h"
 #include "cli/Commands.h"
 #include "db/Connection.h"
@@ -27,30 +29,39 @@ std::string elementSymbol(const std::string& text) {
   throw Error("There is no element " + text);
 }
 
-void listMinerals(const MineralsRequest& request, std::ostream& out) {
-  std::string sql =
-      "SELECT c.[MineralID], c.[MinSymbol], c.[Mineral], c.[Formula], c.[Density] "
-      "FROM [<MineralChemistry] AS c INNER JOIN [Minerals] AS m ON c.[Mineral] = m.[Mineral]";
-  std::string joint = " WHERE ";
-  for (const auto& element : request.elements) {
-    sql += joint + "m.[Elements] LIKE " + quoteText("%\\" + elementSymbol(element) + "\\%");
-    joint = " AND ";
+bool holdsElements(const std::string& formula, const std::vector<std::string>& symbols) {
+  std::vector<CompoundElement> elements;
+  CompoundConverter().SolveCompound(formula, elements);
+  const auto has = [&](const std::string& symbol) {
+    for (const auto& element : elements) {
+      if (element.symbol == symbol) return true;
+    }
+    return false;
+  };
+  return std::all_of(symbols.begin(), symbols.end(), has);
+}
+
+bool holdsText(const Recordset& records, const std::string& text) {
+  if (text.empty()) return true;
+  for (const auto* field : {"MinSymbol", "Mineral", "Formula"}) {
+    if (findNoCase(records.Text(field), text) != std::string::npos) return true;
   }
+  return false;
+}
+
+void listMinerals(const MineralsRequest& request, std::ostream& out) {
+  std::vector<std::string> symbols;
+  for (const auto& element : request.elements) symbols.push_back(elementSymbol(element));
   Connection connection;
   connection.Open(ConnectionString(request.database, "", ""));
-  const auto records = connection.OpenRecordset(sql + " ORDER BY c.[MineralID]");
-  const auto& fields = records->Fields();
-  for (size_t i = 0; i < fields.size(); ++i) out << (i ? "\t" : "") << fields[i].name;
-  out << '\n';
+  const auto records = connection.OpenRecordset(
+      "SELECT [MineralID], [MinSymbol], [Mineral], [Formula], [Density] FROM [<MineralChemistry] "
+      "ORDER BY [MineralID]");
+  out << "MineralID\tMinSymbol\tMineral\tFormula\tDensity\n";
   for (; !records->Eof(); records->MoveNext()) {
-    bool found = request.find.empty();
-    for (const auto* field : {"MinSymbol", "Mineral", "Formula"}) {
-      found = found || findNoCase(records->Text(field), request.find) != std::string::npos;
-    }
-    if (!found) continue;
-    for (int i = 0; i < static_cast<int>(fields.size()); ++i) {
-      out << (i ? "\t" : "") << records->Text(i);
-    }
+    if (!holdsText(*records, request.find)) continue;
+    if (!holdsElements(records->Text("Formula"), symbols)) continue;
+    for (int i = 0; i < 5; ++i) out << (i ? "\t" : "") << records->Text(i);
     out << '\n';
   }
 }

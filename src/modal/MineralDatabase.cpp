@@ -18,6 +18,7 @@ namespace lodex {
 namespace {
 
 constexpr int kStoredPhases = 30;
+constexpr double kLeastShareOfAtoms = 0.02;
 
 struct Column {
   std::string name;
@@ -137,6 +138,19 @@ struct Species {
   std::vector<std::string> elements;
 };
 
+// Elements of a species. The first composition is the ideal one; of the others, traces do not
+// count, so that a search for minerals without arsenic still finds pyrite.
+void addElements(Species& species, const std::vector<CompoundElement>& elements, bool isFirst) {
+  double atoms = 0;
+  for (const auto& element : elements) atoms += element.atoms;
+  for (const auto& element : elements) {
+    const bool counts = isFirst || element.atoms >= kLeastShareOfAtoms * atoms;
+    if (counts && !contains(species.elements, element.symbol)) {
+      species.elements.push_back(element.symbol);
+    }
+  }
+}
+
 class Builder {
  public:
   Builder(Connection& connection, const Worksheet& F1ELoc)
@@ -186,10 +200,12 @@ std::map<std::string, double> Builder::composition(const TabbedText& text, int r
                                                    const std::vector<CompoundElement>& elements) {
   std::map<std::string, double> content;
   for (const auto& element : elements) {
+    // Nobody assays oxygen, and the oxides hold theirs already.
+    if (element.symbol == "O") continue;
     const auto target = fields_.mineral.find(element.symbol);
     if (target != fields_.mineral.end()) {
       content[target->second.field] += element.massFraction * 100 * target->second.factor;
-    } else if (element.symbol != "O") {  // the rest to 100, which nobody assays
+    } else {
       report.warnings.push_back(text.place(record) + "no field holds the element " +
                                 element.symbol);
     }
@@ -255,9 +271,7 @@ void Builder::addMinerals(const TabbedText& text) {
       species.group = text.cell(r, group);
     }
     if (const std::string& own = text.cell(r, speciesFormula); !own.empty()) species.formula = own;
-    for (const auto& element : elements) {
-      if (!contains(species.elements, element.symbol)) species.elements.push_back(element.symbol);
-    }
+    addElements(species, elements, isNew);
   }
   writeSpecies();
 }

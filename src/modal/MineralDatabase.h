@@ -11,7 +11,8 @@ namespace lodex {
 /// The texts from which a mineral database is built: tab-delimited, with a heading row.
 struct MineralSources {
   /// MineralID, MinSymbol, Mineral, Formula, Density (g/cm3), Group, Location and any further
-  /// columns, among them MF; a row per composition, of which a species may have several.
+  /// columns, among them MF; a row per composition, of which a species may have several, the ideal
+  /// one first.
   std::string minerals;
   /// PCID, PhaseSymbol, PhaseKey, Location, then columns named like the phase fields of the element
   /// table, in per cent; a row per phase.
@@ -30,9 +31,10 @@ struct MineralDatabaseReport {
 };
 
 /// Builds the mineral database at `target`, whole or not at all; a database there is replaced. The
-/// compositions follow from the formulas: an element's share of the mass in per cent, times its
-/// factor to the field that F1ELoc names for it. What a formula lacks stays Null. Throws FileError
-/// naming file and line of what is wrong in the texts.
+/// compositions follow from the formulas: the share in per cent of an element's mass, times its
+/// factor to the field that F1ELoc names for it. What a formula lacks stays Null, and so does
+/// oxygen, which the oxides hold already. Throws FileError naming file and line of what is wrong in
+/// the texts.
 MineralDatabaseReport buildMineralDatabase(const MineralSources& sources, const Worksheet& F1ELoc,
                                            std::string_view target);
 
