@@ -120,9 +120,9 @@ INSTANTIATE_TEST_SUITE_P(
         Heading{"Zr", "Zr", "", "ppm"},
         // told by nothing: a bare ore element may be per cent or ppm, and Y may be a coordinate
         Heading{"Cu", "", "", ""}, Heading{"Y", "", "", ""}, Heading{"CO2", "CO2", "", "%"}),
-    [](const auto& info) {
-      std::string name = std::to_string(info.index) + "_";
-      for (const char* c = info.param.text; *c; ++c) {
+    [](const auto& heading) {
+      std::string name = std::to_string(heading.index) + "_";
+      for (const char* c = heading.param.text; *c; ++c) {
         name += std::isalnum(static_cast<unsigned char>(*c)) ? *c : '_';
       }
       return name;
