@@ -83,8 +83,8 @@ void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
   log.push_back("-Moving first column to ID col = 2");
   const int last = cells.LastCol();
   if (last >= widestTable) {
-    log.push_back("-Last column (" + std::to_string(last) + "=" +
-                  sheet.text(sysrow::Header, last) + ") dropped to make room for the ID column");
+    log.push_back("-Last column (" + std::to_string(last) + "=" + sheet.text(sysrow::Header, last) +
+                  ") dropped to make room for the ID column");
     cells.DeleteRange(1, last, 1, last, Shift::Columns);
   }
   cells.InsertRange(1, 1, 1, 1, Shift::Columns);

@@ -13,6 +13,12 @@
 namespace lodex {
 namespace {
 
+// A number that is no row or column of any sheet counts as absent.
+int numberWithin(const TextBox& box, int last) {
+  const int number = box.number();
+  return number > 0 && number <= last ? number : 0;
+}
+
 constexpr int pickFirstDataRow = 20;
 constexpr int pickIdColumn = 21;
 constexpr int pickMineralColumn = 22;
@@ -48,8 +54,7 @@ void DataSheetForm::connectControls() {
     lastIdColumn_ = IDColumn();
     if (!settingStructure_) CheckIDCOL(lastIdColumn_, old);
   });
-  optOrientation.onChange(
-      [this] { cmdTranspose.setVisible(optOrientation.selected() == 1); });
+  optOrientation.onChange([this] { cmdTranspose.setVisible(optOrientation.selected() == 1); });
   chkSysRows.onChange([this] {
     SheetStructure numbers = structure();
     hideSystemRows(described(numbers), chkSysRows.checked());
@@ -94,14 +99,15 @@ void DataSheetForm::connectControls() {
   }
 }
 
-// --- The numbers of the structure ------------------------------------------------------------------
+// --- The numbers of the structure
+// ------------------------------------------------------------------
 
 SheetStructure DataSheetForm::structure() const {
   SheetStructure numbers;
-  for (int i = 0; i < systemRowCount; ++i) numbers.row(i) = std::max(0, txtH(i).number());
-  numbers.firstDataRow = std::max(0, txtFDR.number());
-  numbers.idColumn = std::max(0, txtID.number());
-  numbers.mineralColumn = std::max(0, txtMinCol.number());
+  for (int i = 0; i < systemRowCount; ++i) numbers.row(i) = numberWithin(txtH(i), maxRows);
+  numbers.firstDataRow = numberWithin(txtFDR, maxRows);
+  numbers.idColumn = numberWithin(txtID, maxColumns);
+  numbers.mineralColumn = numberWithin(txtMinCol, maxColumns);
   return numbers;
 }
 
@@ -154,7 +160,8 @@ ItemSheet DataSheetForm::itemSheet() const {
   return {sheetNumber_, &F1D, SystemRows(sysrow::Element)};
 }
 
-// --- Identification --------------------------------------------------------------------------------
+// --- Identification
+// --------------------------------------------------------------------------------
 
 IdentifyRules DataSheetForm::rules() const {
   IdentifyRules rules;
@@ -289,7 +296,8 @@ void DataSheetForm::SplittaaOtsikko(bool showDialog) {
   edit([&](const DescribedSheet& sheet) { splitTitles(sheet, titleParts_); });
 }
 
-// --- Painting and editing --------------------------------------------------------------------------
+// --- Painting and editing
+// --------------------------------------------------------------------------
 
 void DataSheetForm::Varjaa(bool resetLimits) {
   SheetStructure numbers = structure();

@@ -31,8 +31,8 @@ struct ImportContext {
   std::function<void(const std::string& path)> AvaaDB{};
 
   // What the shell's check boxes say.
-  bool methodFromFileName = false;             // chkFILEISMET
-  std::string unidentifiedTable = "USERX";     // txtUnID
+  bool methodFromFileName = false;          // chkFILEISMET
+  std::string unidentifiedTable = "USERX";  // txtUnID
 };
 
 /// A window with a table and the description of its structure: what data sheets and the
@@ -59,7 +59,7 @@ class DataSheetForm : public Form {
       *this, "optOrientation", {"Horizontal (row wise)", "Vertical (column wise)"}};
   CheckBox chkSysRows{*this, "chkSysRows", "Hide system rows (except Header)"};
   Label lblStatus{*this, "lblStatus", "Not Identified"};
-  Label picLe{*this, "picLe"};  // the panel at the left
+  Label picLe{*this, "picLe"};                                      // the panel at the left
   CheckBox chkThesaurusTab{*this, "chkThesaurusTab", "Thesaurus"};  // its thesaurus tab is open
 
   Button cmdIdentify{*this, "cmdIdentify", "Identify"};
@@ -88,7 +88,7 @@ class DataSheetForm : public Form {
   int FirstDataRow() const { return structure().firstDataRow; }
   int IDColumn() const { return structure().idColumn; }
   int MineralColumn() const { return structure().mineralColumn; }
-  /// The numbers of the text boxes; what is no number or below 0 counts as 0.
+  /// The numbers of the text boxes; what is no row or column number counts as 0.
   SheetStructure structure() const;
   /// Sets all numbers at once, without the reactions to each single change.
   void setStructure(const SheetStructure& structure);

@@ -226,7 +226,9 @@ bool DataSheets::IDENTIFY(bool askLog) {
   Session& session = context_.session;
   clearSheet(F1Ref);
   if (chkUnIDToUser.checked() && txtUnID.text().empty()) txtUnID.setText("USERX");
-  const std::vector<int> selected = lstI.selectedItems();
+  // By name: events between two sheets may close one and change the list.
+  std::vector<std::string> selected;
+  for (const int item : lstI.selectedItems()) selected.push_back(lstI.item(item));
   if (selected.empty()) {
     session.dialogs().messageBox("Select data sources!");
     return false;
@@ -239,8 +241,7 @@ bool DataSheets::IDENTIFY(bool askLog) {
   request.unidentifiedToUser = chkUnIDToUser.checked();
   request.onlyNonX = chkOnlyNonX.checked();
   int step = 1;
-  for (const int item : selected) {
-    const std::string name = lstI.item(item);
+  for (const std::string& name : selected) {
     frmDataIN* sheet = find(name);
     if (sheet == nullptr) continue;
     session.pumpEvents();

@@ -6,6 +6,7 @@
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "chem/Headings.h"
+#include "import/ItemColumns.h"
 
 namespace lodex {
 namespace {
@@ -54,9 +55,10 @@ void examineHeadings(const DescribedSheet& sheet, const ThesaurusIndex& thesauru
   for (int i = sysrow::Element; i < systemRowCount; ++i) {
     if (!sheet.has(i)) sheet.addSystemRow(i, ++row);
   }
-  for (int column = 1; column <= sheet.cells.LastCol(); ++column) {
+  // Column 1 belongs to the captions.
+  for (int column = 2; column <= sheet.cells.LastCol(); ++column) {
     const std::string title = sheet.cells.TextRC(1, column);
-    if (title.empty() || title == systemRowCaption(sysrow::Header)) continue;
+    if (title.empty()) continue;
     const std::vector<int>& rules = thesaurus.rulesFor(title);
     if (!rules.empty()) {
       applyRule(thesaurus.rule(rules.front()), sheet, title, sysrow::Header, column, log);
@@ -66,7 +68,7 @@ void examineHeadings(const DescribedSheet& sheet, const ThesaurusIndex& thesauru
     std::string method;
     std::string unit;
     SplitHeading(title, element, method, unit, true);
-    if (element.empty() && converter.IsCompound(title)) element = title;
+    if (element.empty() && elementOfCell(title, converter) > 0) element = title;
     if (element.empty()) continue;
     sheet.setText(sysrow::Element, column, element);
     sheet.setText(sysrow::Unit, column, unit);

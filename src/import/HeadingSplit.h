@@ -12,8 +12,8 @@ namespace lodex {
 /// The facts that a column title may hold, in the order of the system rows from ELEMENT on. The
 /// last one, "Mineral", has no system row.
 inline constexpr std::array<std::string_view, 11> titleFacts = {
-    "Chemical element", "Method",  "Unit",       "Table",  "Field", "Type", "Length", "Digits",
-    "Indexed",          "Multiplier", "Mineral"};
+    "Chemical element", "Method", "Unit",    "Table",      "Field",  "Type",
+    "Length",           "Digits", "Indexed", "Multiplier", "Mineral"};
 inline constexpr int titleFactCount = static_cast<int>(titleFacts.size());
 
 /// How titles are built, as the split dialog reports it. Lists are separated by commas and hold one

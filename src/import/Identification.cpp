@@ -59,9 +59,8 @@ ColumnIdentification::ColumnIdentification(const DescribedSheet& sheet, Workshee
 
 void ColumnIdentification::markHit(const KnownItem& item, size_t hit, size_t hits,
                                    int column) const {
-  sheet_.setText(
-      sysrow::Identified, column,
-      "X(" + item.symbol + ")" + std::to_string(hit) + "/" + std::to_string(hits));
+  sheet_.setText(sysrow::Identified, column,
+                 "X(" + item.symbol + ")" + std::to_string(hit) + "/" + std::to_string(hits));
   if (sheet_.has(sysrow::Identified)) {
     log_.push_back("-Column identified [" + item.symbol + " (Column=" + std::to_string(column) +
                    ") = Element " + std::to_string(item.number));
@@ -107,10 +106,10 @@ void ColumnIdentification::identifyFormulaItems(bool onlyNonX) {
       if (onlyNonX && !sheet_.text(sysrow::Identified, column).empty()) continue;
       markHit(item, hit, columns.size(), column);
       sheet_.setText(sysrow::Type, column,
-                     rules_.alwaysSingle
-                         ? "SINGLE"
-                         : columnType(sheet_.cells, column, std::max(1, sheet_.structure.firstDataRow),
-                                      sheet_.cells.LastRow()));
+                     rules_.alwaysSingle ? "SINGLE"
+                                         : columnType(sheet_.cells, column,
+                                                      std::max(1, sheet_.structure.firstDataRow),
+                                                      sheet_.cells.LastRow()));
     }
   }
 }
@@ -149,8 +148,7 @@ void ColumnIdentification::addMineralFormulas(const FormulaLookup& lookup) {
 
 void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, LogLines& log) {
   if (!sheet.has(sysrow::Identified)) return;
-  const std::string table =
-      sheet.structure.mineralColumn > 0 ? "MINERAL" : rules.unidentifiedTable;
+  const std::string table = sheet.structure.mineralColumn > 0 ? "MINERAL" : rules.unidentifiedTable;
   for (int column = sheet.structure.idColumn + 1; column <= sheet.cells.LastCol(); ++column) {
     if (!sheet.text(sysrow::Identified, column).empty()) continue;
     const std::string header = sheet.text(sysrow::Header, column);

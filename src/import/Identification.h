@@ -16,7 +16,7 @@ namespace lodex {
 
 /// The steps of a run over one sheet.
 struct IdentifyRequest {
-  bool automatic = true;           // system rows, ID column, headings, thesaurus
+  bool automatic = true;  // system rows, ID column, headings, thesaurus
   bool useThesaurus = true;
   bool columns = true;             // elements and items: table, field, type
   bool unidentifiedToUser = true;  // name a table for columns that stay unidentified
@@ -25,10 +25,10 @@ struct IdentifyRequest {
 
 /// What differs between the kinds of sheets, and what the shell is set to.
 struct IdentifyRules {
-  bool defaultTables = true;    // write "ANALYSES" or "MINERAL" where a column has no table
-  bool alwaysSingle = false;    // do not look at the content of item columns
+  bool defaultTables = true;  // write "ANALYSES" or "MINERAL" where a column has no table
+  bool alwaysSingle = false;  // do not look at the content of item columns
   std::string unidentifiedTable = "USERX";
-  std::string fileMethod;       // method for columns without one; empty for none
+  std::string fileMethod;  // method for columns without one; empty for none
 };
 
 /// An entry of the periodic table and the items behind it: number and symbol.

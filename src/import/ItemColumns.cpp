@@ -53,7 +53,7 @@ bool ItemColumns(const ItemRequest& request, const std::vector<ItemSheet>& sheet
     }
     const ElementIndex index(*sheet.cells, sheet.elementRow, converter);
     static const std::vector<int> none;
-    const std::vector<int>& hits = number > 0 ? index.columnsOfElement(number)
+    const std::vector<int>& hits = number > 0                 ? index.columnsOfElement(number)
                                    : request.allowNonElements ? index.columnsOfText(request.item)
                                                               : none;
     for (const int column : hits) {

@@ -49,9 +49,9 @@ struct ItemColumn {
 };
 
 struct ItemRequest {
-  std::string item;                // "Si", "SiO2", "MF_CATIONS"
-  bool allowNonElements = false;   // look for the text itself when it names no element
-  std::vector<int> wantedSheets;   // only these numbers; empty for all
+  std::string item;               // "Si", "SiO2", "MF_CATIONS"
+  bool allowNonElements = false;  // look for the text itself when it names no element
+  std::vector<int> wantedSheets;  // only these numbers; empty for all
 };
 
 /// The columns that hold an item, sheet by sheet. True when there is at least one.

@@ -15,8 +15,7 @@ constexpr int lightRed = 12;
 constexpr int white = 15;
 
 bool isPlain(const CellFormat& format) {
-  return format.pattern == FillPattern::None && !format.bold &&
-         format.fontColor == automaticColor;
+  return format.pattern == FillPattern::None && !format.bold && format.fontColor == automaticColor;
 }
 
 void makePlain(CellFormat& format) {
@@ -50,7 +49,8 @@ void clearPaint(Worksheet& sheet) {
 void takeBackHeadings(Worksheet& sheet) {
   constexpr int headingsBeyond = 100;  // rows may have been deleted since they were labelled
   constexpr int lastLettered = 256;
-  const int lastColumn = std::min(maxColumns, std::max(sheet.LastCol() + headingsBeyond, lastLettered));
+  const int lastColumn =
+      std::min(maxColumns, std::max(sheet.LastCol() + headingsBeyond, lastLettered));
   for (int column = 1; column <= lastColumn; ++column) {
     if (!sheet.ColText(column).starts_with('-')) continue;
     sheet.ColText(column, column <= lastLettered ? columnLetters(column) : std::string());

@@ -12,7 +12,18 @@ namespace lodex {
 /// each column is.
 namespace sysrow {
 enum Index {
-  Header, Element, Method, Unit, Table, Field, Type, Length, Digits, Indexed, Multiplier, Identified
+  Header,
+  Element,
+  Method,
+  Unit,
+  Table,
+  Field,
+  Type,
+  Length,
+  Digits,
+  Indexed,
+  Multiplier,
+  Identified
 };
 }
 inline constexpr int systemRowCount = 12;

@@ -35,8 +35,9 @@ void applyRule(const ThesaurusRule& rule, const DescribedSheet& sheet, const std
     if (text.empty() || !sheet.has(target)) continue;
     const std::string replacement = text == "-" ? std::string() : text;
     log.push_back("-Thesaurus replacement [" + found + " found on " +
-                  place(sheet.structure.row(foundIn)) + " -> " + place(sheet.structure.row(target)) +
-                  "] : " + sheet.text(target, column) + "=" + replacement);
+                  place(sheet.structure.row(foundIn)) + " -> " +
+                  place(sheet.structure.row(target)) + "] : " + sheet.text(target, column) + "=" +
+                  replacement);
     sheet.setText(target, column, replacement);
   }
 }

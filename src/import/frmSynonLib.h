@@ -13,8 +13,8 @@ namespace lodex {
 /// Headings of a thesaurus file. The last two name other system rows than the ones they feed;
 /// files are written so.
 inline constexpr std::array<std::string_view, 11> thesaurusHeadings = {
-    "Value", "In", "Header", "Element", "Method", "Unit", "Table", "Field", "Type", "Digits",
-    "Multiplied"};
+    "Value", "In",    "Header", "Element", "Method",    "Unit",
+    "Table", "Field", "Type",   "Digits",  "Multiplied"};
 
 /// The editor of the thesaurus: a table of rules that say, for a text in a system row of a data
 /// sheet, what to put into the other system rows of that column.

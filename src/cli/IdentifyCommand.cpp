@@ -1,0 +1,225 @@
+// lodex identify: what foreign tables hold.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <ostream>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Text.h"
+#include "chem/ReferenceTables.h"
+#include "cli/CliSession.h"
+#include "import/DataSheets.h"
+#include "worksheet/A1.h"
+
+namespace lodex {
+namespace {
+
+struct IdentifyOptions {
+  std::vector<std::string> files;
+  std::string out;
+  std::string thesaurus;
+  bool noThesaurus = false;
+  bool methodFromFile = false;
+  bool showLog = false;
+};
+
+FileType kindOf(const std::string& path) {
+  const std::string ending = extensionOf(path);
+  if (ending == "txt" || ending == "tsv") return FileType::Text;
+  if (ending == "xls") return FileType::Excel;
+  if (ending == "xlsx") return FileType::Xlsx;
+  throw Error(path + ": save as .txt, .xls or .xlsx");
+}
+
+std::string thesaurusPath(const IdentifyOptions& options, const SessionRecord& record) {
+  if (!options.thesaurus.empty()) return options.thesaurus;
+  if (!record.ThesaurusFile.empty()) return record.ThesaurusFile;
+  for (const char* name : {"\\ini\\SynonLib.txt", "\\ini\\DefSynonLib.txt"}) {
+    if (FileExists(record.GeoPath + name)) return record.GeoPath + name;
+  }
+  return {};
+}
+
+// --- The table of columns
+// ---------------------------------------------------------------------------
+
+using TableRow = std::vector<std::string>;
+
+void printTable(std::ostream& out, const std::vector<TableRow>& rows) {
+  std::vector<size_t> widths(rows.front().size());
+  for (const TableRow& row : rows) {
+    for (size_t i = 0; i < row.size(); ++i) {
+      widths[i] = std::max(widths[i], characterCount(row[i]));
+    }
+  }
+  for (const TableRow& row : rows) {
+    std::string line;
+    for (size_t i = 0; i < row.size(); ++i) {
+      line += row[i] + std::string(widths[i] - characterCount(row[i]) + 2, ' ');
+    }
+    out << trimBlanksRight(line) << '\n';
+  }
+}
+
+void printSheet(std::ostream& out, frmDataIN& sheet) {
+  constexpr std::array<int, 8> shownRows = {sysrow::Header, sysrow::Element,   sysrow::Method,
+                                            sysrow::Unit,   sysrow::Table,     sysrow::Field,
+                                            sysrow::Type,   sysrow::Identified};
+  SheetStructure structure = sheet.structure();
+  const DescribedSheet described{sheet.F1D, structure};
+  const int dataRows = std::max(0, sheet.F1D.LastRow() - structure.firstDataRow + 1);
+  out << "Sheet " << sheet.caption() << ": " << dataRows << " data rows, first data row "
+      << structure.firstDataRow << ", ID column "
+      << (structure.idColumn > 0 ? columnLetters(structure.idColumn) : "none");
+  if (structure.mineralColumn > 0) {
+    out << ", mineral column " << columnLetters(structure.mineralColumn);
+  }
+  out << "\n\n";
+  std::vector<TableRow> rows = {{"Column"}};
+  for (const int row : shownRows) {
+    std::string title(systemRowCaption(row));
+    rows[0].push_back(title.substr(0, 1) + toLower(title.substr(1)));
+  }
+  rows[0].back() = "Mark";
+  for (int column = std::max(1, structure.idColumn); column <= sheet.F1D.LastCol(); ++column) {
+    rows.push_back({columnLetters(column)});
+    for (const int row : shownRows) rows.back().push_back(described.text(row, column));
+  }
+  printTable(out, rows);
+  out << '\n';
+}
+
+// --- Saving
+// -----------------------------------------------------------------------------------------
+
+// A name that spreadsheet files accept: at most 31 characters without []:*?/\, and none twice.
+std::string freeSheetName(const Worksheet& book, int sheet, const std::string& caption) {
+  constexpr size_t longest = 31;
+  std::u32string name = decodeUtf8(caption);
+  for (char32_t& c : name) {
+    if (std::u32string_view(U"[]:*?/\\").find(c) != std::u32string_view::npos) c = U'_';
+  }
+  if (name.empty()) name = U"Sheet";
+  for (int number = 1;; ++number) {
+    const std::u32string tail =
+        number == 1 ? std::u32string() : decodeUtf8("_" + std::to_string(number));
+    const std::string candidate = encodeUtf8(name.substr(0, longest - tail.size()) + tail);
+    const int holder = book.SheetNumber(candidate);
+    if (holder == 0 || holder == sheet) return candidate;
+  }
+}
+
+void saveSheets(DataSheets& sheets, const std::string& path, FileType kind) {
+  if (kind == FileType::Text) {
+    if (sheets.DataSheetCount() > 1) {
+      throw Error(path + ": a text file holds one sheet; save " +
+                  std::to_string(sheets.DataSheetCount()) + " sheets as .xls or .xlsx");
+    }
+    sheets.sheet(1).F1D.Write(path, kind);
+    return;
+  }
+  Worksheet book;
+  book.dates1904(sheets.sheet(1).F1D.dates1904());
+  for (int number = 1; number <= sheets.DataSheetCount(); ++number) {
+    const Worksheet& from = sheets.sheet(number).F1D;
+    if (number > 1) book.InsertSheets(number, 1);
+    book.SheetName(number, freeSheetName(book, number, sheets.sheet(number).caption()));
+    book.Sheet(number);
+    if (from.LastRow() > 0) {
+      book.CopyRange(1, 1, from.LastRow(), from.LastCol(), from, 1, 1, from.LastRow(),
+                     from.LastCol());
+    }
+    book.FixedRows(from.FixedRows());
+  }
+  book.Sheet(1);
+  book.Write(path, kind);
+}
+
+// --- The command
+// ------------------------------------------------------------------------------------
+
+void loadThesaurus(const IdentifyOptions& options, const SessionRecord& record,
+                   frmSynonLib& thesaurus, std::ostream& err) {
+  if (options.noThesaurus) return;
+  const std::string path = thesaurusPath(options, record);
+  if (path.empty()) {
+    err << "lodex: there is no thesaurus; only headings with a unit are understood\n";
+    return;
+  }
+  thesaurus.Aukaise(path);
+}
+
+// Opens one file after the other; returns how many could not be opened.
+int openFiles(DataSheets& sheets, const std::vector<std::string>& files, std::ostream& err) {
+  int failed = 0;
+  for (const std::string& file : files) {
+    try {
+      sheets.openSources({file});
+    } catch (const Error& failure) {
+      err << "lodex: " << failure.what() << '\n';
+      ++failed;
+    }
+  }
+  return failed;
+}
+
+void runIdentify(const IdentifyOptions& options, CommandContext& context) {
+  const FileType kind = options.out.empty() ? FileType::Unknown : kindOf(options.out);
+  CliSession console(context);
+  Session& session = console.session();
+  taulukot tables;
+  tables.load(session.record.GeoPath + "\\reference");
+  frmSynonLib thesaurus(session);
+  loadThesaurus(options, session.record, thesaurus, context.err);
+  ImportContext import{session, tables, thesaurus};
+  Form shell("MDIMain");
+  DataSheets sheets(shell, import);
+  sheets.chkUseThes.setChecked(!options.noThesaurus);
+  sheets.chkFILEISMET.setChecked(options.methodFromFile);
+  sheets.chkUnIDToUser.setChecked(true);
+
+  const int failed = openFiles(sheets, options.files, context.err);
+  for (const std::string& line : split(session.log.txtLog.text(), "\r\n")) {
+    if (!line.empty()) context.err << line << '\n';
+  }
+  if (sheets.DataSheetCount() > 0) {
+    sheets.lstI.selectAll(true);
+    sheets.IDENTIFY(false);
+    for (int number = 1; number <= sheets.DataSheetCount(); ++number) {
+      printSheet(context.out, sheets.sheet(number));
+    }
+    if (options.showLog) {
+      context.out << "Log\n\n" << replaceAll(session.log.txtLog.text(), "\r\n", "\n") << '\n';
+    }
+    for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
+      if (!line.empty()) context.err << "lodex: " << line << '\n';
+    }
+    if (!options.out.empty()) saveSheets(sheets, options.out, kind);
+  }
+  if (failed > 0) {
+    throw Error(std::to_string(failed) + " of " + std::to_string(options.files.size()) +
+                " files could not be opened");
+  }
+}
+
+}  // namespace
+
+void addIdentifyCommand(CLI::App& app, CommandContext& context) {
+  auto options = std::make_shared<IdentifyOptions>();
+  CLI::App* command =
+      app.add_subcommand("identify", "Find out what the columns of analysis files are");
+  command->add_option("files", options->files, "workbooks and text files")->required();
+  command->add_option("--out", options->out,
+                      "save the described sheets (.txt for one sheet, .xls, .xlsx)");
+  auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");
+  command->add_flag("--no-thesaurus", options->noThesaurus, "understand only headings with a unit")
+      ->excludes(thesaurus);
+  command->add_flag("--method-from-file", options->methodFromFile,
+                    "the name of the file is the method of columns without one");
+  command->add_flag("--log", options->showLog, "print the log of the identification");
+  command->callback([options, &context] { runIdentify(*options, context); });
+}
+
+}  // namespace lodex
