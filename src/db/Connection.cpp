@@ -109,6 +109,10 @@ std::unique_ptr<Recordset> Connection::OpenRecordset(std::string_view sql, Curso
   return std::make_unique<Recordset>(driver().query(sql, parameters), cursor);
 }
 
+std::unique_ptr<Recordset> Connection::OpenSchema(SchemaKind kind) {
+  return std::make_unique<Recordset>(driver().schema(kind), CursorKind::Client);
+}
+
 void Connection::BeginTrans() {
   driver().begin();
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "db/FieldTypes.h"
+#include "db/Schema.h"
 
 namespace lodex {
 
@@ -54,6 +55,9 @@ class Connection {
   std::unique_ptr<Recordset> OpenRecordset(std::string_view sql,
                                            CursorKind cursor = CursorKind::Client,
                                            const std::vector<FieldValue>& parameters = {});
+
+  /// The structure of the database, as a recordset with a client cursor.
+  std::unique_ptr<Recordset> OpenSchema(SchemaKind kind);
 
   void BeginTrans();
   void CommitTrans();

@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "db/FieldTypes.h"
+#include "db/Schema.h"
 
 namespace lodex {
 
@@ -21,6 +23,24 @@ class RowSource {
   virtual bool next(Row& row) = 0;
 };
 
+/// Records that stand in memory already.
+class StoredRows : public RowSource {
+ public:
+  StoredRows(std::vector<Field> fields, std::vector<Row> rows)
+      : fields_(std::move(fields)), rows_(std::move(rows)) {}
+  const std::vector<Field>& fields() const override { return fields_; }
+  bool next(Row& row) override {
+    if (at_ == rows_.size()) return false;
+    row = std::move(rows_[at_++]);
+    return true;
+  }
+
+ private:
+  std::vector<Field> fields_;
+  std::vector<Row> rows_;
+  size_t at_ = 0;
+};
+
 /// An open database of one kind. Every function throws Error with a number of db/Errors.h and a
 /// text that a user can act on.
 class Driver {
@@ -31,6 +51,8 @@ class Driver {
   /// records that it changed.
   virtual std::int64_t execute(std::string_view sql, const Row& parameters) = 0;
   virtual std::unique_ptr<RowSource> query(std::string_view sql, const Row& parameters) = 0;
+
+  virtual std::unique_ptr<RowSource> schema(SchemaKind kind) = 0;
 
   virtual void begin() = 0;
   virtual void commit() = 0;

@@ -92,7 +92,8 @@ class TableWriter {
 };
 
 FieldValue textOrNull(const std::string& text) {
-  return text.empty() ? FieldValue() : FieldValue(text);
+  if (text.empty()) return {};
+  return text;
 }
 
 int requireId(const TabbedText& text, int record, int column, int least) {
@@ -257,8 +258,9 @@ void Builder::addMinerals(const TabbedText& text) {
     for (const int column : extra) row.push_back(textOrNull(text.cell(r, column)));
     const auto content = composition(text, r, elements);
     for (const auto& field : fields_.mineralFields) {
-      const auto found = content.find(field);
-      row.push_back(found == content.end() ? FieldValue() : FieldValue(found->second));
+      row.emplace_back();
+      if (const auto found = content.find(field); found != content.end())
+        row.back() = found->second;
     }
     writer.write(row);
     ++report.compositions;
@@ -329,7 +331,7 @@ void Builder::addPhases(const TabbedText& text) {
       const int source = text.column(columns[c].name);
       if (columns[c].type == "DOUBLE") {
         // An element may come as its oxide, which weighs up to nine times as much.
-        row.push_back(source < 0 ? FieldValue() : numberOrNull(text, r, source, 1000));
+        row.push_back(numberOrNull(text, r, source, 1000));
       } else {
         row.push_back(textOrNull(text.cell(r, source)));
       }

@@ -199,6 +199,41 @@ TEST_F(ConnectionTest, ForwardOnlyRecordsPassOnce) {
   EXPECT_THROW(records->Filter("a = 1"), Error);
 }
 
+TEST_F(ConnectionTest, SchemaTellsTablesColumnsAndKeys) {
+  auto connection = makeDatabase("schema.mdb");
+  EXPECT_EQ(connection.OpenSchema(SchemaKind::Tables)->RecordCount(), 0);
+  connection.Execute("CREATE TABLE [b %] (y MEMO TEXT NOT NULL, x TEXT(30), PRIMARY KEY (x, y))");
+  connection.Execute("CREATE TABLE [A] (k LONG INT, [v \"q\"] SINGLE REAL)");
+  connection.Execute("CREATE UNIQUE INDEX [A k] ON [A] (k)");
+  connection.Execute("CREATE VIEW [f_Rock] AS SELECT k AS n FROM [A]");
+  connection.Execute("CREATE TABLE gone (x TEXT)");
+  connection.Execute("CREATE VIEW [f_Broken] AS SELECT x FROM gone");
+  connection.Execute("DROP TABLE gone");
+
+  const auto listing = [&](SchemaKind kind) {
+    std::string text;
+    auto records = connection.OpenSchema(kind);
+    for (; !records->Eof(); records->MoveNext()) {
+      for (size_t i = 0; i < records->Fields().size(); ++i) {
+        text += (i ? "|" : "") + records->Text(static_cast<int>(i));
+      }
+      text += '\n';
+    }
+    return text;
+  };
+  EXPECT_EQ(listing(SchemaKind::Tables), "A|TABLE\nb %|TABLE\nf_Broken|VIEW\nf_Rock|VIEW\n");
+  EXPECT_EQ(listing(SchemaKind::Columns),
+            "A|k|1|3||True\n"
+            "A|v \"q\"|2|4||True\n"
+            "b %|y|1|203||False\n"
+            "b %|x|2|202|30|True\n"
+            "f_Rock|n|1|3||True\n");
+  EXPECT_EQ(listing(SchemaKind::Indexes),
+            "A|A k|False|True|1|k\n"
+            "b %|PrimaryKey|True|True|1|x\n"
+            "b %|PrimaryKey|True|True|2|y\n");
+}
+
 TEST_F(ConnectionTest, MineralFormulasAreFoundByName) {
   auto connection = makeDatabase("m.mdb");
   connection.Execute("CREATE TABLE Minerals (ID LONG INT, Mineral TEXT, MF TEXT, MF2 TEXT)");

@@ -11,38 +11,25 @@ namespace {
 
 using testing::HasSubstr;
 
-// Rows from memory, as a driver would deliver them.
-class MemoryRows : public RowSource {
- public:
-  const std::vector<Field>& fields() const override { return fields_; }
-  bool next(Row& row) override {
-    if (at_ == rows_.size()) return false;
-    row = rows_[at_++];
-    return true;
-  }
-
- private:
-  std::vector<Field> fields_{{"ID", {FieldCode::Integer, 0}, ""},
-                             {"Mineral", {FieldCode::VarText, 50}, ""},
-                             {"Cu %", {FieldCode::Double, 0}, ""},
-                             {"Code", {FieldCode::VarText, 10}, ""},
-                             {"Opaque", {FieldCode::Boolean, 0}, ""}};
-  std::vector<Row> rows_{{1, "Pyrite", {}, "007", -1},
-                         {2, "Chalcopyrite", 34.63, "7", -1},
-                         {3, "O'Brien", 0.5, "A*b", 0},
-                         {4, "Åkermanite", {}, {}, 0},
-                         {5, "pyrrhotite", 0.0, "12", -1}};
-  size_t at_ = 0;
-};
+Recordset makeRecords() {
+  return Recordset(
+      std::make_unique<StoredRows>(std::vector<Field>{{"ID", {FieldCode::Integer, 0}, ""},
+                                                      {"Mineral", {FieldCode::VarText, 50}, ""},
+                                                      {"Cu %", {FieldCode::Double, 0}, ""},
+                                                      {"Code", {FieldCode::VarText, 10}, ""},
+                                                      {"Opaque", {FieldCode::Boolean, 0}, ""}},
+                                   std::vector<Row>{{1, "Pyrite", {}, "007", -1},
+                                                    {2, "Chalcopyrite", 34.63, "7", -1},
+                                                    {3, "O'Brien", 0.5, "A*b", 0},
+                                                    {4, "Åkermanite", {}, {}, 0},
+                                                    {5, "pyrrhotite", 0.0, "12", -1}}),
+      CursorKind::Client);
+}
 
 std::string idsOf(Recordset& records) {
   std::string ids;
   for (; !records.Eof(); records.MoveNext()) ids += records.Text("id");
   return ids;
-}
-
-Recordset makeRecords() {
-  return Recordset(std::make_unique<MemoryRows>(), CursorKind::Client);
 }
 
 TEST(Filter, SelectsRecords) {

@@ -11,6 +11,7 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
+#include "db/drivers/sqlite/SqliteSchema.h"
 
 namespace lodex {
 
@@ -31,8 +32,13 @@ struct Database {
   ~Database() { sqlite3_close_v2(handle); }
 };
 
+// Other programs may have written texts in their own encoding, and damaged files hold anything.
+std::string validText(std::string_view text) {
+  return isValidUtf8(text) ? std::string(text) : fromWindows1252(text);
+}
+
 [[noreturn]] void failWith(const Database& database, int code, std::string_view sql) {
-  const std::string reason = database.handle ? sqlite3_errmsg(database.handle) : "";
+  const std::string reason = database.handle ? validText(sqlite3_errmsg(database.handle)) : "";
   const std::string name = "Database " + database.path;
   switch (code & 0xFF) {
     case SQLITE_BUSY:
@@ -160,9 +166,7 @@ FieldValue columnValue(sqlite3_stmt* statement, int column) {
     case SQLITE_TEXT: {
       const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
       const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, column));
-      const std::string_view text(bytes ? bytes : "", bytes ? size : 0);
-      // Other programs may have written texts in their own encoding.
-      return isValidUtf8(text) ? std::string(text) : fromWindows1252(text);
+      return validText(std::string_view(bytes ? bytes : "", bytes ? size : 0));
     }
     case SQLITE_BLOB:
       return hexText(static_cast<const unsigned char*>(sqlite3_column_blob(statement, column)),
@@ -198,7 +202,7 @@ class SqliteRows : public RowSource {
     sqlite3_stmt* statement = statement_.handle();
     const char* name = sqlite3_column_name(statement, column);
     const char* declared = sqlite3_column_decltype(statement, column);
-    Field field{name ? name : "", {}, declared ? declared : ""};
+    Field field{validText(name ? name : ""), {}, declared ? declared : ""};
     if (declared) {
       field.type = parseFieldType(declared);
     } else if (hasRecord_) {
@@ -229,6 +233,10 @@ class SqliteDriver : public Driver {
 
   std::unique_ptr<RowSource> query(std::string_view sql, const Row& parameters) override {
     return std::make_unique<SqliteRows>(database_, sql, parameters);
+  }
+
+  std::unique_ptr<RowSource> schema(SchemaKind kind) override {
+    return readSqliteSchema(*this, kind);
   }
 
   // The lock is taken at once: a unit of work then fails at its start and not half-way.

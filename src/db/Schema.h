@@ -1,0 +1,15 @@
+#pragma once
+
+namespace lodex {
+
+/// Questions about a database's structure, with the numbers that callers use. Each gives a
+/// recordset, ordered by table name without regard to case, with the fields
+///   Columns: TABLE_NAME, COLUMN_NAME, ORDINAL_POSITION (from 1), DATA_TYPE (a FieldCode),
+///            CHARACTER_MAXIMUM_LENGTH (Null for no limit), IS_NULLABLE; views included,
+///   Indexes: TABLE_NAME, INDEX_NAME, PRIMARY_KEY, UNIQUE, ORDINAL_POSITION (from 1),
+///            COLUMN_NAME; the primary key's columns in their order in the key,
+///   Tables:  TABLE_NAME, TABLE_TYPE ("TABLE" or "VIEW").
+/// What the database keeps for itself is left out.
+enum class SchemaKind { Columns = 4, Indexes = 12, Tables = 20 };
+
+}  // namespace lodex
