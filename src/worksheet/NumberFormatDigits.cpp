@@ -192,20 +192,27 @@ std::string scientificText(Decimal number, const Section& section) {
          wholeText(tokens, mark + 1, tokens.size(), std::to_string(std::abs(power)), false);
 }
 
-// The fraction nearest to a number from 0 to 1 with a denominator up to `largest`.
-std::pair<long, long> nearestFraction(double number, long largest) {
-  std::pair<long, long> best{std::lround(number), 1};
-  double error = std::abs(number - static_cast<double>(best.first));
-  for (long denominator = 2; denominator <= largest && error > 1e-12; ++denominator) {
-    const long numerator = std::lround(number * static_cast<double>(denominator));
-    const double off =
-        std::abs(number - static_cast<double>(numerator) / static_cast<double>(denominator));
-    if (off < error - 1e-12) {
-      best = {numerator, denominator};
-      error = off;
-    }
+// The last convergent of the continued fraction of a number from 0 to 1 whose denominator is not
+// above `largest`: what spreadsheet programs show, though a nearer fraction may exist.
+std::pair<long, long> shownFraction(double number, long largest) {
+  long numerator = 0, denominator = 1;
+  long beforeNumerator = 1, beforeDenominator = 0;
+  double rest = number;
+  while (rest > 1e-10) {
+    const double inverse = 1 / rest;
+    const double term = std::floor(inverse + 1e-9);
+    if (term > static_cast<double>(largest)) break;
+    const long step = static_cast<long>(term);
+    const long nextDenominator = step * denominator + beforeDenominator;
+    if (nextDenominator > largest) break;
+    const long nextNumerator = step * numerator + beforeNumerator;
+    beforeNumerator = std::exchange(numerator, nextNumerator);
+    beforeDenominator = std::exchange(denominator, nextDenominator);
+    rest = inverse - term;
   }
-  return best;
+  // Too small for any term, or nearer to one than to what was found.
+  if (denominator == 1 && number >= 0.5) return {1, 1};
+  return {numerator, denominator};
 }
 
 std::string fractionFormText(double number, const Section& section) {
@@ -230,7 +237,7 @@ std::string fractionFormText(double number, const Section& section) {
   } else {
     const int digits = std::clamp(static_cast<int>(end - slash) - 1, 1, 4);
     const double rest = number - whole - (mixed ? 0 : std::floor(number));
-    std::tie(numerator, denominator) = nearestFraction(rest, std::lround(std::pow(10, digits)) - 1);
+    std::tie(numerator, denominator) = shownFraction(rest, std::lround(std::pow(10, digits)) - 1);
     if (!mixed) numerator += std::lround(std::floor(number)) * denominator;
   }
   if (mixed && numerator == denominator) {

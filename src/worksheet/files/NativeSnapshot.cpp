@@ -234,6 +234,17 @@ std::vector<DefinedName> getNames(SnapshotReader& in) {
   return names;
 }
 
+// How a cell is stored. Of an array formula's block the first cell holds the formula and the size;
+// it comes before the block's other cells.
+enum class CellContent : std::uint8_t { Plain, Formula, Array, ArrayPart };
+
+CellContent contentOf(const Cell& cell, int row, int column) {
+  if (cell.kind != ValueKind::Formula) return CellContent::Plain;
+  const auto& block = cell.formula->array;
+  if (!block) return CellContent::Formula;
+  return block->row == row && block->column == column ? CellContent::Array : CellContent::ArrayPart;
+}
+
 void putCells(SnapshotWriter& out, const CellStore& cells) {
   std::uint64_t count = 0;
   cells.forEach([&](int, int, const Cell&) { ++count; });
@@ -242,9 +253,15 @@ void putCells(SnapshotWriter& out, const CellStore& cells) {
     out.put(static_cast<std::int32_t>(row));
     out.put(static_cast<std::int32_t>(column));
     out.put(cell.format);
-    const bool isFormula = cell.kind == ValueKind::Formula;
-    out.put(static_cast<std::uint8_t>(isFormula));
-    if (isFormula) out.putText(cell.formula->text);
+    const CellContent content = contentOf(cell, row, column);
+    out.put(content);
+    if (content == CellContent::Formula || content == CellContent::Array) {
+      out.putText(cell.formula->text);
+    }
+    if (content == CellContent::Array) {
+      out.put(static_cast<std::int32_t>(cell.formula->array->rows));
+      out.put(static_cast<std::int32_t>(cell.formula->array->columns));
+    }
     out.putValue(CellStore::valueOf(cell));
   });
 }
@@ -257,11 +274,20 @@ void getCells(SnapshotReader& in, Worksheet& book, int sheet, std::uint32_t form
     const int column = in.getNumber(1, maxColumns);
     const auto format = in.get<std::uint32_t>();
     if (format >= formatCount) SnapshotReader::fail();
-    if (in.getFlag()) {
+    const auto content = in.getEnum(CellContent::ArrayPart);
+    if (content == CellContent::Plain) {
+      cells.set(row, column, in.getValue());
+    } else if (content == CellContent::Formula) {
       const std::string_view formula = in.getText();
       book.setFormulaWithValue(sheet, row, column, formula, in.getValue());
     } else {
-      cells.set(row, column, in.getValue());
+      if (content == CellContent::Array) {
+        const std::string_view formula = in.getText();
+        const int rows = in.getNumber(1, maxRows - row + 1);
+        const int columns = in.getNumber(1, maxColumns - column + 1);
+        book.setArrayFormula(sheet, row, column, row + rows - 1, column + columns - 1, formula);
+      }
+      book.setCachedValue(sheet, row, column, in.getValue());
     }
     cells.setFormat(row, column, format);
   }

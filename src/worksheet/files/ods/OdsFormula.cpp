@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "basic/Text.h"
 #include "worksheet/files/ods/OdsParts.h"
 
 namespace lodex {
@@ -67,7 +68,7 @@ std::string odsFormula(std::string_view text) {
     }
     pos = end;
   }
-  return out;
+  return replaceAll(out, "COM.MICROSOFT.", "");
 }
 
 }  // namespace lodex

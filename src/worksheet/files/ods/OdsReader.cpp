@@ -111,6 +111,7 @@ class ContentHandler : public XmlHandler {
     Value value;
     std::string formula;
     std::string style;
+    int blockRows = 0, blockColumns = 0;  // of an array formula
   };
 
   void outsideTables(std::string_view element, const XmlAttributes& attributes) {
@@ -164,13 +165,16 @@ class ContentHandler : public XmlHandler {
     inCell_ = true;
     cell_ = PendingCell();
     cell_.column = column_;
-    cell_.count = std::min(repeats(attributes, "number-columns-repeated"), maxColumns);
+    cell_.count = std::min(repeats(attributes, "number-columns-repeated"), maxColumns + 1);
     cell_.style = attributes("style-name");
     cell_.formula = odsFormula(attributes("formula"));
+    cell_.blockRows = attributes.number("number-matrix-rows-spanned", 0);
+    cell_.blockColumns = attributes.number("number-matrix-columns-spanned", 0);
     type_ = attributes.prefixed("office", "value-type");
     isError_ = attributes.prefixed("calcext", "value-type") == "error";
-    hasStringValue_ = attributes.has("string-value");
-    text_ = attributes("string-value");
+    // The text of an error stands in its paragraph alone.
+    hasStringValue_ = !isError_ && attributes.has("string-value");
+    text_ = hasStringValue_ ? attributes("string-value") : std::string_view();
     paragraphs_ = 0;
     if (type_ == "date") {
       const auto serial = serialOfIsoDate(attributes("date-value"), book_.dates1904());
@@ -242,7 +246,13 @@ class ContentHandler : public XmlHandler {
     const std::uint32_t format = formatIndex(cell.style);
     CellStore& cells = book_.cellsForReader(sheet_);
     for (int column = cell.column; column < cell.column + cell.count; ++column) {
-      if (cell.formula.empty()) {
+      if (cell.blockRows > 0 && cell.blockColumns > 0) {
+        book_.setArrayFormula(sheet_, row, column, std::min(maxRows, row + cell.blockRows - 1),
+                              std::min(maxColumns, column + cell.blockColumns - 1), cell.formula);
+        book_.setCachedValue(sheet_, row, column, cell.value);
+      } else if (cell.formula.empty() && cells.at(row, column).kind == ValueKind::Formula) {
+        book_.setCachedValue(sheet_, row, column, cell.value);
+      } else if (cell.formula.empty()) {
         cells.set(row, column, cell.value);
       } else {
         book_.setFormulaWithValue(sheet_, row, column, cell.formula, cell.value);

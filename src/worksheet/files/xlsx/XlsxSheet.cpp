@@ -95,6 +95,7 @@ class SheetHandler : public XmlHandler {
   void startFormula(const XmlAttributes& attributes) {
     formulaKind_ = attributes("t", "normal");
     sharedId_ = attributes.number("si", -1);
+    block_ = formulaKind_ == "array" ? attributes("ref") : std::string_view();
     hasFormula_ = formulaKind_ != "dataTable";
     collect_ = &formula_;
   }
@@ -109,7 +110,10 @@ class SheetHandler : public XmlHandler {
     if (value_.empty()) return {};
     ErrorCode code = ErrorCode::Value;
     if (type_ == "str") {
-      return errorFromText(value_, code) ? Value::error(code) : Value::text(xlsxText(value_));
+      // Some writers give the truth values and errors of formulas as texts.
+      if (errorFromText(value_, code)) return Value::error(code);
+      if (value_ == "TRUE" || value_ == "FALSE") return Value::boolean(value_ == "TRUE");
+      return Value::text(xlsxText(value_));
     }
     if (type_ == "b") return Value::boolean(value_ == "1" || value_ == "true");
     if (type_ == "e") {
@@ -145,14 +149,33 @@ class SheetHandler : public XmlHandler {
     if (errorFromText(formula, error)) {
       // How some writers store a plain error value.
       cells_.set(row_, column_, Value::error(error));
+    } else if (formula.empty() && cells_.at(row_, column_).kind == ValueKind::Formula) {
+      // A cell of an array formula's block, which the block's first cell has filled.
+      book_.setCachedValue(sheet_, row_, column_, cachedValue());
     } else if (formula.empty()) {
       cells_.set(row_, column_, cachedValue());
+    } else if (formulaKind_ == "array") {
+      setArray(formula);
     } else {
       book_.setFormulaWithValue(sheet_, row_, column_, formula, cachedValue());
     }
     if (style_ >= 0 && static_cast<size_t>(style_) < styles_.size()) {
       cells_.setFormat(row_, column_, styles_[static_cast<size_t>(style_)]);
     }
+  }
+
+  void setArray(const std::string& formula) {
+    const size_t colon = block_.find(':');
+    int lastRow = row_;
+    int lastColumn = column_;
+    const bool several =
+        colon != std::string::npos &&
+        parseCellAddress(std::string_view(block_).substr(colon + 1), lastRow, lastColumn);
+    if (several && (lastRow < row_ || lastColumn < column_)) {
+      throw FileError("a sheet has an array formula over " + block_);
+    }
+    book_.setArrayFormula(sheet_, row_, column_, lastRow, lastColumn, formula);
+    book_.setCachedValue(sheet_, row_, column_, cachedValue());
   }
 
   void columns(const XmlAttributes& attributes) {
@@ -196,7 +219,7 @@ class SheetHandler : public XmlHandler {
   bool inCell_ = false;
   bool inPhonetic_ = false;
   bool hasFormula_ = false;
-  std::string type_, value_, inlineText_, formula_, formulaKind_;
+  std::string type_, value_, inlineText_, formula_, formulaKind_, block_;
   int sharedId_ = -1;
   std::string* collect_ = nullptr;  // where the text of the open element goes
   std::unordered_map<int, SharedFormula> shared_;

@@ -200,7 +200,8 @@ class Writer {
         failed = writeError(out, r, c, cell.error, format);
         break;
       case ValueKind::Formula:
-        failed = writeFormula(out, r, c, cell, format);
+        failed = cell.formula->array ? writeArrayCell(out, row, column, cell, format)
+                                     : writeFormula(out, r, c, cell, format);
         break;
       default:
         failed = writeTextCell(out, r, c, cell);
@@ -229,6 +230,25 @@ class Writer {
                                          fileNumber(cached.asNumber(), cell.format));
     }
     return worksheet_write_formula_str(out, r, c, formula.c_str(), format, cached.asText().c_str());
+  }
+
+  // The first cell of a block carries the formula, the others only their values.
+  lxw_error writeArrayCell(lxw_worksheet* out, int row, int column, const Cell& cell,
+                           lxw_format* format) {
+    const ArrayBlock& block = *cell.formula->array;
+    const auto r = static_cast<lxw_row_t>(row - 1);
+    const auto c = static_cast<lxw_col_t>(column - 1);
+    const Value& cached = cell.formula->cached;
+    if (row != block.row || column != block.column) {
+      if (cached.isNumber()) return worksheet_write_number(out, r, c, cached.asNumber(), format);
+      if (cached.isBoolean()) return worksheet_write_boolean(out, r, c, cached.asBoolean(), format);
+      return worksheet_write_string(out, r, c, cached.asText().c_str(), format);
+    }
+    const std::string formula = "{=" + xlsxFileFormula(cell.formula->text) + "}";
+    return worksheet_write_array_formula_num(
+        out, r, c, static_cast<lxw_row_t>(row + block.rows - 2),
+        static_cast<lxw_col_t>(column + block.columns - 2), formula.c_str(), format,
+        cached.isNumber() ? cached.asNumber() : 0);
   }
 
   lxw_error writeTextCell(lxw_worksheet* out, lxw_row_t r, lxw_col_t c, const Cell& cell) {
