@@ -186,6 +186,11 @@ void Driver::solve() {
   messages_.assign(static_cast<size_t>(data_->samples()), "");
   plan_ = planRounds(*request_.F1CalcOpt, *data_, lists_, result_.F1MC, scratch_.F1X,
                      [this](const std::string& text) { log(text); });
+  result_.equationColumns.clear();
+  const std::vector<bool> used = plan_.usedAssays(*data_);
+  for (size_t k = 0; k < used.size(); ++k) {
+    if (used[k]) result_.equationColumns.push_back(static_cast<int>(k) + 2);
+  }
   compileExpressions();
   session_.progress.ShowStop(true);
   if (plan_.perSample) {

@@ -125,10 +125,9 @@ PlannedRound planRound(const Worksheet& F1CalcOpt, int number, const ModalData& 
 }
 
 void reportEquations(const RoundPlan& plan, const ModalData& data, const Log& log) {
-  std::vector<bool> used(static_cast<size_t>(data.assays()));
+  const std::vector<bool> used = plan.usedAssays(data);
   for (const PlannedRound& round : plan.rounds) {
     for (const PlannedEquation& equation : round.equations) {
-      if (equation.assay >= 0) used[static_cast<size_t>(equation.assay)] = true;
       if (equation.kind != EquationKind::Assay || equation.assay >= 0) continue;
       log("Equation " + equation.item + " of round " + std::to_string(round.number) +
           " has no assay: 0 is taken for it");
@@ -170,6 +169,16 @@ void reportMinerals(const RoundPlan& plan, const ModalLists& lists, const Log& l
 }
 
 }  // namespace
+
+std::vector<bool> RoundPlan::usedAssays(const ModalData& data) const {
+  std::vector<bool> used(static_cast<size_t>(data.assays()));
+  for (const PlannedRound& round : rounds) {
+    for (const PlannedEquation& equation : round.equations) {
+      if (equation.assay >= 0) used[static_cast<size_t>(equation.assay)] = true;
+    }
+  }
+  return used;
+}
 
 RoundPlan planRounds(const Worksheet& F1CalcOpt, const ModalData& data, const ModalLists& lists,
                      const Worksheet& F1MC, Worksheet& F1X, const Log& log) {

@@ -43,6 +43,9 @@ struct PlannedRound {
 struct RoundPlan {
   std::vector<PlannedRound> rounds;
   bool perSample = false;  // some mineral has a composition of the sample's own
+
+  /// Which assays feed an equation, by their index in ModalData::residuals.
+  std::vector<bool> usedAssays(const ModalData& data) const;
 };
 
 /// Resolves the set-up against the assays and minerals. `F1MC` has its mineral headings already,

@@ -258,8 +258,15 @@ void addToLists(const std::string& identifier, ModalLists& lists) {
   lists.MinLabels.push_back(identifier);
 }
 
-std::string setUpReport(const Worksheet& F1CalcOpt, std::string_view samples,
-                        const std::vector<std::string>& models) {
+const std::vector<std::string>& modelCaptions() {
+  static const std::vector<std::string> captions = {
+      "Least Square (LS)", "Weighed Least Square (WLS)", "Non-negative Least Square (NNLS)",
+      "Weighed Non-negative Least Square (WNNLS)"};
+  return captions;
+}
+
+std::string setUpReport(const Worksheet& F1CalcOpt, std::string_view samples) {
+  const std::vector<std::string>& models = modelCaptions();
   std::string report = std::string("**** Mineral quantification setup: ****") + lineBreak +
                        "Samples to be quantified:" + lineBreak + "  " + std::string(samples) +
                        lineBreak + "Round\tMinerals\tElements\tEstimation method" + lineBreak;

@@ -105,9 +105,10 @@ std::vector<std::string> mineralsInNoRound(const Worksheet& F1OpenSave, const Mo
 /// Adds a mineral to the lists by its identifier.
 void addToLists(const std::string& identifier, ModalLists& lists);
 
-/// The set-up as a text for a report, lines ended by CR LF. `models` are the captions of the
-/// estimation models.
-std::string setUpReport(const Worksheet& F1CalcOpt, std::string_view samples,
-                        const std::vector<std::string>& models);
+/// The captions of the estimation models in a set-up, by their number.
+const std::vector<std::string>& modelCaptions();
+
+/// The set-up as a text for a report, lines ended by CR LF.
+std::string setUpReport(const Worksheet& F1CalcOpt, std::string_view samples);
 
 }  // namespace lodex

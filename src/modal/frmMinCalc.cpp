@@ -279,7 +279,7 @@ void frmMinCalc::reset() {
 }
 
 void frmMinCalc::report() {
-  const std::string text = setUpReport(F1CalcOpt, labRounds.caption(), optMalli.captions());
+  const std::string text = setUpReport(F1CalcOpt, labRounds.caption());
   const Answer answer =
       session_.dialogs().messageBox(text + "\r\n\r\nDo you want to copy this to clipboard?",
                                     MessageButtons::YesNo, MessageIcon::Question);

@@ -41,11 +41,7 @@ class frmMinCalc : public Form {
   Label labDigits{*this, "labDigits", "Decimal places:"};
   Label labEX{*this, "labEX", "Equation: Y="};
   CheckBox chkAllTot{*this, "chkAllTot", "All TOT"};
-  OptionButtons optMalli{
-      *this,
-      "optMalli",
-      {"Least Square (LS)", "Weighed Least Square (WLS)", "Non-negative Least Square (NNLS)",
-       "Weighed Non-negative Least Square (WNNLS)"}};
+  OptionButtons optMalli{*this, "optMalli", modelCaptions()};
   OptionButtons optX{*this, "optX", {"File", "Calculation"}};
   Button Command2{*this, "Command2", "Accept Method"};
   Button cmdOpenXFile{*this, "cmdOpenXFile", "Open File"};

@@ -41,6 +41,9 @@ class frmResult : public Form {
   int distributionElement = 0;  // element row shown in F1D, 0 for none
   bool fractionShown = false;
 
+  /// Columns of F1Ini that some equation of the last run took.
+  std::vector<int> equationColumns;
+
  private:
   std::vector<std::unique_ptr<Grid>> grids_;
 };

@@ -143,13 +143,14 @@ TEST(SetUp, OddFilesGiveWhatTheyHold) {
 TEST(SetUp, Report) {
   Worksheet opt;
   ValmistaF1CalcOpt(twoRoundFile(), opt);
-  EXPECT_EQ(setUpReport(opt, "Total number of rounds = 2", {"LS", "WLS", "NNLS", "WNNLS"}),
+  EXPECT_EQ(setUpReport(opt, "Total number of rounds = 2"),
             "**** Mineral quantification setup: ****\r\n"
             "Samples to be quantified:\r\n"
             "  Total number of rounds = 2\r\n"
             "Round\tMinerals\tElements\tEstimation method\r\n"
-            "1\tM/Ccp/170, M/Py/150\tCu (29) / BM, S (16) / LECO , Fe (26) / XRF\tNNLS\r\n"
-            "2\tP/Gangue/9001\t###100-TOT\tLS\r\n");
+            "1\tM/Ccp/170, M/Py/150\tCu (29) / BM, S (16) / LECO , Fe (26) / XRF\tNon-negative "
+            "Least Square (NNLS)\r\n"
+            "2\tP/Gangue/9001\t###100-TOT\tLeast Square (LS)\r\n");
 }
 
 }  // namespace

@@ -1,0 +1,294 @@
+// lodex modal: how much of which mineral the samples of an assay file hold.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <ostream>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Numbers.h"
+#include "basic/Text.h"
+#include "cli/CliSession.h"
+#include "cli/WorkbookFiles.h"
+#include "db/Connection.h"
+#include "import/DataSheets.h"
+#include "modal/ResultBook.h"
+#include "modal/RetAndCalc.h"
+#include "modal/SetUp.h"
+
+namespace lodex {
+namespace {
+
+struct ModalOptions {
+  std::string assays;
+  std::string setUp;
+  std::string out;
+  std::string minerals;
+  std::string sheet;
+  bool allTotal = false;
+  bool report = false;
+  int digits = -1;  // -1: as the set-up says
+};
+
+// The set-up file with what follows from it.
+struct LoadedSetUp {
+  Worksheet F1OpenSave;
+  Worksheet F1CalcOpt;
+  ModalLists lists;
+  std::vector<std::string> idleMinerals;
+  int digits = 3;
+};
+
+LoadedSetUp loadSetUp(const ModalOptions& options) {
+  LoadedSetUp setUp;
+  setUp.F1OpenSave.Read(options.setUp);
+  ValmistaF1CalcOpt(setUp.F1OpenSave, setUp.F1CalcOpt);
+  if (setUp.F1CalcOpt.LastRow() == 0) throw Error(options.setUp + " holds no rounds");
+  collectMinerals(setUp.F1CalcOpt, setUp.lists);
+  setUp.idleMinerals = mineralsInNoRound(setUp.F1OpenSave, setUp.lists);
+  const auto stored = parseInteger(setUp.F1CalcOpt.TextRC(1, setup::Text));
+  if (stored && *stored >= 0) setUp.digits = *stored;
+  if (options.digits >= 0) setUp.digits = options.digits;
+  return setUp;
+}
+
+std::string reportOf(const LoadedSetUp& setUp) {
+  return setUpReport(setUp.F1CalcOpt,
+                     "Total number of rounds = " + std::to_string(roundCount(setUp.F1CalcOpt)));
+}
+
+// --- The assays ---------------------------------------------------------------------------------
+
+void loadThesaurus(const SessionRecord& record, frmSynonLib& thesaurus) {
+  for (const std::string& path : {record.ThesaurusFile, record.GeoPath + "\\ini\\SynonLib.txt",
+                                  record.GeoPath + "\\ini\\DefSynonLib.txt"}) {
+    if (path.empty() || !pathExists(path)) continue;
+    thesaurus.Aukaise(path);
+    return;
+  }
+}
+
+// The sheet of that name; without one the first sheet of the file.
+frmDataIN& chooseSheet(DataSheets& sheets, const ModalOptions& options, std::ostream& err) {
+  if (sheets.DataSheetCount() == 0) throw Error(options.assays + " holds no sheet");
+  std::string names;
+  for (int number = sheets.DataSheetCount(); number >= 1; --number) {
+    frmDataIN& sheet = sheets.sheet(number);
+    const auto pieces = split(sheet.caption(), " / ");
+    if (!options.sheet.empty() &&
+        (equalsNoCase(pieces.back(), options.sheet) || sheet.caption() == options.sheet)) {
+      return sheet;
+    }
+    names += (names.empty() ? "" : ", ") + pieces.back();
+  }
+  if (!options.sheet.empty()) {
+    throw Error(options.assays + " has no sheet " + options.sheet + "; it has " + names);
+  }
+  // Sheets of a workbook stand in the list last one first.
+  frmDataIN& first = sheets.sheet(sheets.DataSheetCount());
+  if (sheets.DataSheetCount() > 1) {
+    err << "Assays are taken from " << first.caption() << "; --sheet takes another one of " << names
+        << '\n';
+  }
+  return first;
+}
+
+AssaySheet sourceOf(const frmDataIN& sheet) {
+  return {&sheet.F1D,
+          sheet.SystemRows(sysrow::Header),
+          sheet.SystemRows(sysrow::Element),
+          sheet.SystemRows(sysrow::Method),
+          sheet.SystemRows(sysrow::Unit),
+          sheet.FirstDataRow(),
+          sheet.IDColumn()};
+}
+
+// --- What is printed ----------------------------------------------------------------------------
+
+using TableRow = std::vector<std::string>;
+
+// The first column to the left, all others to the right.
+void printTable(std::ostream& out, const std::vector<TableRow>& rows) {
+  std::vector<size_t> widths(rows.front().size());
+  for (const TableRow& row : rows) {
+    for (size_t c = 0; c < row.size(); ++c) {
+      widths[c] = std::max(widths[c], characterCount(row[c]));
+    }
+  }
+  for (const TableRow& row : rows) {
+    std::string line;
+    for (size_t c = 0; c < row.size(); ++c) {
+      const std::string gap(widths[c] - characterCount(row[c]), ' ');
+      line += c == 0 ? row[c] + gap : "  " + gap + row[c];
+    }
+    out << trimBlanksRight(line) << '\n';
+  }
+}
+
+void printAmounts(std::ostream& out, const frmResult& result) {
+  out << "Modal composition, %\n\n";
+  const Worksheet& mode = result.F1MC;
+  std::vector<TableRow> rows(1);
+  for (int c = 1; c <= mode.MaxCol(); ++c) rows[0].push_back(mode.ColText(c));
+  for (int r = 1; r <= mode.LastRow(); ++r) {
+    rows.emplace_back();
+    for (int c = 1; c <= mode.MaxCol(); ++c) rows.back().push_back(mode.TextRC(r, c));
+  }
+  printTable(out, rows);
+}
+
+void printResiduals(std::ostream& out, const frmResult& result, int digits) {
+  out << "\nResidual assays, %\n\n";
+  std::vector<TableRow> rows = {{"SampleNo"}};
+  for (const int c : result.equationColumns) rows[0].push_back(result.F1R.ColText(c));
+  for (int r = 1; r <= result.F1MC.LastRow(); ++r) {
+    rows.push_back({result.F1R.TextRC(r, 1)});
+    for (const int c : result.equationColumns) {
+      const bool assayed = result.F1R.HasContent(r, c);
+      rows.back().push_back(assayed ? FormatRounded(result.F1R.NumberRC(r, c), digits) : "");
+    }
+  }
+  printTable(out, rows);
+}
+
+void printNotes(std::ostream& out, const frmResult& result) {
+  out << "\nNotes\n\n";
+  std::vector<TableRow> rows = {{"SampleNo", "Note"}};
+  for (int r = 1; r <= result.F1N.LastRow(); ++r) {
+    rows.push_back({result.F1N.TextRC(r, 1), result.F1N.TextRC(r, 2)});
+  }
+  printTable(out, rows);
+}
+
+// --- Saving -------------------------------------------------------------------------------------
+
+bool fitsXls(const Worksheet& book) {
+  for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
+    if (book.LastRow(sheet) > 65536 || book.LastCol(sheet) > 256) return false;
+  }
+  return true;
+}
+
+// Writes to the path asked for, else to the current folder, or to the user's data folder where the
+// current one cannot be written.
+std::string save(const Worksheet& book, const ModalOptions& options, const SessionRecord& record) {
+  if (!options.out.empty()) {
+    writeByEnding(options.out, book);
+    return options.out;
+  }
+  const std::string file = fileNameOf(options.assays);
+  const std::string name =
+      file.substr(0, file.rfind('.')) + "_modal" + (fitsXls(book) ? ".xls" : ".xlsx");
+  try {
+    writeByEnding(name, book);
+    return name;
+  } catch (const FileError&) {
+    const auto folder = nativePath(record.UserPath) / "data";
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+    const std::string path = pathText(folder / nativePath(name));
+    writeByEnding(path, book);
+    return path;
+  }
+}
+
+std::string stemOf(const std::string& path) {
+  const std::string name = fileNameOf(path);
+  return name.substr(0, name.rfind('.'));
+}
+
+// --- The command --------------------------------------------------------------------------------
+
+void calculate(const ModalOptions& options, CommandContext& context, Session& session,
+               taulukot& tables, LoadedSetUp& setUp, const std::string& report) {
+  frmSynonLib thesaurus(session);
+  loadThesaurus(session.record, thesaurus);
+  ImportContext import{session, tables, thesaurus};
+  Form shell("MDIMain");
+  DataSheets sheets(shell, import);
+  sheets.chkUseThes.setChecked(true);
+  sheets.openSources({options.assays});
+  sheets.lstI.selectAll(true);
+  sheets.IDENTIFY(false);
+
+  const std::string database = options.minerals.empty()
+                                   ? session.ExpandPath(session.record.MineralDbPath, "")
+                                   : options.minerals;
+  if (database.empty()) throw Error("There is no mineral database; name one with --minerals");
+  Connection minerals;
+  minerals.Open(ConnectionString(database, "", ""));
+
+  ModalRequest request;
+  request.F1CalcOpt = &setUp.F1CalcOpt;
+  request.assays = sourceOf(chooseSheet(sheets, options, context.err));
+  request.F1ELoc = &tables.F1ELoc;
+  request.minerals = &minerals;
+  request.allTotal = options.allTotal;
+  request.digits = setUp.digits;
+  request.setUpName = stemOf(options.setUp);
+
+  session.log.clear();
+  for (const std::string& label : setUp.idleMinerals) {
+    session.log.LisaaLog("Mineral " + label + " is in no round");
+  }
+  frmResult result;
+  frmSolve solver(session.dialogs());
+  ModalScratch scratch;
+  std::string failure;
+  try {
+    RetAndCalc(request, modalMode::Automated, setUp.lists, result, solver, scratch, session);
+  } catch (const Error& error) {
+    failure = error.what();
+  }
+  for (const std::string& line : split(session.log.txtLog.text(), "\r\n")) {
+    if (!line.empty()) context.err << line << '\n';
+  }
+  if (!failure.empty()) throw Error(failure);
+
+  printAmounts(context.out, result);
+  printResiduals(context.out, result, setUp.digits);
+  printNotes(context.out, result);
+  const Worksheet book = resultBook(result, setUp.lists, tables.F1ELoc, report,
+                                    session.log.txtLog.text(), setUp.digits);
+  context.out << '\n' << save(book, options, session.record) << '\n';
+}
+
+void runModal(const ModalOptions& options, CommandContext& context) {
+  CliSession console(context);
+  Session& session = console.session();
+  taulukot tables;
+  tables.load(session.record.GeoPath + "\\reference");
+  LoadedSetUp setUp = loadSetUp(options);
+  const std::string report = reportOf(setUp);
+  if (options.report) {
+    context.out << replaceAll(report, "\r\n", "\n");
+    return;
+  }
+  calculate(options, context, session, tables, setUp, report);
+}
+
+}  // namespace
+
+void addModalCommand(CLI::App& app, CommandContext& context) {
+  auto options = std::make_shared<ModalOptions>();
+  CLI::App* command =
+      app.add_subcommand("modal", "Calculate how much of which mineral the samples hold");
+  auto* assays = command->add_option("--assays", options->assays, "file of assays, any kind");
+  command->add_option("--setup", options->setUp, "mineral quantification set-up (.mmq)")
+      ->required();
+  command->add_option("--out", options->out,
+                      "workbook to save; without it <assays>_modal.xls in the current folder");
+  command->add_option("--minerals", options->minerals, "the mineral database");
+  command->add_option("--sheet", options->sheet, "sheet of the assay file");
+  command->add_flag("--all-total", options->allTotal, "every method dissolves all of a mineral");
+  command->add_option("--digits", options->digits, "decimals of the amounts")
+      ->check(CLI::Range(0, 22));
+  command->add_flag("--report", options->report, "only print the set-up")->excludes(assays);
+  command->callback([options, assays, &context] {
+    if (!options->report && assays->count() == 0) throw CLI::RequiredError("--assays");
+    runModal(*options, context);
+  });
+}
+
+}  // namespace lodex
