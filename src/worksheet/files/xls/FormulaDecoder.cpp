@@ -190,7 +190,8 @@ class Decoder {
   bool sign(std::string_view text) {
     Piece piece;
     if (!pop(piece)) return false;
-    return push(std::string(text) + bracketed(std::move(piece), Sign), Sign);
+    // "-5%" reads the same with either sign applied first.
+    return push(std::string(text) + bracketed(std::move(piece), PercentSign), Sign);
   }
 
   bool percent() {

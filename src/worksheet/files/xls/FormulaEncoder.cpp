@@ -140,7 +140,7 @@ class Encoder {
         u8(0x16);
         return true;
       case NodeKind::Array:
-        return array(node, wanted);
+        return array(node);
       case NodeKind::Reference:
         return reference(node.reference, wanted);
       case NodeKind::Name:
@@ -213,11 +213,11 @@ class Encoder {
     return appendText(out_.code, utf8, false);
   }
 
-  bool array(const Node& node, Class wanted) {
+  bool array(const Node& node) {
     const auto columns = static_cast<size_t>(std::max(node.columns, 1));
     const size_t rows = node.children.size() / columns;
     if (rows == 0 || columns > 256 || rows > 65536) return false;
-    token(0x00, wanted == Class::Value ? Class::Value : Class::Array);
+    token(0x00, Class::Array);
     out_.code.append(7, '\0');
     std::string& extra = out_.extra;
     extra.push_back(static_cast<char>(columns - 1));
