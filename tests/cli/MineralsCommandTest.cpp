@@ -1,0 +1,63 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <string>
+
+namespace lodex {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+struct Outcome {
+  int status;
+  std::string text;
+};
+
+Outcome runMinerals(const std::string& arguments) {
+  const std::string command = std::string(LODEX_BIN_DIR) + "/lodex minerals " + arguments + " 2>&1";
+  Outcome outcome{-1, ""};
+  FILE* pipe = ::popen(command.c_str(), "r");
+  if (!pipe) return outcome;
+  char buffer[4096];
+  while (const size_t got = std::fread(buffer, 1, sizeof buffer, pipe)) {
+    outcome.text.append(buffer, got);
+  }
+  outcome.status = WEXITSTATUS(::pclose(pipe));
+  return outcome;
+}
+
+TEST(MineralsCommand, ListsWhatWasAskedFor) {
+  const auto both = runMinerals("--element Cu --element fe");
+  EXPECT_EQ(both.status, 0) << both.text;
+  EXPECT_THAT(both.text, StartsWith("MineralID\tMinSymbol\tMineral\tFormula\tDensity\n"));
+  EXPECT_THAT(both.text, HasSubstr("\tCcp\tChalcopyrite\tCuFeS2\t"));
+  EXPECT_THAT(both.text, Not(HasSubstr("\tPyrite\t")));
+  EXPECT_THAT(both.text, Not(HasSubstr("\tCovellite\t")));
+
+  const auto found = runMinerals("--find chalco --element Cu");
+  EXPECT_THAT(found.text, HasSubstr("\tChalcopyrite\t"));
+  EXPECT_THAT(found.text, Not(HasSubstr("\tBornite\t")));
+}
+
+TEST(MineralsCommand, RefusesClearly) {
+  const struct {
+    const char *arguments, *reason;
+    int status;
+  } rows[] = {
+      {"--element Xx", "There is no element Xx", 1},
+      {"--db /nowhere/x.mdb", "/nowhere/x.mdb does not exist", 1},
+      {"--elements Cu", "--elements", 2},
+  };
+  for (const auto& row : rows) {
+    const auto outcome = runMinerals(row.arguments);
+    EXPECT_EQ(outcome.status, row.status) << row.arguments;
+    EXPECT_THAT(outcome.text, HasSubstr(row.reason)) << row.arguments;
+  }
+}
+
+}  // namespace
+}  // namespace lodex
