@@ -48,8 +48,8 @@ int ElementAndFactor(std::string_view text, bool& isElement, double& factor);
 float AverageDensity(const std::vector<float>& weights, const std::vector<float>& densities);
 
 /// Fills F1Min (element row of F1ELoc x mineral number) with compositions in per cent from
-/// <MineralChemistry and <PhaseChemistry; a Null or missing field leaves the cell empty. Headings of
-/// F1Min are the ids. `progress` is told each mineral's number before it is fetched. Throws
+/// <MineralChemistry and <PhaseChemistry; a Null or missing field leaves the cell empty. Headings
+/// of F1Min are the ids. `progress` is told each mineral's number before it is fetched. Throws
 /// Error("Error in retrieving mineral chemistry") or Error("Error in retrieving phase chemistry")
 /// for an id that the tables do not have.
 void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
