@@ -124,7 +124,7 @@ class Parser {
   static void add(AtomCounts& counts, const AtomCounts& more, double times) {
     for (const auto& [number, atoms] : more) {
       const auto known = std::find_if(counts.begin(), counts.end(),
-                                      [&](const auto& entry) { return entry.first == number; });
+                                      [n = number](const auto& entry) { return entry.first == n; });
       if (known != counts.end()) {
         known->second += atoms * times;
       } else {
