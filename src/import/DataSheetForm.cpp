@@ -327,38 +327,38 @@ void DataSheetForm::edit(const std::function<void(const DescribedSheet&)>& chang
   Varjaa(false);
 }
 
-std::pair<int, int> DataSheetForm::selectedRows() const {
+DataSheetForm::Span DataSheetForm::selectedRows() const {
   const int first = F1D.SelStartRow();
-  return first < 1 ? std::pair(F1D.Row(), F1D.Row()) : std::pair(first, F1D.SelEndRow());
+  return first < 1 ? Span{F1D.Row(), F1D.Row()} : Span{first, F1D.SelEndRow()};
 }
 
-std::pair<int, int> DataSheetForm::selectedColumns() const {
+DataSheetForm::Span DataSheetForm::selectedColumns() const {
   const int first = F1D.SelStartCol();
-  return first < 1 ? std::pair(F1D.Col(), F1D.Col()) : std::pair(first, F1D.SelEndCol());
+  return first < 1 ? Span{F1D.Col(), F1D.Col()} : Span{first, F1D.SelEndCol()};
 }
 
 void DataSheetForm::InsertRow() {
-  const auto [first, last] = selectedRows();
-  edit([first, last](const DescribedSheet& sheet) { insertRows(sheet, first, last - first + 1); });
+  const Span rows = selectedRows();
+  edit([rows](const DescribedSheet& sheet) { insertRows(sheet, rows.first, rows.count()); });
 }
 
 void DataSheetForm::DeleteRow() {
-  const auto [first, last] = selectedRows();
-  edit([first, last](const DescribedSheet& sheet) { deleteRows(sheet, first, last); });
+  const Span rows = selectedRows();
+  edit([rows](const DescribedSheet& sheet) { deleteRows(sheet, rows.first, rows.last); });
 }
 
 void DataSheetForm::InsertCol() {
-  const auto [first, last] = selectedColumns();
-  edit([&, first, last](const DescribedSheet& sheet) {
-    insertColumns(sheet, F1Ref, first, last - first + 1);
+  const Span columns = selectedColumns();
+  edit([&](const DescribedSheet& sheet) {
+    insertColumns(sheet, F1Ref, columns.first, columns.count());
     redrawMarks(sheet, F1Ref, context_.tables.F1Data);
   });
 }
 
 void DataSheetForm::DeleteCol() {
-  const auto [first, last] = selectedColumns();
-  edit([&, first, last](const DescribedSheet& sheet) {
-    deleteColumns(sheet, F1Ref, first, last);
+  const Span columns = selectedColumns();
+  edit([&](const DescribedSheet& sheet) {
+    deleteColumns(sheet, F1Ref, columns.first, columns.last);
     redrawMarks(sheet, F1Ref, context_.tables.F1Data);
   });
 }

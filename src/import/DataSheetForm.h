@@ -4,7 +4,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "chem/CompoundConverter.h"
@@ -153,14 +152,19 @@ class DataSheetForm : public Form {
   TitleParts titleParts_;
 
  private:
+  struct Span {
+    int first, last;
+    int count() const { return last - first + 1; }
+  };
   void connectControls();
   void runSteps(const IdentifyRequest& request, const DescribedSheet& sheet, LogLines& log);
   void runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log);
   void runColumns(bool onlyNonX, const DescribedSheet& sheet, LogLines& log);
   bool mayReadFormulas(LogLines& log);
   TextBox* pickedBox(int pickMode);
-  std::pair<int, int> selectedRows() const;
-  std::pair<int, int> selectedColumns() const;
+  // Selected rows or columns, ends inclusive; without a selection the active one.
+  Span selectedRows() const;
+  Span selectedColumns() const;
   void openData();
   void saveData();
 
