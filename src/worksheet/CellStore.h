@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -98,8 +99,38 @@ class CellStore {
     }
   }
 
- private:
+  /// Calls visit(row, column, cell) for the cells with content of a block (all ends inclusive),
+  /// column by column, until it returns false; then returns false itself.
+  template <typename Visit>
+  bool visit(int row1, int column1, int row2, int column2, Visit visit) const {
+    const size_t lastColumn = std::min(static_cast<size_t>(column2) + 1, columns_.size());
+    for (size_t c = static_cast<size_t>(column1); c < lastColumn; ++c) {
+      const auto& blocks = columns_[c].blocks;
+      size_t row = static_cast<size_t>(row1);
+      const size_t end = std::min(static_cast<size_t>(row2) + 1, blocks.size() * blockRows);
+      while (row < end) {
+        const size_t blockEnd = std::min(end, (row / blockRows + 1) * blockRows);
+        const auto& block = blocks[row / blockRows];
+        for (; block && row < blockEnd; ++row) {
+          const Cell& cell = (*block)[row % blockRows];
+          if (cell.kind == ValueKind::Empty) continue;
+          if (!visit(static_cast<int>(row), static_cast<int>(c), cell)) return false;
+        }
+        row = blockEnd;
+      }
+    }
+    return true;
+  }
+
+  /// Rows are stored in blocks of this many; block 0 of a column holds the rows below it.
   static constexpr size_t blockRows = 64;
+  /// Number of columns with storage, and of blocks in one of them (columns from 1).
+  int storedColumns() const { return columns_.empty() ? 0 : static_cast<int>(columns_.size()) - 1; }
+  size_t storedBlocks(int column) const {
+    return static_cast<size_t>(column) < columns_.size() ? columns_[static_cast<size_t>(column)].blocks.size() : 0;
+  }
+
+ private:
   using Block = std::array<Cell, blockRows>;
   struct Column {
     std::vector<std::unique_ptr<Block>> blocks;

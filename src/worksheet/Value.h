@@ -75,6 +75,9 @@ class Value {
   static Value boolean(bool truth);
   static Value error(ErrorCode code);
 
+  /// Changes the number of a Number.
+  void setNumber(double number) { number_ = number; }
+
   ValueKind kind() const { return kind_; }
   bool isEmpty() const { return kind_ == ValueKind::Empty; }
   bool isNumber() const { return kind_ == ValueKind::Number; }

@@ -306,6 +306,7 @@ class Worksheet {
   SheetData& checked(int sheet, int row, int column);
   const SheetData& checked(int sheet, int row, int column) const;
   [[noreturn]] static void failCell(const SheetData& sheet, int row, int column);
+  static void shiftHeadings(SheetData& sheet, bool rows, int at, int by);
   std::string freeSheetName() const;
   std::string displayed(const Cell& cell) const;
   void setContent(SheetData& target, int sheet, int row, int column, const Value& value);

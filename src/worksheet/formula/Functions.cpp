@@ -1,0 +1,56 @@
+#include "worksheet/formula/Functions.h"
+
+#include <unordered_map>
+
+namespace lodex::formula {
+namespace {
+
+constexpr FunctionList (*lists[])() = {
+    mathFunctions,        aggregateFunctions, statisticalFunctions, distributionFunctions,
+    regressionFunctions,  lookupFunctions,    textFunctions,        logicalFunctions,
+    informationFunctions, dateFunctions,      matrixFunctions,      engineeringFunctions,
+    databaseFunctions,    financialFunctions};
+
+struct Index {
+  std::unordered_map<std::string_view, const FunctionInfo*> byName;
+  std::unordered_map<int, const FunctionInfo*> byNumber;
+  Index() {
+    for (const auto list : lists) {
+      for (const FunctionInfo& function : list()) {
+        byName.emplace(function.name, &function);
+        if (function.xlsNumber >= 0) byNumber.emplace(function.xlsNumber, &function);
+      }
+    }
+  }
+};
+
+const Index& functionIndex() {
+  static const Index theIndex;
+  return theIndex;
+}
+
+}  // namespace
+
+const FunctionInfo* findFunction(std::string_view name) {
+  const auto hit = functionIndex().byName.find(name);
+  return hit == functionIndex().byName.end() ? nullptr : hit->second;
+}
+
+const FunctionInfo* findFunctionByXlsNumber(int number) {
+  const auto hit = functionIndex().byNumber.find(number);
+  return hit == functionIndex().byNumber.end() ? nullptr : hit->second;
+}
+
+char parameterLetter(const FunctionInfo& function, int index) {
+  const std::string_view letters = function.parameters;
+  if (letters.empty()) return 'V';
+  const size_t star = letters.find('*');
+  const auto place = static_cast<size_t>(index);
+  if (star == std::string_view::npos)
+    return letters[place < letters.size() ? place : letters.size() - 1];
+  if (place < star) return letters[place];
+  const std::string_view repeated = letters.substr(star + 1);
+  return repeated[(place - star) % repeated.size()];
+}
+
+}  // namespace lodex::formula

@@ -1,0 +1,619 @@
+// Sums, counts, means and extremes over areas, plain and under conditions.
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+#include "basic/Text.h"
+#include "worksheet/formula/Compare.h"
+#include "worksheet/formula/FunctionHelp.h"
+
+namespace lodex::formula {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// Visits values as AVERAGEA does: in areas text counts as 0 and truth values as 1 or 0.
+template <typename Visit>
+bool visitAll(Evaluator& ev, Arguments arguments, Operand& error, Visit visit) {
+  for (const Operand& argument : arguments) {
+    const bool all = ev.visitValues(argument, [&](const Operand& value, bool fromCells) {
+      double number = value.number;
+      if (value.isError()) {
+        error = value;
+        return false;
+      }
+      if (value.isEmpty() && fromCells) return true;
+      if (fromCells && value.isText())
+        number = 0;
+      else if (!ev.toNumber(value, number, error))
+        return false;
+      visit(number);
+      return true;
+    });
+    if (!all) return false;
+  }
+  return true;
+}
+
+Operand fnSum(Evaluator& ev, Arguments a) {
+  double sum = 0;
+  Operand error;
+  if (!visitNumbers(ev, a, error, [&](double number) { sum += number; })) return error;
+  return sum;
+}
+
+Operand fnProduct(Evaluator& ev, Arguments a) {
+  double product = 1;
+  bool any = false;
+  Operand error;
+  if (!visitNumbers(ev, a, error, [&](double number) {
+        product *= number;
+        any = true;
+      })) {
+    return error;
+  }
+  return any ? product : 0.0;
+}
+
+Operand fnSumSq(Evaluator& ev, Arguments a) {
+  double sum = 0;
+  Operand error;
+  if (!visitNumbers(ev, a, error, [&](double number) { sum += number * number; })) return error;
+  return sum;
+}
+
+Operand fnAverage(Evaluator& ev, Arguments a) {
+  double sum = 0;
+  double count = 0;
+  Operand error;
+  if (!visitNumbers(ev, a, error, [&](double number) {
+        sum += number;
+        ++count;
+      })) {
+    return error;
+  }
+  return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
+}
+
+Operand fnAverageA(Evaluator& ev, Arguments a) {
+  double sum = 0;
+  double count = 0;
+  Operand error;
+  if (!visitAll(ev, a, error, [&](double number) {
+        sum += number;
+        ++count;
+      })) {
+    return error;
+  }
+  return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
+}
+
+Operand extreme(Evaluator& ev, Arguments a, bool largest) {
+  double result = largest ? -infinity : infinity;
+  Operand error;
+  if (!visitNumbers(ev, a, error, [&](double number) {
+        result = largest ? std::max(result, number) : std::min(result, number);
+      })) {
+    return error;
+  }
+  return std::isinf(result) ? 0.0 : result;
+}
+
+Operand extremeA(Evaluator& ev, Arguments a, bool largest) {
+  double result = largest ? -infinity : infinity;
+  Operand error;
+  if (!visitAll(ev, a, error, [&](double number) {
+        result = largest ? std::max(result, number) : std::min(result, number);
+      })) {
+    return error;
+  }
+  return std::isinf(result) ? 0.0 : result;
+}
+
+Operand fnCount(Evaluator& ev, Arguments a) {
+  double count = 0;
+  for (const Operand& argument : a) {
+    ev.visitValues(argument, [&](const Operand& value, bool fromCells) {
+      double number = 0;
+      Operand error;
+      if (fromCells ? value.isNumber() : ev.toNumber(value, number, error)) ++count;
+      return true;
+    });
+  }
+  return count;
+}
+
+Operand fnCountA(Evaluator& ev, Arguments a) {
+  double count = 0;
+  for (const Operand& argument : a) {
+    ev.visitValues(argument, [&](const Operand& value, bool fromCells) {
+      if (!fromCells || !value.isEmpty()) ++count;
+      return true;
+    });
+  }
+  return count;
+}
+
+Operand fnCountBlank(Evaluator& ev, Arguments a) {
+  if (!a[0].isArea()) return ErrorCode::Value;
+  double filled = 0;
+  const Area& area = a[0].area;
+  ev.visitCells(area, [&](int, int, const Operand& value) {
+    if (!(value.isText() && value.view().empty())) ++filled;
+    return true;
+  });
+  const double sheets = area.lastSheet - area.sheet + 1;
+  return sheets * area.rows() * area.columns() - filled;
+}
+
+// --- Deviations
+// ------------------------------------------------------------------------------------
+
+enum class Spread { Sample, Population };
+
+Operand spread(const std::vector<double>& numbers, Spread kind, bool root) {
+  const double n = static_cast<double>(numbers.size());
+  const double divisor = kind == Spread::Sample ? n - 1 : n;
+  if (divisor <= 0) return ErrorCode::DivisionByZero;
+  const double variance = squaredDeviations(numbers) / divisor;
+  return root ? std::sqrt(variance) : variance;
+}
+
+Operand spreadOf(Evaluator& ev, Arguments a, Spread kind, bool root) {
+  std::vector<double> numbers;
+  Operand error;
+  return numbersOf(ev, a, numbers, error) ? spread(numbers, kind, root) : error;
+}
+
+Operand spreadOfAll(Evaluator& ev, Arguments a, Spread kind, bool root) {
+  std::vector<double> numbers;
+  Operand error;
+  if (!visitAll(ev, a, error, [&](double number) { numbers.push_back(number); })) return error;
+  return spread(numbers, kind, root);
+}
+
+// --- Products of areas
+// -----------------------------------------------------------------------------
+
+// What does not hold a number counts as 0.
+Operand fnSumProduct(Evaluator& ev, Arguments a) {
+  const int rows = Evaluator::rowsOf(a[0]);
+  const int columns = Evaluator::columnsOf(a[0]);
+  for (const Operand& argument : a) {
+    if (argument.isError()) return argument;
+    if (Evaluator::rowsOf(argument) != rows || Evaluator::columnsOf(argument) != columns) {
+      return ErrorCode::Value;
+    }
+  }
+  // Beyond the used part of one factor all products are 0.
+  int lastRow = rows;
+  int lastColumn = columns;
+  for (const Operand& argument : a) {
+    if (!argument.isArea()) continue;
+    const Area part = ev.used(argument.area);
+    lastRow = std::min(lastRow, std::max(0, part.rows()));
+    lastColumn = std::min(lastColumn, std::max(0, part.columns()));
+  }
+  double sum = 0;
+  for (int row = 0; row < lastRow; ++row) {
+    for (int column = 0; column < lastColumn; ++column) {
+      double product = 1;
+      for (const Operand& argument : a) {
+        const Operand value = ev.element(argument, row, column);
+        if (value.isError()) return value;
+        product *= value.isNumber() ? value.number : 0;
+      }
+      sum += product;
+    }
+  }
+  return sum;
+}
+
+template <typename Term>
+Operand sumOfPairs(Evaluator& ev, Arguments a, Term term) {
+  std::vector<double> x;
+  std::vector<double> y;
+  Operand error;
+  if (!pairsOf(ev, a[0], a[1], x, y, error)) return error;
+  double sum = 0;
+  for (size_t i = 0; i < x.size(); ++i) sum += term(x[i], y[i]);
+  return sum;
+}
+
+// --- Under conditions
+// --------------------------------------------------------------------------------
+
+struct Condition {
+  Area area;
+  Criterion criterion;
+};
+
+// Visits the positions (rows and columns from 0) at which all conditions hold.
+template <typename Visit>
+void visitMatches(Evaluator& ev, const std::vector<Condition>& conditions, Visit visit) {
+  // A condition that empty cells do not fit limits the search to its cells with content.
+  const Condition* guide = nullptr;
+  for (const Condition& condition : conditions) {
+    if (!condition.criterion.matchesEmpty()) guide = &condition;
+  }
+  const auto holds = [&](int row, int column) {
+    return std::all_of(conditions.begin(), conditions.end(), [&](const Condition& c) {
+      return &c == guide ||
+             c.criterion.matches(ev.cell(c.area.sheet, c.area.row1 + row, c.area.column1 + column));
+    });
+  };
+  const Area& shape = conditions.front().area;
+  if (guide != nullptr) {
+    const Area area = guide->area;
+    ev.visitCells(area, [&](int row, int column, const Operand& value) {
+      const int r = row - area.row1;
+      const int c = column - area.column1;
+      if (guide->criterion.matches(value) && holds(r, c)) visit(r, c);
+      return true;
+    });
+    return;
+  }
+  for (int column = 0; column < shape.columns(); ++column) {
+    for (int row = 0; row < shape.rows(); ++row) {
+      if (holds(row, column)) visit(row, column);
+    }
+  }
+}
+
+// Pairs of area and criterion from argument `first` on.
+bool readConditions(Evaluator& ev, Arguments a, size_t first, std::vector<Condition>& conditions,
+                    Operand& error) {
+  for (size_t i = first; i + 1 < a.size(); i += 2) {
+    if (!a[i].isArea()) {
+      error = a[i].isError() ? a[i] : Operand(ErrorCode::Value);
+      return false;
+    }
+    conditions.push_back({a[i].area, Criterion(a[i + 1], ev.dates1904())});
+    const Area& shape = conditions.front().area;
+    if (a[i].area.rows() != shape.rows() || a[i].area.columns() != shape.columns()) {
+      error = ErrorCode::Value;
+      return false;
+    }
+  }
+  return true;
+}
+
+double countMatches(Evaluator& ev, const std::vector<Condition>& conditions) {
+  double count = 0;
+  // Of a single condition on whole columns the empty rest is counted, not visited.
+  if (conditions.size() == 1 && conditions[0].criterion.matchesEmpty()) {
+    const Area& area = conditions[0].area;
+    double visited = 0;
+    ev.visitCells(area, [&](int, int, const Operand& value) {
+      ++visited;
+      if (conditions[0].criterion.matches(value)) ++count;
+      return true;
+    });
+    return count + static_cast<double>(area.rows()) * area.columns() - visited;
+  }
+  visitMatches(ev, conditions, [&](int, int) { ++count; });
+  return count;
+}
+
+Operand fnCountIf(Evaluator& ev, Arguments a) {
+  std::vector<Condition> conditions;
+  Operand error;
+  if (!readConditions(ev, a, 0, conditions, error)) return error;
+  return countMatches(ev, conditions);
+}
+
+// Visits the numbers of `values` where the conditions hold.
+template <typename Visit>
+bool visitMatchingNumbers(Evaluator& ev, const Area& values,
+                          const std::vector<Condition>& conditions, Operand& error, Visit visit) {
+  bool fine = true;
+  visitMatches(ev, conditions, [&](int row, int column) {
+    if (values.row1 + row > maxRows || values.column1 + column > maxColumns) return;
+    const Operand value = ev.cell(values.sheet, values.row1 + row, values.column1 + column);
+    if (value.isNumber()) visit(value.number);
+    if (value.isError() && fine) {
+      error = value;
+      fine = false;
+    }
+  });
+  return fine;
+}
+
+enum class Gather { Sum, Average, Largest, Smallest };
+
+Operand gather(Evaluator& ev, const Operand& values, const std::vector<Condition>& conditions,
+               Gather what) {
+  if (!values.isArea()) return values.isError() ? values : Operand(ErrorCode::Value);
+  double sum = 0;
+  double count = 0;
+  double largest = -infinity;
+  double smallest = infinity;
+  Operand error;
+  if (!visitMatchingNumbers(ev, values.area, conditions, error, [&](double number) {
+        sum += number;
+        ++count;
+        largest = std::max(largest, number);
+        smallest = std::min(smallest, number);
+      })) {
+    return error;
+  }
+  switch (what) {
+    case Gather::Sum:
+      return sum;
+    case Gather::Average:
+      return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
+    case Gather::Largest:
+      return count == 0 ? 0.0 : largest;
+    case Gather::Smallest:
+      return count == 0 ? 0.0 : smallest;
+  }
+  return ErrorCode::Value;
+}
+
+// SUMIF and AVERAGEIF: the area to add up takes its size from the one with the conditions.
+Operand gatherIf(Evaluator& ev, Arguments a, Gather what) {
+  std::vector<Condition> conditions;
+  Operand error;
+  if (!readConditions(ev, a.first(2), 0, conditions, error)) return error;
+  return gather(ev, given(a, 2) ? a[2] : a[0], conditions, what);
+}
+
+Operand gatherIfs(Evaluator& ev, Arguments a, Gather what) {
+  std::vector<Condition> conditions;
+  Operand error;
+  if (a.size() % 2 == 0) return ErrorCode::Value;
+  if (!readConditions(ev, a, 1, conditions, error)) return error;
+  const Area& shape = conditions.front().area;
+  if (a[0].isArea() &&
+      (a[0].area.rows() != shape.rows() || a[0].area.columns() != shape.columns())) {
+    return ErrorCode::Value;
+  }
+  return gather(ev, a[0], conditions, what);
+}
+
+// --- SUBTOTAL and AGGREGATE
+// ------------------------------------------------------------------------
+
+struct SubtotalOptions {
+  bool skipHidden = false;
+  bool skipErrors = false;
+  bool skipNested = true;
+};
+
+bool isNested(const Cell& cell) {
+  return cell.kind == ValueKind::Formula &&
+         (findNoCase(cell.formula->text, "SUBTOTAL(") != std::string::npos ||
+          findNoCase(cell.formula->text, "AGGREGATE(") != std::string::npos);
+}
+
+// What counts of the arguments, cells that hold no number included.
+bool subtotalValues(Evaluator& ev, Arguments areas, const SubtotalOptions& options,
+                    std::vector<Operand>& values, Operand& error) {
+  for (const Operand& argument : areas) {
+    std::vector<Area> list;
+    if (argument.isArea()) list.push_back(argument.area);
+    if (argument.tag == Tag::Areas) list = *argument.areas;
+    if (list.empty()) {
+      bool fine = true;
+      ev.visitValues(argument, [&](const Operand& value, bool) {
+        if (!value.isError())
+          values.push_back(value);
+        else if (!options.skipErrors)
+          fine = false, error = value;
+        return fine;
+      });
+      if (!fine) return false;
+    }
+    for (const Area& area : list) {
+      for (int sheet = area.sheet; sheet <= area.lastSheet; ++sheet) {
+        const auto& hidden = ev.book().hiddenRows(sheet);
+        const bool all = ev.book().cells(sheet).visit(
+            area.row1, area.column1, area.row2, area.column2, [&](int row, int, const Cell& cell) {
+              if (options.skipNested && isNested(cell)) return true;
+              if (options.skipHidden && hidden.contains(row)) return true;
+              const Operand value = ev.fromCell(cell);
+              if (value.isError() && options.skipErrors) return true;
+              values.push_back(value);
+              return true;
+            });
+        if (!all) return false;
+      }
+    }
+  }
+  return true;
+}
+
+// The functions that SUBTOTAL and AGGREGATE know by number, from 1.
+constexpr std::string_view numbered[] = {
+    "AVERAGE",    "COUNT",    "COUNTA",         "MAX",         "MIN",
+    "PRODUCT",    "STDEV",    "STDEVP",         "SUM",         "VAR",
+    "VARP",       "MEDIAN",   "MODE",           "LARGE",       "SMALL",
+    "PERCENTILE", "QUARTILE", "PERCENTILE.EXC", "QUARTILE.EXC"};
+
+Operand applyNumbered(Evaluator& ev, int number, std::vector<Operand>& values,
+                      const Operand* extra) {
+  Array* array = ev.newArray(1, static_cast<int>(values.size()));
+  if (array == nullptr) return ErrorCode::Num;
+  array->values = std::move(values);
+  std::vector<Operand> arguments{Operand(static_cast<const Array*>(array))};
+  if (extra != nullptr) arguments.push_back(*extra);
+  const FunctionInfo* function = findFunction(numbered[number - 1]);
+  return function == nullptr ? Operand(ErrorCode::Value) : function->routine(ev, arguments);
+}
+
+Operand fnSubtotal(Evaluator& ev, Arguments a) {
+  int number = 0;
+  if (!wholeBetween(a[0].number, 1, 111, number)) return ErrorCode::Value;
+  SubtotalOptions options;
+  options.skipHidden = number > 100;
+  number %= 100;
+  if (number < 1 || number > 11) return ErrorCode::Value;
+  std::vector<Operand> values;
+  Operand error;
+  if (!subtotalValues(ev, a.subspan(1), options, values, error)) return error;
+  return applyNumbered(ev, number, values, nullptr);
+}
+
+Operand fnAggregate(Evaluator& ev, Arguments a) {
+  int number = 0;
+  int choice = 0;
+  if (!wholeBetween(a[0].number, 1, 19, number) || !wholeBetween(a[1].number, 0, 7, choice)) {
+    return ErrorCode::Value;
+  }
+  SubtotalOptions options;
+  options.skipNested = choice < 4;
+  options.skipHidden = choice % 2 == 1;
+  options.skipErrors = choice % 4 >= 2;
+  Operand extra;
+  Arguments areas = a.subspan(2);
+  if (number >= 14) {
+    if (areas.size() < 2) return ErrorCode::Value;
+    extra = ev.single(areas[1]);
+    double k = 0;
+    Operand error;
+    if (!ev.toNumber(extra, k, error)) return error;
+    extra = Operand(k);
+    areas = areas.first(1);
+  }
+  std::vector<Operand> values;
+  Operand error;
+  if (!subtotalValues(ev, areas, options, values, error)) return error;
+  return applyNumbered(ev, number, values, number >= 14 ? &extra : nullptr);
+}
+
+constexpr FunctionInfo table[] = {
+    {"SUM", 1, anyNumber, 4, "R", fnSum},
+    {"PRODUCT", 1, anyNumber, 183, "R", fnProduct},
+    {"SUMSQ", 1, anyNumber, 321, "R", fnSumSq},
+    {"AVERAGE", 1, anyNumber, 5, "R", fnAverage},
+    {"AVERAGEA", 1, anyNumber, 361, "R", fnAverageA},
+    {"MIN", 1, anyNumber, 6, "R", [](Evaluator& ev, Arguments a) { return extreme(ev, a, false); }},
+    {"MAX", 1, anyNumber, 7, "R", [](Evaluator& ev, Arguments a) { return extreme(ev, a, true); }},
+    {"MINA", 1, anyNumber, 363, "R",
+     [](Evaluator& ev, Arguments a) { return extremeA(ev, a, false); }},
+    {"MAXA", 1, anyNumber, 362, "R",
+     [](Evaluator& ev, Arguments a) { return extremeA(ev, a, true); }},
+    {"COUNT", 1, anyNumber, 0, "R", fnCount},
+    {"COUNTA", 1, anyNumber, 169, "R", fnCountA},
+    {"COUNTBLANK", 1, 1, 347, "R", fnCountBlank},
+    {"STDEV", 1, anyNumber, 12, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, true); }},
+    {"STDEVP", 1, anyNumber, 193, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, true); }},
+    {"VAR", 1, anyNumber, 46, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, false); }},
+    {"VARP", 1, anyNumber, 194, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, false); }},
+    {"STDEV.S", 1, anyNumber, -1, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, true); }},
+    {"STDEV.P", 1, anyNumber, -1, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, true); }},
+    {"VAR.S", 1, anyNumber, -1, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, false); }},
+    {"VAR.P", 1, anyNumber, -1, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, false); }},
+    {"STDEVA", 1, anyNumber, 366, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Sample, true); }},
+    {"STDEVPA", 1, anyNumber, 364, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Population, true); }},
+    {"VARA", 1, anyNumber, 367, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Sample, false); }},
+    {"VARPA", 1, anyNumber, 365, "R",
+     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Population, false); }},
+    {"SUMPRODUCT", 1, anyNumber, 228, "A", fnSumProduct},
+    {"SUMX2MY2", 2, 2, 304, "A",
+     [](Evaluator& ev, Arguments a) {
+       return sumOfPairs(ev, a, [](double x, double y) { return x * x - y * y; });
+     }},
+    {"SUMX2PY2", 2, 2, 305, "A",
+     [](Evaluator& ev, Arguments a) {
+       return sumOfPairs(ev, a, [](double x, double y) { return x * x + y * y; });
+     }},
+    {"SUMXMY2", 2, 2, 303, "A",
+     [](Evaluator& ev, Arguments a) {
+       return sumOfPairs(ev, a, [](double x, double y) { return (x - y) * (x - y); });
+     }},
+    {"COUNTIF", 2, 2, 346, "RE", fnCountIf},
+    {"COUNTIFS", 2, anyNumber, -1, "*RE",
+     [](Evaluator& ev, Arguments a) {
+       return a.size() % 2 == 0 ? fnCountIf(ev, a) : Operand(ErrorCode::Value);
+     }},
+    {"SUMIF", 2, 3, 345, "RER",
+     [](Evaluator& ev, Arguments a) { return gatherIf(ev, a, Gather::Sum); }},
+    {"AVERAGEIF", 2, 3, -1, "RER",
+     [](Evaluator& ev, Arguments a) { return gatherIf(ev, a, Gather::Average); }},
+    {"SUMIFS", 3, anyNumber, -1, "R*RE",
+     [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Sum); }},
+    {"AVERAGEIFS", 3, anyNumber, -1, "R*RE",
+     [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Average); }},
+    {"MAXIFS", 3, anyNumber, -1, "R*RE",
+     [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Largest); }},
+    {"MINIFS", 3, anyNumber, -1, "R*RE",
+     [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Smallest); }},
+    {"SUBTOTAL", 2, anyNumber, 344, "NR", fnSubtotal},
+    {"AGGREGATE", 3, anyNumber, -1, "NNA", fnAggregate},
+};
+
+}  // namespace
+
+FunctionList aggregateFunctions() {
+  return table;
+}
+
+bool numbersOf(Evaluator& ev, Arguments arguments, std::vector<double>& numbers, Operand& error) {
+  return visitNumbers(ev, arguments, error, [&](double number) { numbers.push_back(number); });
+}
+
+bool pairsOf(Evaluator& ev, const Operand& a, const Operand& b, std::vector<double>& first,
+             std::vector<double>& second, Operand& error) {
+  for (const Operand* operand : {&a, &b}) {
+    if (!operand->isError()) continue;
+    error = *operand;
+    return false;
+  }
+  // A row against a column of the same length is fine.
+  const int rows = Evaluator::rowsOf(a);
+  const int columns = Evaluator::columnsOf(a);
+  const int otherColumns = Evaluator::columnsOf(b);
+  const double count = static_cast<double>(rows) * columns;
+  if (count != static_cast<double>(Evaluator::rowsOf(b)) * otherColumns) {
+    error = ErrorCode::NotAvailable;
+    return false;
+  }
+  const auto usedRows = [&](const Operand& operand) {
+    return operand.isArea() ? std::max(0, ev.used(operand.area).rows())
+                            : Evaluator::rowsOf(operand);
+  };
+  const bool sameShape = columns == otherColumns;
+  const int lastRow = sameShape ? std::min(usedRows(a), usedRows(b)) : rows;
+  for (int row = 0; row < lastRow; ++row) {
+    for (int column = 0; column < columns; ++column) {
+      const int place = row * columns + column;
+      const Operand x = ev.element(a, row, column);
+      const Operand y = sameShape ? ev.element(b, row, column)
+                                  : ev.element(b, place / otherColumns, place % otherColumns);
+      if (x.isError() || y.isError()) {
+        error = x.isError() ? x : y;
+        return false;
+      }
+      if (!x.isNumber() || !y.isNumber()) continue;
+      first.push_back(x.number);
+      second.push_back(y.number);
+    }
+  }
+  return true;
+}
+
+double meanOf(const std::vector<double>& numbers) {
+  return std::accumulate(numbers.begin(), numbers.end(), 0.0) / static_cast<double>(numbers.size());
+}
+
+double squaredDeviations(const std::vector<double>& numbers) {
+  if (numbers.empty()) return 0;
+  const double mean = meanOf(numbers);
+  double sum = 0;
+  for (const double number : numbers) sum += (number - mean) * (number - mean);
+  return sum;
+}
+
+}  // namespace lodex::formula
