@@ -139,6 +139,7 @@ void printAmounts(std::ostream& out, const frmResult& result) {
 }
 
 void printResiduals(std::ostream& out, const frmResult& result, int digits) {
+  const int decimals = std::max(digits, 3);
   out << "\nResidual assays, %\n\n";
   std::vector<TableRow> rows = {{"SampleNo"}};
   for (const int c : result.equationColumns) rows[0].push_back(result.F1R.ColText(c));
@@ -146,19 +147,25 @@ void printResiduals(std::ostream& out, const frmResult& result, int digits) {
     rows.push_back({result.F1R.TextRC(r, 1)});
     for (const int c : result.equationColumns) {
       const bool assayed = result.F1R.HasContent(r, c);
-      rows.back().push_back(assayed ? FormatRounded(result.F1R.NumberRC(r, c), digits) : "");
+      rows.back().push_back(assayed ? FormatRounded(result.F1R.NumberRC(r, c), decimals) : "");
     }
   }
   printTable(out, rows);
 }
 
-void printNotes(std::ostream& out, const frmResult& result) {
+// The notes of samples that have more to tell than the set-up's name.
+void printNotes(std::ostream& out, const frmResult& result, const std::string& setUpName) {
   out << "\nNotes\n\n";
   std::vector<TableRow> rows = {{"SampleNo", "Note"}};
   for (int r = 1; r <= result.F1N.LastRow(); ++r) {
-    rows.push_back({result.F1N.TextRC(r, 1), result.F1N.TextRC(r, 2)});
+    const std::string note = result.F1N.TextRC(r, 2);
+    if (note != setUpName) rows.push_back({result.F1N.TextRC(r, 1), note});
   }
-  printTable(out, rows);
+  if (rows.size() > 1) {
+    printTable(out, rows);
+  } else {
+    out << "All samples: " << setUpName << '\n';
+  }
 }
 
 // --- Saving -------------------------------------------------------------------------------------
@@ -248,7 +255,7 @@ void calculate(const ModalOptions& options, CommandContext& context, Session& se
 
   printAmounts(context.out, result);
   printResiduals(context.out, result, setUp.digits);
-  printNotes(context.out, result);
+  printNotes(context.out, result, request.setUpName);
   const Worksheet book = resultBook(result, setUp.lists, tables.F1ELoc, report,
                                     session.log.txtLog.text(), setUp.digits);
   context.out << '\n' << save(book, options, session.record) << '\n';

@@ -46,6 +46,12 @@ std::string columnName(const AssayColumn& column, int number) {
   return "column " + std::to_string(number) + " (" + column.heading + ")";
 }
 
+// The column's title, and what its converted values are where that is something else.
+std::string assayHeading(const AssayColumn& column, const Worksheet& F1ELoc) {
+  if (column.factor == 1) return column.heading;
+  return column.heading + " as " + F1ELoc.TextRC(column.elementRow, eloc::MineralField);
+}
+
 // Copies one column; returns how many cells hold text that is no number.
 int copyColumn(const AssaySheet& source, int column, double factor, const std::vector<int>& rows,
                Worksheet& target, int targetColumn) {
@@ -144,7 +150,7 @@ void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalList
     const AssayColumn& column = columns[k];
     const int target = static_cast<int>(k) + 2;
     const std::string name = columnName(column, known[k]);
-    result.F1Ini.ColText(target, column.heading);
+    result.F1Ini.ColText(target, assayHeading(column, F1ELoc));
     const int method = methodNumber(methods, column.method.empty() ? firstMethod : column.method);
     if (result.F1Kirja.HasContent(column.elementRow, method)) {
       log("Assay " + name +
