@@ -6,6 +6,7 @@
 #include "basic/Text.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/files/TextReader.h"
+#include "worksheet/files/TextWriter.h"
 #include "worksheet/formula/FormulaCell.h"
 
 namespace lodex {
@@ -50,7 +51,31 @@ bool matches(std::string_view cell, std::string_view text, const FindOptions& op
                            : findNoCase(cell, text) != std::string_view::npos;
 }
 
+// Moves what belongs to the rows or columns from `at` on by `by`. With a negative one, what belongs
+// to the first of them goes.
+template <typename T>
+void shiftKeys(std::map<int, T>& map, int at, int by, int last) {
+  std::map<int, T> shifted;
+  for (auto& [key, value] : map) {
+    if (key >= at && key + by < at) continue;
+    const int place = key < at ? key : key + by;
+    if (place <= last) shifted.emplace(place, std::move(value));
+  }
+  map = std::move(shifted);
+}
+
 }  // namespace
+
+void Worksheet::shiftHeadings(SheetData& sheet, bool rows, int at, int by) {
+  if (rows) {
+    shiftKeys(sheet.rowTexts, at, by, maxRows);
+    shiftKeys(sheet.hiddenRows, at, by, maxRows);
+  } else {
+    shiftKeys(sheet.columnTexts, at, by, maxColumns);
+    shiftKeys(sheet.widths, at, by, maxColumns);
+    shiftKeys(sheet.hiddenColumns, at, by, maxColumns);
+  }
+}
 
 void Worksheet::ClearRange(int row1, int column1, int row2, int column2, int /*type*/) {
   SheetData& sheet = checked(current_, row1, column1);
@@ -59,11 +84,14 @@ void Worksheet::ClearRange(int row1, int column1, int row2, int column2, int /*t
 
 void Worksheet::DeleteRange(int row1, int column1, int row2, int column2, Shift shift) {
   checkOrder(row1, column1, row2, column2);
-  CellStore& cells = checked(current_, row1, column1).cells;
+  SheetData& sheet = checked(current_, row1, column1);
+  CellStore& cells = sheet.cells;
   row2 = std::min(row2, maxRows);
   column2 = std::min(column2, maxColumns);
   const int rows = row2 - row1 + 1;
   const int columns = column2 - column1 + 1;
+  if (shift == Shift::Rows) shiftHeadings(sheet, true, row1, -rows);
+  if (shift == Shift::Columns) shiftHeadings(sheet, false, column1, -columns);
   switch (shift) {
     case Shift::Rows:
       return cells.deleteRows(row1, rows, 1, maxColumns);
@@ -80,6 +108,7 @@ void Worksheet::InsertRange(int row1, int column1, int row2, int column2, Shift 
   checkOrder(row1, column1, row2, column2);
   SheetData& sheet = data(current_);
   if (row1 < 1 || column1 < 1) failCell(sheet, row1, column1);
+  if (row2 > maxRows || column2 > maxColumns) failCell(sheet, row2, column2);
   const int rows = row2 - row1 + 1;
   const int columns = column2 - column1 + 1;
   const bool moveRows = shift == Shift::Rows || shift == Shift::Down;
@@ -94,6 +123,8 @@ void Worksheet::InsertRange(int row1, int column1, int row2, int column2, Shift 
   if (!moveRows && sheet.maxColumn < maxColumns) {
     sheet.maxColumn = std::min(maxColumns, sheet.maxColumn + columns);
   }
+  if (shift == Shift::Rows) shiftHeadings(sheet, true, row1, rows);
+  if (shift == Shift::Columns) shiftHeadings(sheet, false, column1, columns);
   switch (shift) {
     case Shift::Rows:
       return sheet.cells.insertRows(row1, rows, 1, maxColumns);
@@ -245,7 +276,7 @@ void Worksheet::EditCopy(Clipboard& clipboard) const {
   for (int row = std::max(1, SelStartRow()); row <= lastRow; ++row) {
     for (int column = std::max(1, SelStartCol()); column <= lastColumn; ++column) {
       if (column > std::max(1, SelStartCol())) text += '\t';
-      text += TextRC(row, column);
+      appendField(text, TextRC(row, column), '\t');
     }
     text += "\r\n";
   }

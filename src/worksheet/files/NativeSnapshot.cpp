@@ -158,7 +158,7 @@ class SnapshotReader {
   }
 
   bool atEnd() const { return rest_.empty(); }
-  [[noreturn]] static void fail() { throw FileError("The workbook snapshot is damaged"); }
+  [[noreturn]] static void fail() { throw FileError("the workbook snapshot is damaged"); }
 
  private:
   std::string_view rest_;
@@ -336,7 +336,7 @@ std::string Worksheet::WriteToBlob() const {
 }
 
 void Worksheet::ReadFromBlob(std::string_view blob) {
-  if (!looksLikeSnapshot(blob)) throw FileError("This is no workbook snapshot");
+  if (!looksLikeSnapshot(blob)) throw FileError("this is no workbook snapshot");
   if (blob.size() < headerBytes) SnapshotReader::fail();
   std::uint32_t sum;
   std::memcpy(&sum, blob.data() + magic.size(), sizeof sum);

@@ -36,7 +36,7 @@ size_t closingQuote(std::string_view text, size_t start, char separator) {
 }
 
 [[noreturn]] void failSize(const char* what, int limit) {
-  throw FileError(std::string("The text has more ") + what + " than a sheet can hold (" +
+  throw FileError(std::string("the text has more ") + what + " than a sheet can hold (" +
                   std::to_string(limit) + ")");
 }
 

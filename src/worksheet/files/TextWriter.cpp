@@ -6,7 +6,6 @@
 #include "worksheet/Worksheet.h"
 
 namespace lodex {
-namespace {
 
 void appendField(std::string& out, const std::string& field, char separator) {
   const bool special = std::any_of(field.begin(), field.end(), [&](char c) {
@@ -14,8 +13,6 @@ void appendField(std::string& out, const std::string& field, char separator) {
   });
   out += special ? '"' + replaceAll(field, "\"", "\"\"") + '"' : field;
 }
-
-}  // namespace
 
 std::string writeText(const Worksheet& sheet, char separator) {
   std::string out;

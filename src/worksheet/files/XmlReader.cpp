@@ -81,7 +81,7 @@ class Reader {
 
  private:
   [[noreturn]] static void fail(const char* reason) {
-    throw FileError(std::string("A part of the file is malformed: ") + reason);
+    throw FileError(std::string("a part of the file is malformed: ") + reason);
   }
 
   // Cuts everything up to and including `mark` and gives what stood before it.

@@ -36,7 +36,7 @@ void initialise() {
 }
 
 [[noreturn]] void failPart(std::string_view path, const char* reason) {
-  throw FileError("The part " + std::string(path) + " of the file " + reason);
+  throw FileError("the part " + std::string(path) + " of the file " + reason);
 }
 
 // The child of that name, in any case.
@@ -74,7 +74,7 @@ ZipArchive::ZipArchive(std::string_view bytes) : impl_(std::make_unique<Impl>())
   const Input memory(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
                                           static_cast<gsf_off_t>(bytes.size()), FALSE));
   if (memory) impl_->root.reset(GSF_INPUT(gsf_infile_zip_new(memory.get(), nullptr)));
-  if (!impl_->root) throw FileError("The file is damaged: its zip directory cannot be read");
+  if (!impl_->root) throw FileError("the file is damaged: its zip directory cannot be read");
 }
 
 ZipArchive::~ZipArchive() = default;
