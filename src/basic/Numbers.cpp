@@ -31,7 +31,7 @@ std::string significantText(double value, int digits) {
   const std::string_view exponentText = text.substr(e + 1);
   const size_t skip = exponentText.front() == '+' ? 1 : 0;
   std::from_chars(exponentText.data() + skip, exponentText.data() + exponentText.size(), exponent);
-  if (exponent < -5 || exponent >= 15) {
+  if (exponent < -5 || exponent >= digits) {
     std::string out = withoutTrailingZeros(std::string(text.substr(0, e)));
     out += exponent < 0 ? "E-" : "E+";
     const std::string magnitude = std::to_string(std::abs(exponent));

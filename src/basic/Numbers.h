@@ -25,7 +25,7 @@ std::optional<int> parseInteger(std::string_view text);
 /// as "1E+20" outside 1E-5 .. 1E+15. Negative zero reads "0".
 std::string numberText(double value);
 
-/// The same with the 7 significant digits of a single precision value.
+/// The same with the 7 significant digits of a single precision value, and "E" notation from 1E+07.
 std::string numberText(float value);
 
 /// The shortest text that reads back as the same double.

@@ -285,6 +285,12 @@ class ContentHandler : public XmlHandler {
   std::vector<PendingCell> pending_;
 };
 
+void readContent(std::string_view document, OdsStyles& styles, Worksheet& into) {
+  ContentHandler content(styles, into);
+  readXml(document, content);
+  into.setDefinedNames(std::move(content.names));
+}
+
 }  // namespace
 
 bool looksLikeOds(const ZipArchive& archive) {
@@ -299,9 +305,12 @@ void readOds(const ZipArchive& archive, Worksheet& into) {
     StylesHandler handler(styles);
     readXml(archive.read("styles.xml"), handler);
   }
-  ContentHandler content(styles, into);
-  readXml(archive.read("content.xml"), content);
-  into.setDefinedNames(std::move(content.names));
+  readContent(archive.read("content.xml"), styles, into);
+}
+
+void readOdsContent(std::string_view document, Worksheet& into) {
+  OdsStyles styles;
+  readContent(document, styles, into);
 }
 
 }  // namespace lodex

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 namespace lodex {
 
 class Worksheet;
@@ -13,5 +15,8 @@ bool looksLikeOds(const ZipArchive& archive);
 /// properties of cell styles, hidden rows and columns, and defined names. Throws FileError when it
 /// is damaged.
 void readOds(const ZipArchive& archive, Worksheet& into);
+
+/// The same from the document content.xml alone.
+void readOdsContent(std::string_view document, Worksheet& into);
 
 }  // namespace lodex

@@ -1,0 +1,42 @@
+#include "basic/Files.h"
+
+#include <gtest/gtest.h>
+
+#include "basic/Error.h"
+
+namespace lodex {
+namespace {
+
+TEST(Files, TakesPathsApart) {
+  EXPECT_EQ(fileNameOf("C:\\Geo\\data/a.b.xls"), "a.b.xls");
+  EXPECT_EQ(folderOf("C:\\Geo\\data/a.xls"), "C:\\Geo\\data");
+  EXPECT_EQ(folderOf("a.xls"), "");
+  EXPECT_EQ(extensionOf("x.y/a.B.XLS"), "xls");
+  EXPECT_EQ(extensionOf("x.y/file"), "");
+  EXPECT_EQ(nativePath("a\\b/c"), std::filesystem::path("a/b/c"));
+}
+
+TEST(Files, AFailedWriteLeavesTheOldFile) {
+  const auto folder = std::filesystem::temp_directory_path() / "lodex_files";
+  std::filesystem::create_directories(folder);
+  const std::string path = pathText(folder / "kept.txt");
+  writeFileWhole(path, "old");
+  const auto failing = [](const std::filesystem::path& temporary) {
+    writeFileWhole(pathText(temporary), "half");
+    throw Error("stopped");
+  };
+  EXPECT_THROW(writeFileWhole(path, failing), Error);
+  EXPECT_EQ(readFile(path), "old");
+  writeFileWhole(path, "new");
+  EXPECT_EQ(readFile(path), "new");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1)
+      << "no temporary file stays";
+  EXPECT_THROW(readFile(path, 2), FileError);
+  EXPECT_THROW(readFile(pathText(folder)), FileError);
+  EXPECT_THROW(readFile(pathText(folder / "none")), FileError);
+  EXPECT_THROW(writeFileWhole(pathText(folder / "none" / "x"), "x"), FileError);
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace lodex
