@@ -140,7 +140,8 @@ void CodePage::set(int number) {
 }
 
 std::string CodePage::toUtf8(std::string_view bytes) const {
-  if (isAscii(bytes)) return std::string(bytes);
+  // Even files that announce UTF-16 hold plain bytes where those suffice.
+  if (isAscii(bytes) && bytes.find('\0') == std::string_view::npos) return std::string(bytes);
   if (converter_ == nullptr) return fromWindows1252(bytes);
   const auto converter = static_cast<iconv_t>(converter_);
   iconv(converter, nullptr, nullptr, nullptr, nullptr);

@@ -40,22 +40,30 @@ bool plausibleHeader(std::string_view bytes) {
   return u32(0x2C) <= sectors + 1 && u32(0x40) <= sectors + 1 && u32(0x48) <= sectors + 1;
 }
 
+// What is wrong with a file is told to the user, not to the console.
+void silenceLibrary() {
+  [[maybe_unused]] static const guint handler = g_log_set_handler(
+      "libgsf:msole", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_RECURSION),
+      [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+}
+
 Owned<GsfInfile> openContainer(std::string_view bytes) {
   if (!isContainer(bytes) || !plausibleHeader(bytes)) return nullptr;
+  silenceLibrary();
   Owned<GsfInput> memory(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
                                               static_cast<gsf_off_t>(bytes.size()), FALSE));
   if (!memory) return nullptr;
   return Owned<GsfInfile>(gsf_infile_msole_new(memory.get(), nullptr));
 }
 
-// Position of the wanted child, -1 when it is not there.
-int childNamed(GsfInfile* folder, std::string_view wanted) {
+// The wanted child's name as the container spells it, null when it is not there.
+const char* childNamed(GsfInfile* folder, std::string_view wanted) {
   const int children = gsf_infile_num_children(folder);
   for (int i = 0; i < children; ++i) {
     const char* name = gsf_infile_name_by_index(folder, i);
-    if (name != nullptr && equalsNoCase(name, wanted)) return i;
+    if (name != nullptr && equalsNoCase(name, wanted)) return name;
   }
-  return -1;
+  return nullptr;
 }
 
 // In pieces, so that a container that was cut gives what is left of the stream.
@@ -91,9 +99,9 @@ std::optional<Stream> readStream(std::string_view container,
   const auto root = openContainer(container);
   if (!root) throw FileError("The file is damaged: its container cannot be read");
   for (std::string_view name : names) {
-    const int index = childNamed(root.get(), name);
-    if (index < 0) continue;
-    const Owned<GsfInput> child(gsf_infile_child_by_index(root.get(), index));
+    const char* spelled = childNamed(root.get(), name);
+    if (spelled == nullptr) continue;
+    const Owned<GsfInput> child(gsf_infile_child_by_name(root.get(), spelled));
     if (!child) throw FileError("The file is damaged: its workbook cannot be read");
     Stream stream = readAll(child.get(), container.size());
     stream.name = name;
@@ -105,7 +113,7 @@ std::optional<Stream> readStream(std::string_view container,
 bool hasStream(std::string_view container, const std::vector<std::string_view>& names) {
   const auto root = openContainer(container);
   return root && std::any_of(names.begin(), names.end(), [&](std::string_view name) {
-           return childNamed(root.get(), name) >= 0;
+           return childNamed(root.get(), name) != nullptr;
          });
 }
 
