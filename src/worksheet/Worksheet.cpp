@@ -146,52 +146,6 @@ void Worksheet::setFormulaWithValue(int sheet, int row, int column, std::string_
   cells.setFormula(row, column, std::move(cell));
 }
 
-void Worksheet::setArrayFormula(int sheet, int row1, int column1, int row2, int column2,
-                                std::string_view formula) {
-  if (row2 < row1 || column2 < column1) throw Error("The block has its ends in the wrong order");
-  CellStore& cells = checked(sheet, row1, column1).cells;
-  checked(sheet, row2, column2);
-  formulasChange();
-  if (!formula.empty() && formula.front() == '=') formula.remove_prefix(1);
-  const auto block = std::make_shared<const ArrayBlock>(
-      ArrayBlock{row1, column1, row2 - row1 + 1, column2 - column1 + 1});
-  for (int row = row1; row <= row2; ++row) {
-    for (int column = column1; column <= column2; ++column) {
-      auto cell = std::make_unique<FormulaCell>();
-      cell->text = formula;
-      cell->array = block;
-      cells.setFormula(row, column, std::move(cell));
-    }
-  }
-}
-
-void Worksheet::setCachedValue(int sheet, int row, int column, const Value& cached) {
-  const Cell& cell = checked(sheet, row, column).cells.at(row, column);
-  if (cell.kind != ValueKind::Formula) return;
-  formulasChange();
-  cell.formula->cached = cached;
-  cell.formula->valueFromFile = !cached.isEmpty();
-}
-
-// Stores a plain value; the formulas that read the cell learn of it.
-void Worksheet::setContent(SheetData& target, int sheet, int row, int column, const Value& value) {
-  if (engine_) {
-    engine_->cellChanges(sheet, row, column,
-                         target.cells.at(row, column).kind == ValueKind::Formula);
-  }
-  target.cells.set(row, column, value);
-}
-
-// Called before formulas, sheets or names change: what the engine has prepared no longer holds.
-void Worksheet::formulasChange() {
-  if (engine_) engine_->invalidate();
-}
-
-CellStore& Worksheet::cellsForReader(int sheet) {
-  formulasChange();
-  return data(sheet).cells;
-}
-
 std::string Worksheet::EntrySRC(int sheet, int row, int column) const {
   const Cell& cell = checked(sheet, row, column).cells.at(row, column);
   if (cell.kind == ValueKind::Formula) return "=" + cell.formula->text;
@@ -266,6 +220,8 @@ void Worksheet::SheetName(int sheet, std::string_view name) {
   if (other != 0 && other != sheet) {
     throw Error("There is already a sheet named " + std::string(name));
   }
+  if (data(sheet).name == name) return;
+  referencesRename(data(sheet).name, std::string(name));
   data(sheet).name = name;
 }
 
@@ -287,6 +243,10 @@ void Worksheet::InsertSheets(int before, int count) {
   if (before < 1 || before > NumSheets() + 1 || count < 0) {
     throw Error("Cannot insert sheets before sheet number " + std::to_string(before));
   }
+  formulasChange();
+  for (DefinedName& name : names_) {
+    if (name.sheet >= before) name.sheet += count;
+  }
   for (int i = 0; i < count; ++i) {
     auto sheet = std::make_unique<SheetData>();
     sheet->name = freeSheetName();
@@ -299,6 +259,7 @@ void Worksheet::DeleteSheets(int first, int count) {
   if (count <= 0) return;
   data(first);
   data(first + count - 1);
+  referencesLoseSheets(first, first + count - 1);
   sheets_.erase(sheets_.begin() + (first - 1), sheets_.begin() + (first - 1 + count));
   if (sheets_.empty()) {
     sheets_.push_back(std::make_unique<SheetData>());
@@ -334,12 +295,6 @@ void Worksheet::MaxCol(int columns) {
   }
   data(current_).maxColumn = columns;
 }
-
-void Worksheet::setDefinedNames(std::vector<DefinedName> names) {
-  names_ = std::move(names);
-}
-
-void Worksheet::Recalc() {}
 
 // --- Appearance
 // --------------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,13 @@
 namespace lodex {
 
 class FormulaEngine;
+struct ArrayBlock;
+struct FormulaCell;
+
+namespace formula {
+struct Movement;
+struct Node;
+}  // namespace formula
 
 /// Kinds of workbook files. The numbers 3 and 4 are the ones that set-ups and callers store.
 enum class FileType { Unknown = 0, Text = 3, Excel = 4, Native = 5, Xlsx = 6, Ods = 7 };
@@ -134,6 +142,8 @@ class Worksheet {
   /// that a file cached for a cell of the block is given afterwards by setCachedValue.
   void setArrayFormula(int sheet, int row1, int column1, int row2, int column2,
                        std::string_view formula);
+  /// The block of the array formula that the cell belongs to; nothing for other cells.
+  std::optional<ArrayBlock> arrayBlock(int sheet, int row, int column) const;
   /// Gives a formula cell the value that a file cached for it; other cells stay as they are.
   void setCachedValue(int sheet, int row, int column, const Value& cached);
 
@@ -311,9 +321,19 @@ class Worksheet {
   std::string displayed(const Cell& cell) const;
   void setContent(SheetData& target, int sheet, int row, int column, const Value& value);
   void formulasChange();
+  void blockChanges(int row1, int column1, int row2, int column2);
+  enum class Rewrite { All, WithSheets };
+  void rewriteFormulas(Rewrite which,
+                       const std::function<bool(int ownSheet, formula::Node& node)>& change);
+  void referencesFollow(const formula::Movement& movement);
+  void referencesRename(const std::string& before, const std::string& after);
+  void referencesLoseSheets(int first, int last);
+  void moveArrayBlocks(const formula::Movement& movement);
+  static std::unique_ptr<FormulaCell> movedFormula(const FormulaCell& source, int rows,
+                                                   int columns);
   void enterBlock(std::string_view tabText, bool formulas);
   void copyCell(int sheet, int row, int column, const Worksheet& source, int sourceSheet,
-                int sourceRow, int sourceColumn);
+                int sourceRow, int sourceColumn, int rowsMoved, int columnsMoved);
 
   std::vector<std::unique_ptr<SheetData>> sheets_;
   std::unique_ptr<FormatTable> formats_;

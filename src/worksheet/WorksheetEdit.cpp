@@ -8,6 +8,7 @@
 #include "worksheet/files/TextReader.h"
 #include "worksheet/files/TextWriter.h"
 #include "worksheet/formula/FormulaCell.h"
+#include "worksheet/formula/References.h"
 
 namespace lodex {
 namespace {
@@ -64,6 +65,20 @@ void shiftKeys(std::map<int, T>& map, int at, int by, int last) {
   map = std::move(shifted);
 }
 
+// What InsertRange (direction 1) or DeleteRange (-1) does to the cells behind the block.
+formula::Movement movementOf(int row1, int column1, int row2, int column2, Shift shift,
+                             int direction) {
+  const bool ofRows = shift == Shift::Rows || shift == Shift::Down;
+  formula::Movement movement;
+  movement.ofRows = ofRows;
+  movement.at = ofRows ? row1 : column1;
+  movement.count = direction * (ofRows ? row2 - row1 + 1 : column2 - column1 + 1);
+  movement.last = ofRows ? maxColumns : maxRows;
+  if (shift == Shift::Down) movement.first = column1, movement.last = column2;
+  if (shift == Shift::Right) movement.first = row1, movement.last = row2;
+  return movement;
+}
+
 }  // namespace
 
 void Worksheet::shiftHeadings(SheetData& sheet, bool rows, int at, int by) {
@@ -79,6 +94,7 @@ void Worksheet::shiftHeadings(SheetData& sheet, bool rows, int at, int by) {
 
 void Worksheet::ClearRange(int row1, int column1, int row2, int column2, int /*type*/) {
   SheetData& sheet = checked(current_, row1, column1);
+  blockChanges(row1, column1, row2, column2);
   sheet.cells.clear(row1, column1, row2, column2, true);
 }
 
@@ -90,6 +106,7 @@ void Worksheet::DeleteRange(int row1, int column1, int row2, int column2, Shift 
   column2 = std::min(column2, maxColumns);
   const int rows = row2 - row1 + 1;
   const int columns = column2 - column1 + 1;
+  referencesFollow(movementOf(row1, column1, row2, column2, shift, -1));
   if (shift == Shift::Rows) shiftHeadings(sheet, true, row1, -rows);
   if (shift == Shift::Columns) shiftHeadings(sheet, false, column1, -columns);
   switch (shift) {
@@ -123,6 +140,7 @@ void Worksheet::InsertRange(int row1, int column1, int row2, int column2, Shift 
   if (!moveRows && sheet.maxColumn < maxColumns) {
     sheet.maxColumn = std::min(maxColumns, sheet.maxColumn + columns);
   }
+  referencesFollow(movementOf(row1, column1, row2, column2, shift, 1));
   if (shift == Shift::Rows) shiftHeadings(sheet, true, row1, rows);
   if (shift == Shift::Columns) shiftHeadings(sheet, false, column1, columns);
   switch (shift) {
@@ -138,7 +156,7 @@ void Worksheet::InsertRange(int row1, int column1, int row2, int column2, Shift 
 }
 
 void Worksheet::copyCell(int sheet, int row, int column, const Worksheet& source, int sourceSheet,
-                         int sourceRow, int sourceColumn) {
+                         int sourceRow, int sourceColumn, int rowsMoved, int columnsMoved) {
   const Cell& from = source.cells(sourceSheet).at(sourceRow, sourceColumn);
   CellStore& target = data(sheet).cells;
   const bool sameBook = &source == this;
@@ -146,9 +164,10 @@ void Worksheet::copyCell(int sheet, int row, int column, const Worksheet& source
                                    ? from.format
                                    : formats_->indexOf(source.formats_->at(from.format));
   if (from.kind == ValueKind::Formula) {
-    target.setFormula(row, column, std::make_unique<FormulaCell>(*from.formula));
+    formulasChange();
+    target.setFormula(row, column, movedFormula(*from.formula, rowsMoved, columnsMoved));
   } else {
-    target.set(row, column, CellStore::valueOf(from));
+    setContent(data(sheet), sheet, row, column, CellStore::valueOf(from));
   }
   target.setFormat(row, column, format);
 }
@@ -172,10 +191,15 @@ void Worksheet::CopyRange(int row1, int column1, int row2, int column2, const Wo
   // that nothing is overwritten before it is read. A repeated block cannot be ordered that way.
   const bool sameSheet = &source == this;
   if (sameSheet && repeats && (rows > sourceRows || columns > sourceColumns)) {
+    // The copy stands where the source does, so that its formulas read the same.
     Worksheet copy;
-    copy.CopyRange(1, 1, sourceRows, sourceColumns, source, sourceRow1, sourceColumn1, sourceRow2,
-                   sourceColumn2);
-    CopyRange(row1, column1, row2, column2, copy, 1, 1, sourceRows, sourceColumns);
+    for (int row = sourceRow1; row <= sourceRow2; ++row) {
+      for (int column = sourceColumn1; column <= sourceColumn2; ++column) {
+        copy.copyCell(1, row, column, source, source.current_, row, column, 0, 0);
+      }
+    }
+    CopyRange(row1, column1, row2, column2, copy, sourceRow1, sourceColumn1, sourceRow2,
+              sourceColumn2);
     return;
   }
   const bool fromBottom = sameSheet && row1 > sourceRow1;
@@ -184,8 +208,10 @@ void Worksheet::CopyRange(int row1, int column1, int row2, int column2, const Wo
     const int r = fromBottom ? copyRows - 1 - i : i;
     for (int j = 0; j < copyColumns; ++j) {
       const int c = fromRight ? copyColumns - 1 - j : j;
-      copyCell(current_, row1 + r, column1 + c, source, source.current_,
-               sourceRow1 + r % sourceRows, sourceColumn1 + c % sourceColumns);
+      const int fromRow = sourceRow1 + r % sourceRows;
+      const int fromColumn = sourceColumn1 + c % sourceColumns;
+      copyCell(current_, row1 + r, column1 + c, source, source.current_, fromRow, fromColumn,
+               row1 + r - fromRow, column1 + c - fromColumn);
     }
   }
 }
@@ -253,17 +279,21 @@ void Worksheet::Sort(int row1, int column1, int row2, int column2, bool byRows,
     return false;
   });
   Worksheet before;
-  before.CopyRange(1, 1, row2 - row1 + 1, column2 - column1 + 1, *this, row1, column1, row2,
-                   column2);
+  for (int row = row1; row <= row2; ++row) {
+    for (int column = column1; column <= column2; ++column) {
+      before.copyCell(1, row, column, *this, current_, row, column, 0, 0);
+    }
+  }
   for (int i = 0; i < count; ++i) {
-    if (order[i] == i) continue;
+    const int moved = i - order[i];
+    if (moved == 0) continue;
     if (byRows) {
       for (int column = column1; column <= column2; ++column) {
-        copyCell(current_, row1 + i, column, before, 1, order[i] + 1, column - column1 + 1);
+        copyCell(current_, row1 + i, column, before, 1, row1 + order[i], column, moved, 0);
       }
     } else {
       for (int row = row1; row <= row2; ++row) {
-        copyCell(current_, row, column1 + i, before, 1, row - row1 + 1, order[i] + 1);
+        copyCell(current_, row, column1 + i, before, 1, row, column1 + order[i], 0, moved);
       }
     }
   }
