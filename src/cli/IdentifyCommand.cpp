@@ -8,9 +8,7 @@
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
-#include "chem/ReferenceTables.h"
-#include "cli/CliSession.h"
-#include "import/DataSheets.h"
+#include "cli/ImportConsole.h"
 #include "worksheet/A1.h"
 
 namespace lodex {
@@ -33,19 +31,17 @@ FileType kindOf(const std::string& path) {
   throw Error(path + ": save as .txt, .xls or .xlsx");
 }
 
-std::string thesaurusPath(const IdentifyOptions& options, const SessionRecord& record) {
-  if (!options.thesaurus.empty()) return options.thesaurus;
-  if (!record.ThesaurusFile.empty()) return record.ThesaurusFile;
-  for (const char* name : {"\\ini\\SynonLib.txt", "\\ini\\DefSynonLib.txt"}) {
-    if (FileExists(record.GeoPath + name)) return record.GeoPath + name;
-  }
-  return {};
-}
-
 // --- The table of columns
 // ---------------------------------------------------------------------------
 
 using TableRow = std::vector<std::string>;
+
+// What a terminal would act upon shows as a blank.
+std::string printable(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == 127; }, ' ');
+  return text;
+}
 
 void printTable(std::ostream& out, const std::vector<TableRow>& rows) {
   std::vector<size_t> widths(rows.front().size());
@@ -85,7 +81,9 @@ void printSheet(std::ostream& out, frmDataIN& sheet) {
   rows[0].back() = "Mark";
   for (int column = std::max(1, structure.idColumn); column <= sheet.F1D.LastCol(); ++column) {
     rows.push_back({columnLetters(column)});
-    for (const int row : shownRows) rows.back().push_back(described.text(row, column));
+    for (const int row : shownRows) {
+      rows.back().push_back(printable(described.text(row, column)));
+    }
   }
   printTable(out, rows);
   out << '\n';
@@ -94,29 +92,8 @@ void printSheet(std::ostream& out, frmDataIN& sheet) {
 // --- Saving
 // -----------------------------------------------------------------------------------------
 
-// A name that spreadsheet files accept: at most 31 characters without []:*?/\, and none twice.
-std::string freeSheetName(const Worksheet& book, int sheet, const std::string& caption) {
-  constexpr size_t longest = 31;
-  std::u32string name = decodeUtf8(caption);
-  for (char32_t& c : name) {
-    if (std::u32string_view(U"[]:*?/\\").find(c) != std::u32string_view::npos) c = U'_';
-  }
-  if (name.empty()) name = U"Sheet";
-  for (int number = 1;; ++number) {
-    const std::u32string tail =
-        number == 1 ? std::u32string() : decodeUtf8("_" + std::to_string(number));
-    const std::string candidate = encodeUtf8(name.substr(0, longest - tail.size()) + tail);
-    const int holder = book.SheetNumber(candidate);
-    if (holder == 0 || holder == sheet) return candidate;
-  }
-}
-
 void saveSheets(DataSheets& sheets, const std::string& path, FileType kind) {
   if (kind == FileType::Text) {
-    if (sheets.DataSheetCount() > 1) {
-      throw Error(path + ": a text file holds one sheet; save " +
-                  std::to_string(sheets.DataSheetCount()) + " sheets as .xls or .xlsx");
-    }
     sheets.sheet(1).F1D.Write(path, kind);
     return;
   }
@@ -140,68 +117,26 @@ void saveSheets(DataSheets& sheets, const std::string& path, FileType kind) {
 // --- The command
 // ------------------------------------------------------------------------------------
 
-void loadThesaurus(const IdentifyOptions& options, const SessionRecord& record,
-                   frmSynonLib& thesaurus, std::ostream& err) {
-  if (options.noThesaurus) return;
-  const std::string path = thesaurusPath(options, record);
-  if (path.empty()) {
-    err << "lodex: there is no thesaurus; only headings with a unit are understood\n";
-    return;
-  }
-  thesaurus.Aukaise(path);
-}
-
-// Opens one file after the other; returns how many could not be opened.
-int openFiles(DataSheets& sheets, const std::vector<std::string>& files, std::ostream& err) {
-  int failed = 0;
-  for (const std::string& file : files) {
-    try {
-      sheets.openSources({file});
-    } catch (const Error& failure) {
-      err << "lodex: " << failure.what() << '\n';
-      ++failed;
-    }
-  }
-  return failed;
-}
-
 void runIdentify(const IdentifyOptions& options, CommandContext& context) {
   const FileType kind = options.out.empty() ? FileType::Unknown : kindOf(options.out);
-  CliSession console(context);
-  Session& session = console.session();
-  taulukot tables;
-  tables.load(session.record.GeoPath + "\\reference");
-  frmSynonLib thesaurus(session);
-  loadThesaurus(options, session.record, thesaurus, context.err);
-  ImportContext import{session, tables, thesaurus};
-  Form shell("MDIMain");
-  DataSheets sheets(shell, import);
-  sheets.chkUseThes.setChecked(!options.noThesaurus);
+  ImportConsole console(context, {options.thesaurus, options.noThesaurus});
+  DataSheets& sheets = console.sheets();
   sheets.chkFILEISMET.setChecked(options.methodFromFile);
-  sheets.chkUnIDToUser.setChecked(true);
 
-  const int failed = openFiles(sheets, options.files, context.err);
-  for (const std::string& line : split(session.log.txtLog.text(), "\r\n")) {
-    if (!line.empty()) context.err << line << '\n';
-  }
+  const int failed = console.open(options.files);
   if (sheets.DataSheetCount() > 0) {
-    sheets.lstI.selectAll(true);
-    sheets.IDENTIFY(false);
+    console.identify();
     for (int number = 1; number <= sheets.DataSheetCount(); ++number) {
       printSheet(context.out, sheets.sheet(number));
     }
+    const frmLog& log = console.session().log;
     if (options.showLog) {
-      context.out << "Log\n\n" << replaceAll(session.log.txtLog.text(), "\r\n", "\n") << '\n';
+      context.out << "Log\n\n" << replaceAll(log.txtLog.text(), "\r\n", "\n") << '\n';
     }
-    for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
-      if (!line.empty()) context.err << "lodex: " << line << '\n';
-    }
+    console.printLines(log.txtErr.text(), "lodex: ");
     if (!options.out.empty()) saveSheets(sheets, options.out, kind);
   }
-  if (failed > 0) {
-    throw Error(std::to_string(failed) + " of " + std::to_string(options.files.size()) +
-                " files could not be opened");
-  }
+  requireAllOpened(failed, options.files.size());
 }
 
 }  // namespace
