@@ -160,6 +160,7 @@ std::string CodePage::toUtf8(std::string_view bytes) const {
 }
 
 std::string fromUtf16Bytes(std::string_view bytes) {
+  if (bytes.size() < 2) return {};
   std::u16string units(bytes.size() / 2, u'\0');
   std::memcpy(units.data(), bytes.data(), units.size() * 2);
   return fromUtf16(units);

@@ -1,11 +1,11 @@
 #include "worksheet/files/xls/OleFile.h"
 
-#include <gsf/gsf-infile-msole.h>
-#include <gsf/gsf-input-memory.h>
 #include <gsf/gsf-outfile-msole.h>
 #include <gsf/gsf-output-memory.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include "basic/Error.h"
@@ -20,72 +20,171 @@ struct Unref {
 template <typename T>
 using Owned = std::unique_ptr<T, Unref>;
 
+// Layout after Microsoft's [MS-CFB], "Compound File Binary File Format".
 constexpr std::string_view signature("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
-constexpr size_t headerSize = 512;
+constexpr size_t headerSize = 512, entrySize = 128;
+constexpr std::uint32_t freeSector = 0xFFFFFFFF, noEntry = 0xFFFFFFFF;
+constexpr unsigned typeStream = 2, typeRoot = 5;
 
-// What the library takes from the header without looking: sector sizes and counts that would make
-// it allocate or shift beyond reason.
-bool plausibleHeader(std::string_view bytes) {
-  if (bytes.size() < headerSize) return false;
-  const auto u16 = [&](size_t at) {
-    return static_cast<unsigned char>(bytes[at]) | static_cast<unsigned char>(bytes[at + 1]) << 8;
+std::uint32_t u32At(std::string_view bytes, size_t at) {
+  std::uint32_t value = 0;
+  if (at + sizeof value <= bytes.size()) std::memcpy(&value, bytes.data() + at, sizeof value);
+  return value;
+}
+
+unsigned u16At(std::string_view bytes, size_t at) {
+  return u32At(bytes, at) & 0xFFFF;
+}
+
+// A container that is read in place. Chains of sectors end where they leave the file or grow longer
+// than it, so that no damage makes them endless.
+class Container {
+ public:
+  explicit Container(std::string_view bytes);
+
+  bool isSound() const { return sound_; }
+  bool has(std::string_view name) const { return find(name).type == typeStream; }
+  std::string stream(std::string_view name) const;
+
+ private:
+  struct Entry {
+    std::string name;
+    unsigned type = 0;
+    std::uint32_t left = noEntry, right = noEntry, child = noEntry;
+    std::uint32_t start = 0, size = 0;
   };
-  const int sectorShift = u16(0x1E);
-  const int miniShift = u16(0x20);
-  if (sectorShift < 6 || sectorShift > 15 || miniShift < 2 || miniShift > sectorShift) return false;
-  const size_t sectors = bytes.size() >> sectorShift;
-  const auto u32 = [&](size_t at) {
-    return static_cast<size_t>(u16(at)) | static_cast<size_t>(u16(at + 2)) << 16;
+
+  std::string_view sector(std::uint32_t number) const {
+    const size_t at = (size_t{number} + 1) << sectorShift_;
+    return at < bytes_.size() ? bytes_.substr(at, size_t{1} << sectorShift_) : std::string_view();
+  }
+  void readTable();
+  void addTableSector(std::uint32_t number);
+  std::string chain(std::uint32_t start, size_t size) const;
+  std::string miniChain(std::uint32_t start, size_t size) const;
+  Entry entry(size_t index) const;
+  Entry find(std::string_view name) const;
+
+  std::string_view bytes_;
+  unsigned sectorShift_ = 9, miniShift_ = 6;
+  std::vector<std::uint32_t> table_;  // by sector: the next one
+  std::string directory_;
+  bool sound_ = false;
+};
+
+Container::Container(std::string_view bytes) : bytes_(bytes) {
+  if (!isContainer(bytes) || bytes.size() < headerSize) return;
+  sectorShift_ = u16At(bytes, 0x1E);
+  miniShift_ = u16At(bytes, 0x20);
+  if (sectorShift_ < 7 || sectorShift_ > 16 || miniShift_ < 2 || miniShift_ > sectorShift_) return;
+  readTable();
+  directory_ = chain(u32At(bytes, 0x30), bytes.size());
+  sound_ = directory_.size() >= entrySize && entry(0).type == typeRoot;
+}
+
+void Container::addTableSector(std::uint32_t number) {
+  const std::string_view part = sector(number);
+  const size_t count = (size_t{1} << sectorShift_) / 4;
+  for (size_t i = 0; i < count; ++i) {
+    table_.push_back(i * 4 + 4 <= part.size() ? u32At(part, i * 4) : freeSector);
+  }
+}
+
+// The sectors that hold the table are listed in the header, and for large files in further sectors.
+void Container::readTable() {
+  const size_t sectors = (bytes_.size() >> sectorShift_) + 1;
+  const auto wanted = [&](std::uint32_t number) {
+    return number < sectors && table_.size() < sectors;
   };
-  return u32(0x2C) <= sectors + 1 && u32(0x40) <= sectors + 1 && u32(0x48) <= sectors + 1;
-}
-
-// What is wrong with a file is told to the user, not to the console.
-void silenceLibrary() {
-  [[maybe_unused]] static const guint handler = g_log_set_handler(
-      "libgsf:msole", static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_RECURSION),
-      [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
-}
-
-Owned<GsfInfile> openContainer(std::string_view bytes) {
-  if (!isContainer(bytes) || !plausibleHeader(bytes)) return nullptr;
-  silenceLibrary();
-  Owned<GsfInput> memory(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
-                                              static_cast<gsf_off_t>(bytes.size()), FALSE));
-  if (!memory) return nullptr;
-  return Owned<GsfInfile>(gsf_infile_msole_new(memory.get(), nullptr));
-}
-
-// The wanted child's name as the container spells it, null when it is not there.
-const char* childNamed(GsfInfile* folder, std::string_view wanted) {
-  const int children = gsf_infile_num_children(folder);
-  for (int i = 0; i < children; ++i) {
-    const char* name = gsf_infile_name_by_index(folder, i);
-    if (name != nullptr && equalsNoCase(name, wanted)) return name;
+  for (size_t i = 0; i < 109; ++i) {
+    const std::uint32_t number = u32At(bytes_, 0x4C + i * 4);
+    if (wanted(number)) addTableSector(number);
   }
-  return nullptr;
+  const size_t perSector = (size_t{1} << sectorShift_) / 4 - 1;
+  std::uint32_t list = u32At(bytes_, 0x44);
+  for (size_t turn = 0; turn < sectors && list < sectors && table_.size() < sectors; ++turn) {
+    const std::string_view part = sector(list);
+    for (size_t i = 0; i < perSector && i * 4 < part.size(); ++i) {
+      const std::uint32_t number = u32At(part, i * 4);
+      if (wanted(number)) addTableSector(number);
+    }
+    list = u32At(part, perSector * 4);
+  }
 }
 
-// In pieces, so that a container that was cut gives what is left of the stream.
-Stream readAll(GsfInput* input, size_t limit) {
-  Stream stream;
-  const gsf_off_t declared = gsf_input_size(input);
-  const size_t size = declared < 0 ? 0 : std::min(static_cast<size_t>(declared), limit);
-  stream.complete = declared >= 0 && static_cast<size_t>(declared) == size;
-  stream.bytes.resize(size);
-  auto* out = reinterpret_cast<guint8*>(stream.bytes.data());
-  if (size == 0 || gsf_input_read(input, size, out) != nullptr) return stream;
-  stream.complete = false;
-  size_t done = 0;
-  constexpr size_t piece = 512;
-  gsf_input_seek(input, 0, G_SEEK_SET);
-  while (done < size) {
-    const size_t count = std::min(piece, size - done);
-    if (gsf_input_read(input, count, out + done) == nullptr) break;
-    done += count;
+std::string Container::chain(std::uint32_t start, size_t size) const {
+  std::string out;
+  size = std::min(size, bytes_.size());
+  out.reserve(size);
+  for (std::uint32_t number = start; out.size() < size && number < table_.size();
+       number = table_[number]) {
+    const std::string_view part = sector(number);
+    if (part.empty()) break;
+    out += part.substr(0, size - out.size());
   }
-  stream.bytes.resize(done);
-  return stream;
+  return out;
+}
+
+// Short streams share the root's stream, in smaller sectors with a table of their own.
+std::string Container::miniChain(std::uint32_t start, size_t size) const {
+  const Entry root = entry(0);
+  const std::string shared = chain(root.start, root.size);
+  const std::string next = chain(u32At(bytes_, 0x3C), bytes_.size());
+  std::string out;
+  size = std::min(size, bytes_.size());
+  for (size_t number = start; out.size() < size;) {
+    const size_t at = number << miniShift_;
+    if (at >= shared.size()) break;
+    out += shared.substr(at, std::min(size_t{1} << miniShift_, size - out.size()));
+    if (number * 4 + 4 > next.size()) break;
+    number = u32At(next, number * 4);
+  }
+  return out;
+}
+
+Container::Entry Container::entry(size_t index) const {
+  Entry result;
+  const std::string_view all = directory_;
+  if (index >= all.size() / entrySize) return result;
+  const std::string_view raw = all.substr(index * entrySize, entrySize);
+  const size_t nameBytes = std::min<size_t>(u16At(raw, 64), 64);
+  std::u16string name;
+  for (size_t i = 0; i + 2 < nameBytes; i += 2)
+    name.push_back(static_cast<char16_t>(u16At(raw, i)));
+  result.name = fromUtf16(name);
+  result.type = static_cast<unsigned char>(raw[66]);
+  result.left = u32At(raw, 68);
+  result.right = u32At(raw, 72);
+  result.child = u32At(raw, 76);
+  result.start = u32At(raw, 116);
+  result.size = u32At(raw, 120);
+  return result;
+}
+
+// A stream at the root, of type 0 when there is none. The entries of the root form a tree; embedded
+// objects with streams of the same name stand deeper.
+Container::Entry Container::find(std::string_view name) const {
+  const size_t count = directory_.size() / entrySize;
+  std::vector<bool> seen(count, false);
+  std::vector<std::uint32_t> waiting{entry(0).child};
+  while (!waiting.empty()) {
+    const std::uint32_t index = waiting.back();
+    waiting.pop_back();
+    if (index >= count || seen[index]) continue;
+    seen[index] = true;
+    Entry here = entry(index);
+    if (here.type == typeStream && equalsNoCase(here.name, name)) return here;
+    waiting.push_back(here.left);
+    waiting.push_back(here.right);
+  }
+  return {};
+}
+
+std::string Container::stream(std::string_view name) const {
+  const Entry place = find(name);
+  const std::uint32_t smallest = u32At(bytes_, 0x38);
+  return place.size < smallest ? miniChain(place.start, place.size)
+                               : chain(place.start, place.size);
 }
 
 }  // namespace
@@ -96,25 +195,18 @@ bool isContainer(std::string_view bytes) {
 
 std::optional<Stream> readStream(std::string_view container,
                                  const std::vector<std::string_view>& names) {
-  const auto root = openContainer(container);
-  if (!root) throw FileError("The file is damaged: its container cannot be read");
+  const Container file(container);
+  if (!file.isSound()) throw FileError("The file is damaged: its container cannot be read");
   for (std::string_view name : names) {
-    const char* spelled = childNamed(root.get(), name);
-    if (spelled == nullptr) continue;
-    const Owned<GsfInput> child(gsf_infile_child_by_name(root.get(), spelled));
-    if (!child) throw FileError("The file is damaged: its workbook cannot be read");
-    Stream stream = readAll(child.get(), container.size());
-    stream.name = name;
-    return stream;
+    if (file.has(name)) return Stream{std::string(name), file.stream(name)};
   }
   return std::nullopt;
 }
 
 bool hasStream(std::string_view container, const std::vector<std::string_view>& names) {
-  const auto root = openContainer(container);
-  return root && std::any_of(names.begin(), names.end(), [&](std::string_view name) {
-           return childNamed(root.get(), name) != nullptr;
-         });
+  const Container file(container);
+  return file.isSound() && std::any_of(names.begin(), names.end(),
+                                       [&](std::string_view name) { return file.has(name); });
 }
 
 std::string writeContainer(std::string_view streamName, std::string_view bytes) {

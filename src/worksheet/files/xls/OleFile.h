@@ -12,9 +12,8 @@ namespace lodex::ole {
 bool isContainer(std::string_view bytes);
 
 struct Stream {
-  std::string name;  // as the container spells it
-  std::string bytes;
-  bool complete = true;  // false when the container ends before the stream
+  std::string name;   // as it was asked for
+  std::string bytes;  // less than its size when the container was cut
 };
 
 /// The first of the named streams at the container's root, sought in that order and without regard
