@@ -85,7 +85,7 @@ void Worksheet::Write(std::string_view path, FileType type) const {
     case FileType::Native:
       return writeFileWhole(path, WriteToBlob());
     case FileType::Xlsx:
-      return writeFileWhole(path, [&](const auto& temporary) { writeXlsx(*this, temporary); });
+      return writeFileWhole(path, writeXlsx(*this));
     default:
       throw FileError("Cannot write " + std::string(path) + ": no writer for this kind of file");
   }

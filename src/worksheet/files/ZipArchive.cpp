@@ -103,6 +103,37 @@ std::string ZipArchive::read(std::string_view path) const {
   return content;
 }
 
+struct ZipWriter::Impl {
+  std::unique_ptr<GsfOutput, Unref> memory;
+  std::unique_ptr<GsfOutfile, Unref> zip;
+};
+
+ZipWriter::ZipWriter() : impl_(std::make_unique<Impl>()) {
+  initialise();
+  impl_->memory.reset(gsf_output_memory_new());
+  impl_->zip.reset(gsf_outfile_zip_new(impl_->memory.get(), nullptr));
+}
+
+ZipWriter::~ZipWriter() = default;
+
+void ZipWriter::add(const std::string& path, std::string_view content) {
+  const std::unique_ptr<GsfOutput, Unref> part(
+      gsf_outfile_new_child(impl_->zip.get(), path.c_str(), FALSE));
+  const bool written =
+      part && gsf_output_write(part.get(), content.size(),
+                               reinterpret_cast<const guint8*>(content.data())) != FALSE;
+  if (!written || gsf_output_close(part.get()) == FALSE) failPart(path, "cannot be written");
+}
+
+std::string ZipWriter::finish() {
+  if (gsf_output_close(GSF_OUTPUT(impl_->zip.get())) == FALSE) {
+    throw FileError("the zip directory cannot be written");
+  }
+  const auto* bytes = gsf_output_memory_get_bytes(GSF_OUTPUT_MEMORY(impl_->memory.get()));
+  const auto size = static_cast<size_t>(gsf_output_size(impl_->memory.get()));
+  return std::string(reinterpret_cast<const char*>(bytes), size);
+}
+
 bool looksLikeZip(std::string_view bytes) {
   return bytes.substr(0, 4) == "PK\x03\x04";
 }

@@ -27,6 +27,24 @@ class ZipArchive {
   std::unique_ptr<Impl> impl_;
 };
 
+/// Puts a zip file together in memory.
+class ZipWriter {
+ public:
+  ZipWriter();
+  ~ZipWriter();
+  ZipWriter(const ZipWriter&) = delete;
+  ZipWriter& operator=(const ZipWriter&) = delete;
+
+  /// Adds a part under a path such as "xl/workbook.xml".
+  void add(const std::string& path, std::string_view content);
+  /// The bytes of the file; nothing can be added afterwards.
+  std::string finish();
+
+ private:
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
 /// True for the first bytes of any zip file.
 bool looksLikeZip(std::string_view bytes);
 

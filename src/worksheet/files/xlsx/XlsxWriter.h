@@ -1,16 +1,15 @@
 #pragma once
 
-#include <filesystem>
+#include <string>
 
 namespace lodex {
 
 class Worksheet;
 
-/// Writes the workbook as .xlsx: values, formulas with their cached values, formats, widths, hidden
-/// rows and columns, frozen rows, defined names and the visibility of sheets. Texts that are plain
-/// decimals, such as "12.50", become numbers that show the same decimals. Dates of a workbook that
-/// counts from 1904 are written as counted from 1900. Throws FileError when the file cannot be
-/// written or the workbook holds what the format cannot.
-void writeXlsx(const Worksheet& book, const std::filesystem::path& path);
+/// The bytes of an .xlsx file (ECMA-376 part 1, chapter 18) of the workbook: values, formulas with
+/// their cached values, formats, widths, hidden rows and columns, frozen rows, defined names and
+/// the visibility of sheets. Texts that are plain decimals, such as "12.50", become numbers that
+/// show the same decimals. Throws FileError when the workbook holds what the format cannot.
+std::string writeXlsx(const Worksheet& book);
 
 }  // namespace lodex
