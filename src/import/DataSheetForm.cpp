@@ -9,6 +9,7 @@
 #include "import/SheetPaint.h"
 #include "import/StructureEdit.h"
 #include "import/frmSplitDialog.h"
+#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {
@@ -388,7 +389,10 @@ void DataSheetForm::CopyAllCells() {
   const WideLimits wide(F1D);
   const int columns = std::max(1, F1D.LastCol());
   F1D.InsertRange(1, 1, 1, 1, Shift::Rows);
-  for (int column = 1; column <= columns; ++column) F1D.TextRC(1, column, F1D.ColText(column));
+  for (int column = 1; column <= columns; ++column) {
+    const std::string heading = F1D.ColText(column);
+    F1D.TextRC(1, column, heading.empty() ? columnLetters(column) : heading);
+  }
   F1D.SetSelection(1, 1, std::max(1, F1D.LastRow()), columns);
   F1D.EditCopy(session().clipboard());
   F1D.DeleteRange(1, 1, 1, 1, Shift::Rows);

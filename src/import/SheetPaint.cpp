@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "worksheet/A1.h"
-
 namespace lodex {
 namespace {
 
@@ -45,19 +43,15 @@ void clearPaint(Worksheet& sheet) {
   }
 }
 
-// Headings that say something of the structure begin with "-".
+// Headings that say something of the structure begin with "-". Without a text of their own a column
+// shows its letter and a row its number.
 void takeBackHeadings(Worksheet& sheet) {
-  constexpr int headingsBeyond = 100;  // rows may have been deleted since they were labelled
-  constexpr int lastLettered = 256;
-  const int lastColumn =
-      std::min(maxColumns, std::max(sheet.LastCol() + headingsBeyond, lastLettered));
-  for (int column = 1; column <= lastColumn; ++column) {
-    if (!sheet.ColText(column).starts_with('-')) continue;
-    sheet.ColText(column, column <= lastLettered ? columnLetters(column) : std::string());
+  constexpr int headingsBeyond = 256;  // rows and columns may have gone since they were labelled
+  for (int column = 1; column <= std::min(maxColumns, sheet.LastCol() + headingsBeyond); ++column) {
+    if (sheet.ColText(column).starts_with('-')) sheet.ColText(column, "");
   }
-  const int lastRow = std::min(maxRows, sheet.LastRow() + headingsBeyond);
-  for (int row = 1; row <= lastRow; ++row) {
-    if (sheet.RowText(row).starts_with('-')) sheet.RowText(row, std::to_string(row));
+  for (int row = 1; row <= std::min(maxRows, sheet.LastRow() + headingsBeyond); ++row) {
+    if (sheet.RowText(row).starts_with('-')) sheet.RowText(row, "");
   }
 }
 

@@ -50,11 +50,9 @@ void frmSynonLib::Aukaise(std::string_view path) {
   }
   // Older files have a column for minerals; its heading goes with it.
   for (int column = loaded.LastCol(); column >= 1; --column) {
-    if (loaded.ColText(column) != "Mineral") continue;
-    for (int next = column; next <= loaded.LastCol(); ++next) {
-      loaded.ColText(next, loaded.ColText(next + 1));
+    if (loaded.ColText(column) == "Mineral") {
+      loaded.DeleteRange(1, column, 1, column, Shift::Columns);
     }
-    loaded.DeleteRange(1, column, 1, column, Shift::Columns);
   }
   if (loaded.LastRow() > 0) loaded.DeleteRange(1, 1, 1, 1, Shift::Rows);
   F1Lib = std::move(loaded);
