@@ -21,9 +21,11 @@ struct CommandContext {
 
 /// Each adds one sub-command with its options. Its callback throws Error to fail with status 1.
 void addCellsCommand(CLI::App& app, CommandContext& context);
+void addCalcCommand(CLI::App& app, CommandContext& context);
 void addConvertCommand(CLI::App& app, CommandContext& context);
 void addRecalcCommand(CLI::App& app, CommandContext& context);
 void addIdentifyCommand(CLI::App& app, CommandContext& context);
+void addMethodsCommand(CLI::App& app, CommandContext& context);
 void addMineralsCommand(CLI::App& app, CommandContext& context);
 void addModalCommand(CLI::App& app, CommandContext& context);
 

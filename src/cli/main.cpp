@@ -23,6 +23,8 @@ int main(int argc, char** argv) {
   app.add_option("--answer", context.answers, "answer to the next question, may be repeated");
   app.require_subcommand(1);
   addIdentifyCommand(app, context);
+  addCalcCommand(app, context);
+  addMethodsCommand(app, context);
   addModalCommand(app, context);
   addMineralsCommand(app, context);
   addCellsCommand(app, context);

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calc/CalculationGroup.h"
+#include "calc/ItemSources.h"
+#include "calc/ResultSheets.h"
+#include "calc/SourceSheet.h"
+#include "chem/CompoundConverter.h"
+#include "session/Log.h"
+
+namespace lodex {
+
+/// A calculation: which methods run over the samples of which sheets, and where results go.
+struct CalculationRequest {
+  CalculationGroup& group;
+  std::vector<std::string> methods;  // names, in the order of the list
+  const SourceSheets& sheets;        // samples come from the selected ones
+  const Worksheet& F1Ref;            // where items come from
+  const CompoundConverter& converter;
+  Worksheet& results;
+  bool keepResults = false;  // add to the results that are there
+
+  std::function<void(std::string_view line, LogKind kind)> log{};
+  /// Called before each sample with its number, from 1, and the number of all; false ends the run.
+  std::function<bool(std::string_view text, int sample, int samples)> nextSample{};
+};
+
+struct CalculationOutcome {
+  int samples = 0;     // found
+  int calculated = 0;  // through all methods
+  int errors = 0;      // duplicates, and methods that failed on a sample
+  bool aborted = false;
+};
+
+/// Runs the methods over all samples, in the order of their priorities. The results are workbook
+/// sheets in the layout of ResultSheets, complete up to the last sample that was calculated.
+CalculationOutcome runCalculation(const CalculationRequest& request);
+
+/// Name and type of the identifier's field: of the first selected sheet that has them.
+KeyField keyFieldOf(const SourceSheets& sheets);
+
+}  // namespace lodex

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "calc/CalculationGroup.h"
+#include "calc/CalculationRun.h"
+#include "calc/ItemSources.h"
+#include "import/DataSheets.h"
+
+namespace lodex {
+
+/// The calculations of the shell: the group in use, its list of methods, the item sources and the
+/// command that runs what is selected. The controls are made on the shell's form.
+class Calculations {
+ public:
+  Calculations(Form& shell, ImportContext& context, DataSheets& sheets);
+
+  ListBox lstCalc;       // methods of the group; the selected ones are run
+  ComboBox cmbRoutines;  // the same, in the tool bar
+  CheckBox chkAskRefs;   // ask where an item has several sources
+  Button cmdGroup;       // shows the group in use and changes it
+  Button cmdCalculate;
+
+  CalculationGroup group;
+
+  /// Set while a database is the source of samples: gives its tables in place of the data sheets.
+  /// Which of them are selected is for lstSrcF to say.
+  std::function<SourceSheets()> databaseTables{};
+
+  /// Lets the user choose a group and loads it.
+  void ChangeGroup();
+  /// Loads the group in use, or the default one where there is none.
+  void AlustaCALC(bool clearList);
+  /// Builds the item sources in the shell's F1Ref anew, for all methods or for one.
+  void Alusta(std::string_view item);
+  /// Runs the selected methods over the samples of the selected sheets.
+  void Calculate();
+  /// The map was edited: it holds for the sheets selected now.
+  void sourcesEdited();
+
+  /// What samples are read from, with the marks of lstSrcF.
+  SourceSheets sourceSheets() const;
+
+ private:
+  bool findGroupsFolder();
+  void fillLists();
+  void ensureSources(const SourceSheets& sheets);
+  void freezeIdentifiers();
+  bool keepResults();
+  bool goOn(const std::vector<const Worksheet*>& tables, std::string_view text, int sample,
+            int samples);
+  std::vector<const Worksheet*> openTables() const;
+  void showResult(const CalculationOutcome& outcome, bool kept);
+  void guarded(const std::function<void()>& command);
+
+  using Selection = std::vector<std::pair<int, std::string>>;
+  static Selection selectionOf(const SourceSheets& sheets);
+
+  ImportContext& context_;
+  DataSheets& sheets_;
+  Selection builtFor_;  // the sheets that F1Ref was built from
+  bool running_ = false;
+};
+
+/// The open data sheets as places to read samples from, none of them selected.
+SourceSheets openSourceSheets(DataSheets& sheets);
+
+}  // namespace lodex

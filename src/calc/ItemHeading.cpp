@@ -1,0 +1,107 @@
+#include "calc/ItemHeading.h"
+
+#include <algorithm>
+#include <array>
+
+#include "basic/Text.h"
+#include "chem/Elements.h"
+#include "chem/Headings.h"
+
+namespace lodex {
+namespace {
+
+// The text left of the unit.
+std::string_view bodyOf(std::string_view heading) {
+  size_t end = heading.size();
+  for (const std::string_view unit : {"%", "PPM", "PPB", "G/T", "MG/L"}) {
+    end = std::min(end, findNoCase(heading, unit));
+  }
+  return trimBlanks(heading.substr(0, end));
+}
+
+std::string methodName(std::string_view text) {
+  while (!text.empty() && std::string_view(" _/").find(text.front()) != std::string_view::npos) {
+    text.remove_prefix(1);
+  }
+  while (!text.empty() && std::string_view(" _/(,").find(text.back()) != std::string_view::npos) {
+    text.remove_suffix(1);
+  }
+  const std::string name = toUpper(text);
+  return name == "TOT" ? std::string() : name;
+}
+
+// Takes the form apart: "FeOtot", "Fe2O3(T)" and "Fe2O3T" are totals.
+void readForm(ItemHeading& heading, const CompoundConverter& converter) {
+  if (converter.IsCompound(heading.form)) {
+    heading.formula = heading.form;
+    return;
+  }
+  constexpr std::array<std::string_view, 6> totals = {"(TOTAL)", "(TOT)", "(T)",
+                                                      "TOTAL",   "TOT",   "T"};
+  const std::string upper = toUpper(heading.form);
+  for (const std::string_view total : totals) {
+    if (!upper.ends_with(total)) continue;
+    const std::string formula = heading.form.substr(0, heading.form.size() - total.size());
+    if (!converter.IsCompound(formula)) return;
+    heading.formula = formula;
+    heading.isTotal = true;
+    return;
+  }
+}
+
+}  // namespace
+
+bool ItemHeading::sameForm(const ItemHeading& other) const {
+  return formula == other.formula && isTotal == other.isTotal;
+}
+
+ItemHeading itemHeading(std::string_view text, SymbolEnd end, const CompoundConverter& converter) {
+  ItemHeading heading;
+  HeadingFactor(text, heading.isOxide, heading.unitFactor);
+  const std::string_view body = bodyOf(text);
+  const size_t formEnd = std::min(body.size(), body.find_first_of(" _/"));
+  heading.form = body.substr(0, formEnd);
+  heading.method = methodName(body.substr(formEnd));
+  std::string symbol(text);
+  heading.element = end == SymbolEnd::Strict ? ElementNumberStrict(symbol) : ElementNumber(symbol);
+  if (heading.element == 0) {
+    // No formula: "Structural height" and "LOI" are names.
+    heading.form = body;
+    heading.method.clear();
+    return heading;
+  }
+  readForm(heading, converter);
+  return heading;
+}
+
+ItemHeading columnHeading(std::string_view element, std::string_view method, std::string_view unit,
+                          const CompoundConverter& converter) {
+  ItemHeading heading;
+  heading.form = trimBlanks(element);
+  heading.method = methodName(method);
+  heading.unitFactor = DataUnitFactor(unit);
+  readForm(heading, converter);
+  if (!heading.formula.empty()) {
+    std::string symbol = heading.formula;
+    heading.element = ElementNumber(symbol);
+    bool isOxide = false;
+    double unused = 0;
+    HeadingFactor(heading.formula, isOxide, unused);
+    heading.isOxide = isOxide;
+  }
+  return heading;
+}
+
+double conversionFactor(const ItemHeading& column, const ItemHeading& item,
+                        const CompoundConverter& converter) {
+  const bool unitsKnown = column.unitFactor > 0 && item.unitFactor > 0;
+  double factor = 1;
+  const double units = unitsKnown ? item.unitFactor / column.unitFactor : 1;
+  if (column.formula.empty() || item.formula.empty() || column.formula == item.formula) {
+    return units;
+  }
+  converter.ConvertForm(column.formula, item.formula, units, factor);
+  return factor;
+}
+
+}  // namespace lodex

@@ -1,0 +1,93 @@
+#include "cli/ImportConsole.h"
+
+#include <ostream>
+
+#include "basic/Error.h"
+#include "basic/Text.h"
+
+namespace lodex {
+namespace {
+
+std::string thesaurusPath(const ThesaurusChoice& choice, const SessionRecord& record) {
+  if (!choice.path.empty()) return choice.path;
+  if (!record.ThesaurusFile.empty()) return record.ThesaurusFile;
+  for (const char* name : {"\\ini\\SynonLib.txt", "\\ini\\DefSynonLib.txt"}) {
+    if (FileExists(record.GeoPath + name)) return record.GeoPath + name;
+  }
+  return {};
+}
+
+}  // namespace
+
+ImportConsole::ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus)
+    : context_(context),
+      console_(context),
+      thesaurus_(console_.session()),
+      import_{console_.session(), tables_, thesaurus_},
+      shell_("MDIMain"),
+      sheets_(shell_, import_) {
+  tables_.load(session().record.GeoPath + "\\reference");
+  loadThesaurus(thesaurus);
+  sheets_.chkUseThes.setChecked(!thesaurus.none);
+  sheets_.chkUnIDToUser.setChecked(true);
+}
+
+void ImportConsole::loadThesaurus(const ThesaurusChoice& choice) {
+  if (choice.none) return;
+  const std::string path = thesaurusPath(choice, session().record);
+  if (path.empty()) {
+    context_.err << "lodex: there is no thesaurus; only headings with a unit are understood\n";
+    return;
+  }
+  thesaurus_.Aukaise(path);
+}
+
+int ImportConsole::open(const std::vector<std::string>& files) {
+  int failed = 0;
+  for (const std::string& file : files) {
+    try {
+      sheets_.openSources({file});
+    } catch (const Error& failure) {
+      context_.err << "lodex: " << failure.what() << '\n';
+      ++failed;
+    }
+  }
+  printLines(session().log.txtLog.text(), "");
+  return failed;
+}
+
+void ImportConsole::identify() {
+  if (sheets_.DataSheetCount() == 0) return;
+  sheets_.lstI.selectAll(true);
+  sheets_.IDENTIFY(false);
+}
+
+void ImportConsole::printLines(const std::string& pane, const std::string& prefix) const {
+  for (const std::string& line : split(pane, "\r\n")) {
+    if (!line.empty()) context_.err << prefix << line << '\n';
+  }
+}
+
+void requireAllOpened(int failed, size_t files) {
+  if (failed == 0) return;
+  throw Error(std::to_string(failed) + " of " + std::to_string(files) +
+              " files could not be opened");
+}
+
+std::string freeSheetName(const Worksheet& book, int sheet, const std::string& wanted) {
+  constexpr size_t longest = 31;
+  std::u32string name = decodeUtf8(wanted);
+  for (char32_t& c : name) {
+    if (std::u32string_view(U"[]:*?/\\").find(c) != std::u32string_view::npos) c = U'_';
+  }
+  if (name.empty()) name = U"Sheet";
+  for (int number = 1;; ++number) {
+    const std::u32string tail =
+        number == 1 ? std::u32string() : decodeUtf8("_" + std::to_string(number));
+    const std::string candidate = encodeUtf8(name.substr(0, longest - tail.size()) + tail);
+    const int holder = book.SheetNumber(candidate);
+    if (holder == 0 || holder == sheet) return candidate;
+  }
+}
+
+}  // namespace lodex

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "chem/ReferenceTables.h"
+#include "cli/CliSession.h"
+#include "import/DataSheets.h"
+
+namespace lodex {
+
+struct ThesaurusChoice {
+  std::string path;   // empty: the one of the settings
+  bool none = false;  // understand only headings with a unit
+};
+
+/// The import without a screen, as the commands that read analysis files share it: a session, the
+/// reference tables, a thesaurus and the list of data sheets.
+class ImportConsole {
+ public:
+  ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus);
+
+  /// Opens one file after the other; what cannot be opened is reported. Returns how many failed.
+  int open(const std::vector<std::string>& files);
+  /// Identifies all open sheets.
+  void identify();
+  /// Prints a pane of the log to standard error, each line behind `prefix`.
+  void printLines(const std::string& pane, const std::string& prefix) const;
+
+  Session& session() { return console_.session(); }
+  ImportContext& context() { return import_; }
+  DataSheets& sheets() { return sheets_; }
+  Form& shell() { return shell_; }
+
+ private:
+  void loadThesaurus(const ThesaurusChoice& choice);
+
+  CommandContext& context_;
+  CliSession console_;
+  taulukot tables_;
+  frmSynonLib thesaurus_;
+  ImportContext import_;
+  Form shell_;
+  DataSheets sheets_;
+};
+
+/// Throws Error when some of the files could not be opened.
+void requireAllOpened(int failed, size_t files);
+
+/// A name for a sheet that spreadsheet files accept: at most 31 characters without []:*?/\, and
+/// not the name of another sheet.
+std::string freeSheetName(const Worksheet& book, int sheet, const std::string& wanted);
+
+}  // namespace lodex
