@@ -90,7 +90,8 @@ class StylesHandler : public XmlHandler {
 
   void start(std::string_view element, const XmlAttributes& attributes) override {
     open_.push_back(std::string(element));
-    const std::string_view parent = open_.size() > 1 ? open_[open_.size() - 2] : "";
+    const std::string_view parent =
+        open_.size() > 1 ? std::string_view(open_[open_.size() - 2]) : std::string_view();
     if (element == "numFmt" && parent == "numFmts") {
       numberFormats[attributes.number("numFmtId", 0)] = attributes("formatCode");
     } else if (element == "font" && parent == "fonts") {
