@@ -219,6 +219,52 @@ TEST(XlsReader, OpensWhatTheDefaultPasswordProtects) {
   EXPECT_EQ(book.NumberRC(300, 4), 299.123) << "behind many changes of key";
 }
 
+// The other direction of the XOR method, with a key of our own choice.
+std::string obfuscated(std::string stream, unsigned key) {
+  const std::string pad = std::string("VelvetSweatshop") + "\xBB";
+  size_t at = 0;
+  while (at + 4 <= stream.size()) {
+    const auto field = [&](size_t i) {
+      return static_cast<unsigned char>(stream[at + i]) |
+             static_cast<unsigned char>(stream[at + i + 1]) << 8;
+    };
+    const unsigned id = field(0), size = field(2);
+    const size_t plain = id == 0x0809 || id == 0x002F ? size : id == 0x0085 ? 4 : 0;
+    for (size_t i = at + 4 + plain; i < at + 4 + size; ++i) {
+      const size_t place = (i + size) % 16;
+      const unsigned part =
+          static_cast<unsigned char>(pad[place]) ^ (place % 2 == 0 ? key & 0xFF : key >> 8);
+      const unsigned mask = (part << 2 | part >> 6) & 0xFF;
+      const unsigned mixed = static_cast<unsigned char>(stream[i]) ^ mask;
+      stream[i] = static_cast<char>(mixed >> 3 | mixed << 5);
+    }
+    at += 4 + size;
+  }
+  return stream;
+}
+
+TEST(XlsReader, UndoesXorObfuscation) {
+  // 0x9A0A is the 16-bit hash of the default password.
+  const std::string pass = record(0x002F, u16(0x1234) + u16(0x9A0A));
+  const std::string cells =
+      record(0x0204, head(0, 0) + text16("plain again")) + record(0x0203, head(1, 0) + f64(2.5));
+  const Worksheet book = readBytes(obfuscated(workbook(5, {{"Data", cells}}, pass), 0x1234));
+  EXPECT_EQ(book.SheetName(1), "Data");
+  EXPECT_EQ(book.TextRC(1, 1), "plain again");
+  EXPECT_EQ(book.NumberRC(2, 1), 2.5);
+}
+
+TEST(XlsReader, ComputesWhatItsWriterLeftWithoutValues) {
+  const std::string nothing = bytes({3, 0, 0, 0, 0, 0, 0xFF, 0xFF});
+  const std::string sum = bytes({0x44, 0, 0, 0, 0xC0, 0x1E, 1, 0, 0x03});  // A1+1
+  const std::string cells =
+      record(0x0203, head(0, 0) + f64(4)) + formulaRecord(8, 0, 1, nothing, sum);
+  EXPECT_EQ(readBytes(workbook(8, {{"A", cells}})).NumberRC(1, 2), 5);
+  // With one value among them the empty text is a result.
+  const std::string more = cells + formulaRecord(8, 0, 2, f64(99), sum);
+  EXPECT_EQ(readBytes(workbook(8, {{"A", more}})).TextRC(1, 2), "");
+}
+
 TEST(XlsReader, NamesWhatIsWrong) {
   const std::string cell = record(0x0203, head(0, 0) + f64(1));
   const std::string good = workbook(8, {{"A", cell}});

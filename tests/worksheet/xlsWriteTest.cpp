@@ -241,6 +241,17 @@ TEST(XlsWriter, BringsLooksAndSheetsBack) {
   }
 }
 
+TEST(XlsWriter, PutsAVisibleSheetInFront) {
+  Worksheet sheet;
+  sheet.NumSheets(2);
+  sheet.sheetVisibility(1, SheetVisibility::Hidden);
+  EXPECT_EQ(throughFile(sheet).Sheet(), 2);
+  sheet.sheetVisibility(2, SheetVisibility::Hidden);
+  const Worksheet copy = throughFile(sheet);
+  EXPECT_EQ(copy.sheetVisibility(1), SheetVisibility::Visible);
+  EXPECT_EQ(copy.sheetVisibility(2), SheetVisibility::Hidden);
+}
+
 TEST(XlsWriter, BringsArrayFormulasBack) {
   Worksheet sheet;
   sheet.setArrayFormula(1, 1, 3, 1, 3, "SUM(A1:A3*B1:B3)");

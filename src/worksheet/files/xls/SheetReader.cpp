@@ -325,6 +325,11 @@ void SheetReader::formula(const Record& record, RecordStream& records) {
     cached = isFinite(number) ? Value(number) : Value::error(ErrorCode::Num);
   }
 
+  // Programs that cannot compute leave empty texts.
+  const bool isEmptyText = cached.isText() && !awaitsText;
+  file_.hasFormulas = true;
+  file_.hasResults = file_.hasResults || !isEmptyText;
+
   FormulaBase entry{at.row, at.column};
   isEntryToken(file_.links, code, entry);
   for (;;) {

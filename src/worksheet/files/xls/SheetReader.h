@@ -22,9 +22,11 @@ struct FileContext {
   Styles styles;
   std::vector<SharedText> texts;  // the shared string table
   bool writtenHere = false;       // by writeXls, which marks what kind of text a cell holds
-  size_t formulaBytes = 0;        // of formula text so far
-  size_t maxFormulaBytes = 0;     // more is no honest file of this size
-  size_t cellBytes = 0;           // of memory that cells take, about
+  bool hasFormulas = false;
+  bool hasResults = false;     // whether any formula has a value
+  size_t formulaBytes = 0;     // of formula text so far
+  size_t maxFormulaBytes = 0;  // more is no honest file of this size
+  size_t cellBytes = 0;        // of memory that cells take, about
   size_t maxCellBytes = 0;
 };
 

@@ -86,6 +86,7 @@ void WorkbookReader::read() {
   } else {
     readSingleSheet(records);
   }
+  if (file_.hasFormulas && !file_.hasResults) file_.out.Recalc();
   const int active = activeTab_ >= 0 && static_cast<size_t>(activeTab_) < tabs_.size()
                          ? tabs_[static_cast<size_t>(activeTab_)].sheet
                          : 0;

@@ -52,14 +52,27 @@ void writeAccess(RecordWriter& out) {
   out.raw(std::string(112 - 3 - writerName.size(), ' '));
 }
 
-void writeWindow(RecordWriter& out, const Worksheet& worksheet) {
+// Programs want the tab in front to be one that shows: the current sheet, or else the first that is
+// visible; a workbook without any shows its first.
+int frontSheet(const Worksheet& worksheet) {
+  const auto shows = [&](int sheet) {
+    return worksheet.sheetVisibility(sheet) == SheetVisibility::Visible;
+  };
+  if (shows(worksheet.Sheet())) return worksheet.Sheet();
+  for (int sheet = 1; sheet <= worksheet.NumSheets(); ++sheet) {
+    if (shows(sheet)) return sheet;
+  }
+  return 1;
+}
+
+void writeWindow(RecordWriter& out, int front) {
   out.begin(idWindow1);
   out.u16(0);
   out.u16(0);
   out.u16(0x4000);
   out.u16(0x2000);
   out.u16(0x0038);
-  out.u16(static_cast<unsigned>(worksheet.Sheet() - 1));
+  out.u16(static_cast<unsigned>(front - 1));
   out.u16(0);
   out.u16(1);
   out.u16(600);
@@ -85,7 +98,8 @@ std::string writeXls(const Worksheet& worksheet) {
   out.u16(1200);
   out.begin(idDateMode);
   out.u16(worksheet.dates1904() ? 1 : 0);
-  writeWindow(out, worksheet);
+  const int front = frontSheet(worksheet);
+  writeWindow(out, front);
   file.styles.write(out);
   const std::vector<std::u16string> names = sheetNames(worksheet);
   std::vector<size_t> startsAt;
@@ -94,7 +108,7 @@ std::string writeXls(const Worksheet& worksheet) {
     out.begin(idBoundSheet);
     startsAt.push_back(out.position());
     out.u32(0);
-    out.u8(visibilityNumber(worksheet.sheetVisibility(sheet)));
+    out.u8(sheet == front ? 0 : visibilityNumber(worksheet.sheetVisibility(sheet)));
     out.u8(0);
     out.u8(static_cast<unsigned>(name.size()));
     writeUnicodeCharacters(out, name);
