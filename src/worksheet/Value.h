@@ -87,6 +87,8 @@ class Value {
 
   /// The number of a Number, 1 or 0 of a Boolean, the value of a text that is numeric, else 0.
   double asNumber() const;
+  /// What is stored as the number of a Number, Boolean or Error; anything else has none.
+  double storedNumber() const { return number_; }
   bool asBoolean() const { return number_ != 0; }
   ErrorCode asError() const { return static_cast<ErrorCode>(static_cast<int>(number_)); }
   std::string_view textView() const { return text_.view(); }

@@ -24,7 +24,7 @@ enum class Op : std::uint8_t {
   Reference,      // index into references
   Binary,         // operation
   Unary,          // operation
-  Call,           // function, count
+  Call,           // function, count; its parameter letters begin at `index`
   Choose,  // function, count: an argument per segment, from segment `index` on; evaluates some
   Unknown  // index into texts: what could not be understood
 };
@@ -81,6 +81,7 @@ struct Code {
   std::vector<CompiledReference> references;
   std::vector<Segment> segments;
   std::vector<std::string> texts;
+  std::string letters;  // the parameter letters of every call, one after the other
   std::vector<std::unique_ptr<Array>> arrays;
   std::vector<std::unique_ptr<std::string>> arrayTexts;  // what the texts in arrays borrow from
   int stackSize = 0;

@@ -215,6 +215,8 @@ class Compiler {
     call.function = function;
     call.count = static_cast<std::uint8_t>(count);
     call.overArrays = context.overArrays;
+    call.index = static_cast<std::uint32_t>(code_.letters.size());
+    for (int i = 0; i < count; ++i) code_.letters += parameterLetter(*function, i);
   }
 
   // The condition is a single value; what may be chosen counts as if it stood alone.

@@ -32,6 +32,15 @@ Operand Evaluator::evaluate(const Code& code, const Place& place, std::uint32_t 
   return stack_[0].isScalar() ? stack_[0] : single(stack_[0]);
 }
 
+void Evaluator::newPass(const Worksheet& book) {
+  book_ = &book;
+  localTime_ = 0;
+  stores_.resize(static_cast<size_t>(book.NumSheets()) + 1);
+  for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
+    stores_[static_cast<size_t>(sheet)] = &book.cells(sheet);
+  }
+}
+
 double Evaluator::localTime() {
   if (localTime_ == 0) {
     timespec now{};
@@ -119,30 +128,12 @@ Operand Evaluator::element(const Operand& operand, int row, int column) {
   return cell(operand.area.sheet, operand.area.row1 + row, operand.area.column1 + column);
 }
 
-int Evaluator::rowsOf(const Operand& operand) {
-  switch (operand.tag) {
-    case Tag::Area:
-      return operand.area.rows();
-    case Tag::Areas:
-      return operand.areas->front().rows();
-    case Tag::Array:
-      return operand.array->rows;
-    default:
-      return 1;
-  }
+int Evaluator::rowsOfOther(const Operand& operand) {
+  return operand.isArray() ? operand.array->rows : operand.areas->front().rows();
 }
 
-int Evaluator::columnsOf(const Operand& operand) {
-  switch (operand.tag) {
-    case Tag::Area:
-      return operand.area.columns();
-    case Tag::Areas:
-      return operand.areas->front().columns();
-    case Tag::Array:
-      return operand.array->columns;
-    default:
-      return 1;
-  }
+int Evaluator::columnsOfOther(const Operand& operand) {
+  return operand.isArray() ? operand.array->columns : operand.areas->front().columns();
 }
 
 const Array* Evaluator::asArray(const Operand& operand) {
@@ -245,8 +236,8 @@ Area Evaluator::used(const Area& area) const {
   int lastRow = 0;
   int lastColumn = 0;
   for (int sheet = area.sheet; sheet <= area.lastSheet; ++sheet) {
-    lastRow = std::max(lastRow, book_->cells(sheet).lastRow());
-    lastColumn = std::max(lastColumn, book_->cells(sheet).lastColumn());
+    lastRow = std::max(lastRow, store(sheet).lastRow());
+    lastColumn = std::max(lastColumn, store(sheet).lastColumn());
   }
   Area cut = area;
   cut.row2 = std::min(cut.row2, lastRow);
@@ -263,7 +254,9 @@ void Evaluator::run(const Code& code, Segment segment, Operand* stack) {
     const Instruction& in = code.instructions[pc];
     switch (in.op) {
       case Op::Number:
-        *top++ = Operand(in.number);
+        top->tag = Tag::Number;
+        top->number = in.number;
+        ++top;
         break;
       case Op::Text:
         *top++ = Operand::text(code.texts[in.index]);
@@ -285,7 +278,18 @@ void Evaluator::run(const Code& code, Segment segment, Operand* stack) {
         const int sheet = ref.sheet == 0 ? place_.sheet : ref.sheet;
         const int row = ref.row1Absolute ? ref.row1 : ref.row1 + place_.row;
         const int column = ref.column1Absolute ? ref.column1 : ref.column1 + place_.column;
-        *top++ = fromCell(book_->cells(sheet).at(row, column));
+        const Cell& cell = store(sheet).at(row, column);
+        if (cell.kind == ValueKind::Number) {
+          top->tag = Tag::Number;
+          top->number = cell.number;
+        } else if (cell.kind == ValueKind::Formula && cell.formula->pass == pass_ &&
+                   cell.formula->cached.isNumber()) {
+          top->tag = Tag::Number;
+          top->number = cell.formula->cached.storedNumber();
+        } else {
+          *top = fromCell(cell);
+        }
+        ++top;
         break;
       }
       case Op::Reference:
@@ -321,7 +325,7 @@ void Evaluator::run(const Code& code, Segment segment, Operand* stack) {
         break;
       case Op::Call:
         top -= in.count;
-        *top = call(in, top);
+        *top = call(code, in, top);
         ++top;
         break;
       case Op::Choose:
@@ -335,10 +339,6 @@ void Evaluator::run(const Code& code, Segment segment, Operand* stack) {
         break;
     }
   }
-}
-
-bool Evaluator::needsElements(const Operand& operand, bool overArrays) const {
-  return operand.isArray() || (overArrays && operand.isArea() && !operand.area.isCell());
 }
 
 Operand Evaluator::binary(const Instruction& in, const Operand& left, const Operand& right) {
@@ -536,28 +536,33 @@ bool Evaluator::convert(char letter, Operand& argument, Operand& error) {
   return false;
 }
 
-Operand Evaluator::call(const Instruction& in, Operand* arguments) {
+Operand Evaluator::call(const Code& code, const Instruction& in, Operand* arguments) {
   const FunctionInfo& function = *in.function;
+  const char* letters = code.letters.data() + in.index;
   int rows = 0;
   int columns = 0;
   for (int i = 0; i < in.count; ++i) {
     if (arguments[i].isScalar()) continue;
-    const char letter = parameterLetter(function, i) & ~0x20;
+    const char letter = letters[i] & ~0x20;
     if (letter == 'R' || letter == 'A' || !needsElements(arguments[i], in.overArrays)) continue;
     rows = std::max(rows, rowsOf(arguments[i]));
     columns = std::max(columns, columnsOf(arguments[i]));
   }
-  if (rows > 0) return callByElement(in, arguments, rows, columns);
+  if (rows > 0) return callByElement(in, letters, arguments, rows, columns);
   Operand error;
   for (int i = 0; i < in.count; ++i) {
-    if (!convert(parameterLetter(function, i), arguments[i], error)) return error;
+    const char letter = letters[i];
+    if (letter == 'R' || letter == 'A' || (letter == 'N' && arguments[i].tag == Tag::Number))
+      continue;
+    if (!convert(letter, arguments[i], error)) return error;
   }
   const Operand result = function.routine(*this, Arguments(arguments, in.count));
   return result.tag == Tag::Number && !std::isfinite(result.number) ? Operand(ErrorCode::Num)
                                                                     : result;
 }
 
-Operand Evaluator::callByElement(const Instruction& in, Operand* arguments, int rows, int columns) {
+Operand Evaluator::callByElement(const Instruction& in, const char* letters, Operand* arguments,
+                                 int rows, int columns) {
   const FunctionInfo& function = *in.function;
   std::vector<Operand> whole(arguments, arguments + in.count);
   std::vector<Operand> now(whole.size());
@@ -568,7 +573,7 @@ Operand Evaluator::callByElement(const Instruction& in, Operand* arguments, int 
       Operand error;
       bool fine = true;
       for (size_t i = 0; i < whole.size() && fine; ++i) {
-        const char letter = parameterLetter(function, static_cast<int>(i));
+        const char letter = letters[i];
         const bool asItIs = (letter & ~0x20) == 'R' || (letter & ~0x20) == 'A';
         const bool byElement = !asItIs && needsElements(whole[i], in.overArrays);
         now[i] = byElement ? element(whole[i], row, column) : whole[i];

@@ -41,15 +41,11 @@ class Evaluator {
   bool dates1904() const { return book_->dates1904(); }
   /// Seconds since 1970-01-01 in local time; the same throughout one recalculation.
   double localTime();
-  void newPass(const Worksheet& book) {
-    book_ = &book;
-    localTime_ = 0;
-  }
+  void newPass(const Worksheet& book);
 
   /// The value of a cell.
-  Operand cell(int sheet, int row, int column) {
-    return fromCell(book_->cells(sheet).at(row, column));
-  }
+  Operand cell(int sheet, int row, int column) { return fromCell(store(sheet).at(row, column)); }
+  const CellStore& store(int sheet) const { return *stores_[static_cast<size_t>(sheet)]; }
   Operand fromCell(const Cell& cell) {
     switch (cell.kind) {
       case ValueKind::Number:
@@ -57,6 +53,9 @@ class Evaluator {
       case ValueKind::Empty:
         return Operand();
       case ValueKind::Formula:
+        if (cell.formula->pass == pass_ && cell.formula->cached.isNumber()) {
+          return Operand(cell.formula->cached.storedNumber());
+        }
         return fromFormula(*cell.formula);
       default:
         return fromOther(cell);
@@ -69,8 +68,14 @@ class Evaluator {
   /// The element of an operand at a position from 0; a single value stands everywhere.
   Operand element(const Operand& operand, int row, int column);
   /// Rows and columns of an operand; 1 x 1 for a single value. A union has the size of its first.
-  static int rowsOf(const Operand& operand);
-  static int columnsOf(const Operand& operand);
+  static int rowsOf(const Operand& operand) {
+    return operand.isScalar() ? 1 : operand.isArea() ? operand.area.rows() : rowsOfOther(operand);
+  }
+  static int columnsOf(const Operand& operand) {
+    return operand.isScalar() ? 1
+           : operand.isArea() ? operand.area.columns()
+                              : columnsOfOther(operand);
+  }
   /// An operand as an array: cells read, a single value as 1 x 1. Null when it is too large.
   const Array* asArray(const Operand& operand);
 
@@ -91,10 +96,10 @@ class Evaluator {
   template <typename Visit>
   bool visitCells(const Area& area, Visit visit) {
     for (int sheet = area.sheet; sheet <= area.lastSheet; ++sheet) {
-      const bool all = book_->cells(sheet).visit(area.row1, area.column1, area.row2, area.column2,
-                                                 [&](int row, int column, const Cell& cell) {
-                                                   return visit(row, column, fromCell(cell));
-                                                 });
+      const bool all = store(sheet).visit(area.row1, area.column1, area.row2, area.column2,
+                                          [&](int row, int column, const Cell& cell) {
+                                            return visit(row, column, fromCell(cell));
+                                          });
       if (!all) return false;
     }
     return true;
@@ -135,7 +140,7 @@ class Evaluator {
       Area part = area;
       part.sheet = part.lastSheet = sheet;
       part = used(part);
-      const CellStore& cells = book_->cells(sheet);
+      const CellStore& cells = store(sheet);
       for (int row = part.row1; row <= part.row2; ++row) {
         for (int column = part.column1; column <= part.column2; ++column) {
           const Cell& cell = cells.at(row, column);
@@ -146,6 +151,8 @@ class Evaluator {
     return true;
   }
 
+  static int rowsOfOther(const Operand& operand);
+  static int columnsOfOther(const Operand& operand);
   Operand fromFormula(FormulaCell& formula);
   Operand fromOther(const Cell& cell);
   void run(const Code& code, Segment segment, Operand* stack);
@@ -163,12 +170,16 @@ class Evaluator {
   Operand unary(const Instruction& instruction, const Operand& operand);
   Operand unarySingle(Operator op, const Operand& operand);
   Operand combineReferences(Operator op, const Operand& left, const Operand& right);
-  Operand call(const Instruction& instruction, Operand* arguments);
-  Operand callByElement(const Instruction& instruction, Operand* arguments, int rows, int columns);
+  Operand call(const Code& code, const Instruction& instruction, Operand* arguments);
+  Operand callByElement(const Instruction& instruction, const char* letters, Operand* arguments,
+                        int rows, int columns);
   bool convert(char letter, Operand& argument, Operand& error);
-  bool needsElements(const Operand& operand, bool overArrays) const;
+  static bool needsElements(const Operand& operand, bool overArrays) {
+    return operand.isArray() || (overArrays && operand.isArea() && !operand.area.isCell());
+  }
 
   const Worksheet* book_;
+  std::vector<const CellStore*> stores_;  // by sheet number
   Place place_;
   std::uint32_t pass_ = 0;
   FormulaCell* waitsFor_ = nullptr;

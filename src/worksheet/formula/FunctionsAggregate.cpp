@@ -195,9 +195,20 @@ Operand fnSumProduct(Evaluator& ev, Arguments a) {
     lastColumn = std::min(lastColumn, std::max(0, part.columns()));
   }
   double sum = 0;
+  const bool ofAreas = std::all_of(a.begin(), a.end(), [](const Operand& x) { return x.isArea(); });
   for (int row = 0; row < lastRow; ++row) {
     for (int column = 0; column < lastColumn; ++column) {
       double product = 1;
+      if (ofAreas) {
+        for (const Operand& argument : a) {
+          const Area& area = argument.area;
+          const Operand value = ev.cell(area.sheet, area.row1 + row, area.column1 + column);
+          if (value.isError()) return value;
+          product *= value.isNumber() ? value.number : 0;
+        }
+        sum += product;
+        continue;
+      }
       for (const Operand& argument : a) {
         const Operand value = ev.element(argument, row, column);
         if (value.isError()) return value;

@@ -13,8 +13,9 @@ Operand Evaluator::segment(const Code& code, const Instruction& in, int index, O
 }
 
 Operand Evaluator::choose(const Code& code, const Instruction& in, Operand* stack) {
+  constexpr int numberOfIf = 1;
+  if (in.function->xlsNumber == numberOfIf) return chooseIf(code, in, stack);
   const std::string_view name = in.function->name;
-  if (name == "IF") return chooseIf(code, in, stack);
   if (name == "CHOOSE") return chooseIndex(code, in, stack);
   if (name == "IFS") return chooseIfs(code, in, stack);
   if (name == "SWITCH") return chooseSwitch(code, in, stack);
