@@ -55,8 +55,7 @@ void Calculations::guarded(const std::function<void()>& command) {
   }
 }
 
-// --- Groups
-// ----------------------------------------------------------------------------------------
+// --- Groups ------------------------------------------------------------------------------
 
 bool Calculations::findGroupsFolder() {
   SessionRecord& record = context_.session.record;
@@ -107,8 +106,7 @@ void Calculations::fillLists() {
   }
 }
 
-// --- Item sources
-// ----------------------------------------------------------------------------------
+// --- Item sources ------------------------------------------------------------------------------
 
 SourceSheets Calculations::sourceSheets() const {
   SourceSheets sources = databaseTables ? databaseTables() : openSourceSheets(sheets_);
@@ -120,10 +118,16 @@ SourceSheets Calculations::sourceSheets() const {
   return sources;
 }
 
-Calculations::Selection Calculations::selectionOf(const SourceSheets& sheets) {
-  Selection selection;
+// What the map depends on: it is built anew when sheets or their ELEMENT rows are other ones.
+std::string Calculations::selectionOf(const SourceSheets& sheets) {
+  std::string selection;
   for (const SourceSheet& sheet : sheets) {
-    if (sheet.selected) selection.emplace_back(sheet.number, sheet.caption);
+    if (!sheet.selected) continue;
+    selection += std::to_string(sheet.number) + "\t" + sheet.caption;
+    for (int column = 1; column <= sheet.cells->LastCol(); ++column) {
+      selection += "\t" + sheet.text(sysrow::Element, column);
+    }
+    selection += "\n";
   }
   return selection;
 }
@@ -157,8 +161,7 @@ void Calculations::ensureSources(const SourceSheets& sheets) {
   if (!built || builtFor_ != selectionOf(sheets)) Alusta(allItems);
 }
 
-// --- The run
-// ---------------------------------------------------------------------------------------
+// --- The run ------------------------------------------------------------------------------
 
 // Rows are found by the text of their identifier: it must not change under the search.
 void Calculations::freezeIdentifiers() {

@@ -3,7 +3,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "calc/CalculationGroup.h"
@@ -57,12 +56,11 @@ class Calculations {
   void showResult(const CalculationOutcome& outcome, bool kept);
   void guarded(const std::function<void()>& command);
 
-  using Selection = std::vector<std::pair<int, std::string>>;
-  static Selection selectionOf(const SourceSheets& sheets);
+  static std::string selectionOf(const SourceSheets& sheets);
 
   ImportContext& context_;
   DataSheets& sheets_;
-  Selection builtFor_;  // the sheets that F1Ref was built from
+  std::string builtFor_;  // the selected sheets and their elements when F1Ref was built
   bool running_ = false;
 };
 
