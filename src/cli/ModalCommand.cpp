@@ -261,7 +261,18 @@ void calculate(const ModalOptions& options, CommandContext& context, Session& se
   context.out << '\n' << save(book, options, session.record) << '\n';
 }
 
+// Told before the work rather than behind it.
+void requireKnownEnding(const std::string& path) {
+  static constexpr const char* endings[] = {"txt", "tsv", "csv", "xls", "xlsx", "vts"};
+  const std::string ending = extensionOf(path);
+  if (std::find(std::begin(endings), std::end(endings), ending) == std::end(endings)) {
+    throw Error("Cannot tell from " + path +
+                " what to write: the ending must be txt, tsv, csv, xls, xlsx or vts");
+  }
+}
+
 void runModal(const ModalOptions& options, CommandContext& context) {
+  if (!options.out.empty()) requireKnownEnding(options.out);
   CliSession console(context);
   Session& session = console.session();
   taulukot tables;

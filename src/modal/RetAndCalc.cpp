@@ -14,6 +14,7 @@
 #include "modal/ModalData.h"
 #include "modal/ModalSheets.h"
 #include "modal/RoundPlan.h"
+#include "modal/SetUp.h"
 
 namespace lodex {
 namespace {
@@ -210,6 +211,11 @@ void Driver::solveBatch() {
     if (round.isFormula) {
       defineByFormula(round, 0, data_->samples());
     } else {
+      if (round.model == EstimationModel::WeighedLeastSquare && data_->samples() > 1) {
+        log("Round " + std::to_string(round.number) + ": " +
+            modelCaptions()[static_cast<size_t>(round.model)] +
+            " weighs by the assays of the first sample when all samples are solved together");
+      }
       startPress(round);
       for (int s = 0; s < data_->samples(); ++s) {
         if (s % samplesPerPoll == 0 && aborted()) return;

@@ -155,6 +155,10 @@ void reportMinerals(const RoundPlan& plan, const ModalLists& lists, const Log& l
         log("Minerals " + lists.MinLabels[j] + " and " + label + " share the symbol " +
             symbolOrText(label));
       }
+      if (lists.MinIDs[j] == lists.MinIDs[i]) {
+        log("Minerals " + lists.MinLabels[j] + " and " + label + " share the number " +
+            lists.MinIDs[i] + ": the composition of the first counts for both");
+      }
     }
   }
   for (const PlannedRound& round : plan.rounds) {

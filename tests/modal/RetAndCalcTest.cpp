@@ -253,15 +253,32 @@ TEST(RetAndCalc, SimulatedErrorsStartFromTheOriginal) {
   EXPECT_EQ(f.result.F1Ini.TextRC(1, 1), "1");
 }
 
+TEST(RetAndCalc, WeighedLeastSquareIsTrueForTheFirstSampleOnly) {
+  const auto amountOf = [](const std::vector<std::vector<double>>& samples, int sample) {
+    ModalFixture f;
+    f.round({{"M/Py/1"}}, {assayLine("S", 3), assayLine("Fe", 2)}, 1);
+    f.mineral(1, {{3, 50}, {2, 45}});
+    f.assays(std::vector<std::string>(samples.size(), "x"), {3, 2}, samples);
+    f.run();
+    EXPECT_EQ(f.logged("weighs by the assays of the first sample"), samples.size() > 1);
+    return f.result.F1MC.NumberRC(sample, 2);
+  };
+  const double alone = amountOf({{5, 9}}, 1);
+  EXPECT_NEAR(alone, 12, 1e-12);  // between 10 by the sulphur and 20 by the iron
+  EXPECT_EQ(amountOf({{5, 9}, {5, 9}}, 1), alone);
+  EXPECT_NE(amountOf({{5, 4.5}, {5, 9}}, 2), alone);
+}
+
 TEST(RetAndCalc, OddSetUpsAreReported) {
   ModalFixture f;
-  f.round({{"M/Py/1"}, {"M/Py/2"}}, {});
+  f.round({{"M/Py/1"}, {"M/Py/2"}, {"P/Gangue/2"}}, {});
   f.round({}, {assayLine("S", 3)});
   f.assays({}, {3}, {});
   f.run();
   EXPECT_TRUE(f.logged("Round 1 has no equations"));
   EXPECT_TRUE(f.logged("Round 2 has no minerals"));
   EXPECT_TRUE(f.logged("Minerals M/Py/1 and M/Py/2 share the symbol Py"));
+  EXPECT_TRUE(f.logged("Minerals M/Py/2 and P/Gangue/2 share the number 2"));
   EXPECT_EQ(f.result.F1MC.LastRow(), 0);
 }
 
