@@ -31,8 +31,7 @@ FileType kindOf(const std::string& path) {
   throw Error(path + ": save as .txt, .xls or .xlsx");
 }
 
-// --- The table of columns
-// ---------------------------------------------------------------------------
+// --- The table of columns ---
 
 using TableRow = std::vector<std::string>;
 
@@ -89,8 +88,7 @@ void printSheet(std::ostream& out, frmDataIN& sheet) {
   out << '\n';
 }
 
-// --- Saving
-// -----------------------------------------------------------------------------------------
+// --- Saving ---
 
 void saveSheets(DataSheets& sheets, const std::string& path, FileType kind) {
   if (kind == FileType::Text) {
@@ -114,8 +112,7 @@ void saveSheets(DataSheets& sheets, const std::string& path, FileType kind) {
   book.Write(path, kind);
 }
 
-// --- The command
-// ------------------------------------------------------------------------------------
+// --- The command ---
 
 void runIdentify(const IdentifyOptions& options, CommandContext& context) {
   const FileType kind = options.out.empty() ? FileType::Unknown : kindOf(options.out);
@@ -124,6 +121,10 @@ void runIdentify(const IdentifyOptions& options, CommandContext& context) {
   sheets.chkFILEISMET.setChecked(options.methodFromFile);
 
   const int failed = console.open(options.files);
+  if (kind == FileType::Text && sheets.DataSheetCount() > 1) {
+    throw Error(options.out + ": a text file holds one sheet; save " +
+                std::to_string(sheets.DataSheetCount()) + " sheets as .xls or .xlsx");
+  }
   if (sheets.DataSheetCount() > 0) {
     console.identify();
     for (int number = 1; number <= sheets.DataSheetCount(); ++number) {

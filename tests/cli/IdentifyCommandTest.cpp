@@ -1,0 +1,70 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "basic/Files.h"
+#include "cli/RunLodex.h"
+#include "worksheet/Worksheet.h"
+
+namespace lodex {
+namespace {
+
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+class IdentifyCommand : public testing::Test {
+ protected:
+  IdentifyCommand() { std::filesystem::create_directories(folder); }
+  ~IdentifyCommand() override { std::filesystem::remove_all(folder); }
+  std::string file(const std::string& name, const std::string& content) {
+    writeFileWhole((folder / name).string(), content);
+    return "'" + (folder / name).string() + "' ";
+  }
+  std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("lodex identify " + std::to_string(::getpid()));
+};
+
+TEST_F(IdentifyCommand, PrintsAndSavesWhatItFound) {
+  const std::string comma = file("core.csv", "Hole No,SiO2_XRF %\n00123,50.10\n");
+  const std::string aligned = file("pulp.lis", "Lab        Au ppb\nO'Brien        2\n");
+  const std::string out = (folder / "out.xlsx").string();
+  const Outcome outcome = runLodex("identify " + comma + aligned + "--log --out '" + out + "'");
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.text, HasSubstr("Sheet core: 1 data rows, first data row 13, ID column B"));
+  EXPECT_THAT(outcome.text, ContainsRegex("C  *SiO2_XRF %  *SiO2  *XRF  *%  *ANALYSES  *"
+                                          "SiO2/XRF/%  *SINGLE  *X\\(Si\\)1/1"));
+  EXPECT_THAT(outcome.text, HasSubstr("Running identify routine for file pulp"));
+  Worksheet saved;
+  saved.Read(out);
+  EXPECT_EQ(saved.NumSheets(), 2);
+  EXPECT_EQ(saved.TextSRC(1, 13, 2), "00123");
+  EXPECT_EQ(saved.TextSRC(2, 13, 2), "O'Brien");
+  EXPECT_EQ(saved.TextSRC(2, 2, 3), "Au");
+}
+
+TEST_F(IdentifyCommand, GoesOnBehindAFileThatCannotBeOpened) {
+  const std::string good = file("good.txt", "No\tFe %\n1\t5\n");
+  const std::string missing = "'" + (folder / "missing.xls").string() + "' ";
+  const Outcome outcome = runLodex("identify " + missing + good + "2>/dev/null");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.text, HasSubstr("X(Fe)1/1"));
+  const Outcome messages = runLodex("identify " + missing + good + "2>&1 >/dev/null");
+  EXPECT_THAT(messages.text, HasSubstr("missing.xls"));
+}
+
+TEST_F(IdentifyCommand, ThesaurusCanBeChosenOrLeftOut) {
+  const std::string rocks = file("rocks.txt", "No\tRauta\n1\t5\n");
+  const std::string own =
+      file("own.txt", "Value\tIn\tHeader\tElement\tMethod\tUnit\nRauta\tHEADER\t\tFe\t\t%\n");
+  EXPECT_THAT(runLodex("identify " + rocks + "--thesaurus " + own).text, HasSubstr("X(Fe)1/1"));
+  EXPECT_THAT(runLodex("identify " + rocks + "--no-thesaurus").text, Not(HasSubstr("X(Fe)")));
+  EXPECT_EQ(runLodex("identify " + rocks + "--thesaurus nowhere.txt 2>/dev/null").status, 1);
+  EXPECT_EQ(runLodex("identify " + rocks + rocks + "--out x.txt 2>/dev/null").status, 1);
+  EXPECT_EQ(runLodex("identify 2>/dev/null >&2").status, 2);
+}
+
+}  // namespace
+}  // namespace lodex
