@@ -94,7 +94,7 @@ TEST(XlsWriter, BringsFormulasBackAsTheyWere) {
   EXPECT_EQ(copy.definedNames()[4].formula, "#REF!");
 }
 
-// The token classes decide what other programs compute; these bytes are what Excel itself writes.
+// The token classes decide what other programs compute.
 TEST(XlsWriter, GivesOperandsTheirClass) {
   const struct {
     const char* formula;
