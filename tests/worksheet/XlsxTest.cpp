@@ -184,6 +184,19 @@ TEST(XlsxReader, DamageIsAFileError) {
   std::filesystem::remove(path);
 }
 
+// Found by the fuzzer: parts of a font, border or style outside of any.
+TEST(XlsxReader, StylesOutOfPlaceAreIgnored) {
+  for (const char* list : {"fonts", "fills", "borders", "cellXfs"}) {
+    for (const char* parent : {"font", "fill", "border", "xf"}) {
+      Worksheet book;
+      const std::string document = std::string("<styleSheet><") + list + "><x><" + parent +
+                                   "><name val=\"A\"/><left style=\"thin\"/><alignment/></" +
+                                   parent + "></x></" + list + "></styleSheet>";
+      EXPECT_TRUE(readXlsxStyles(document, {}, book).empty());
+    }
+  }
+}
+
 TEST(XlsxWriter, WhatIsWrittenReadsBack) {
   Worksheet book;
   book.NumSheets(3);

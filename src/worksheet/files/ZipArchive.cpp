@@ -26,7 +26,7 @@ void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
 void initialise() {
   static const bool done = [] {
     gsf_init();
-    for (const char* domain : {"libgsf", "libgsf:zip"}) {
+    for (const char* domain : {"libgsf", "libgsf:zip", static_cast<const char*>(nullptr)}) {
       g_log_set_handler(domain, static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), ignoreMessage,
                         nullptr);
     }

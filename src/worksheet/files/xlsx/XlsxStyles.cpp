@@ -142,6 +142,7 @@ class StylesHandler : public XmlHandler {
   }
 
   void stylePart(std::string_view element, const XmlAttributes& attributes) {
+    if (styles.empty()) return;
     CellFormat& own = styles.back().own;
     if (element == "alignment") {
       own.horizontal = horizontalOf(attributes("horizontal"));
@@ -154,6 +155,7 @@ class StylesHandler : public XmlHandler {
   }
 
   void fontPart(std::string_view element, const XmlAttributes& attributes) {
+    if (fonts.empty()) return;
     CellFormat& font = fonts.back();
     if (element == "name") font.fontName = attributes("val");
     if (element == "sz") font.fontSize = numberOf(attributes("val"));
@@ -180,6 +182,7 @@ class StylesHandler : public XmlHandler {
   }
 
   void borderPart(std::string_view element, const XmlAttributes& attributes) {
+    if (borders.empty()) return;
     const std::uint8_t line = lineStyle(attributes("style", "none"));
     Borders& border = borders.back();
     if (element == "left" || element == "start") border.left = line;
