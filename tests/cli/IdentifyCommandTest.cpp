@@ -62,7 +62,10 @@ TEST_F(IdentifyCommand, ThesaurusCanBeChosenOrLeftOut) {
   EXPECT_THAT(runLodex("identify " + rocks + "--thesaurus " + own).text, HasSubstr("X(Fe)1/1"));
   EXPECT_THAT(runLodex("identify " + rocks + "--no-thesaurus").text, Not(HasSubstr("X(Fe)")));
   EXPECT_EQ(runLodex("identify " + rocks + "--thesaurus nowhere.txt 2>/dev/null").status, 1);
-  EXPECT_EQ(runLodex("identify " + rocks + rocks + "--out x.txt 2>/dev/null").status, 1);
+  EXPECT_EQ(runLodex("identify " + rocks + rocks + "--out '" + (folder / "x.txt").string() +
+                     "' 2>/dev/null")
+                .status,
+            1);
   EXPECT_EQ(runLodex("identify 2>/dev/null >&2").status, 2);
 }
 
