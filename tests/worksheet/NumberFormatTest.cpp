@@ -92,7 +92,11 @@ TEST(NumberFormat, ScientificAndFractions) {
        "?",
        "3  1/7 "},
       {"up to one digit", 123.456, "# ?/?", "123 1/2"},
-      {"up to three digits", 123.456, "# ??" "?/??" "?", "123  57/125"},
+      {"up to three digits", 123.456,
+       "# ??"
+       "?/??"
+       "?",
+       "123  57/125"},
       {"fixed denominator", 1.3, "# ?/8", "1 2/8"},
       {"no whole part", 0.5, "# ?/?", " 1/2"},
       {"whole number leaves blanks", 2, "# ?/?", "2    "},
