@@ -133,13 +133,17 @@ class Evaluator {
  private:
   template <typename Visit>
   bool visitArea(const Area& area, Visit& visit) {
-    if (area.column1 == area.column2) {
-      return visitCells(area, [&](int, int, const Operand& value) { return visit(value, true); });
-    }
+    const auto visitOne = [&](int, int, const Operand& value) { return visit(value, true); };
+    if (area.column1 == area.column2) return visitCells(area, visitOne);
     for (int sheet = area.sheet; sheet <= area.lastSheet; ++sheet) {
       Area part = area;
       part.sheet = part.lastSheet = sheet;
       part = used(part);
+      // A sheet with a few cells far apart is not walked row by row.
+      if (static_cast<double>(part.rows()) * part.columns() > farApart) {
+        if (!visitCells(part, visitOne)) return false;
+        continue;
+      }
       const CellStore& cells = store(sheet);
       for (int row = part.row1; row <= part.row2; ++row) {
         for (int column = part.column1; column <= part.column2; ++column) {
@@ -151,6 +155,7 @@ class Evaluator {
     return true;
   }
 
+  static constexpr double farApart = 4e6;
   static int rowsOfOther(const Operand& operand);
   static int columnsOfOther(const Operand& operand);
   Operand fromFormula(FormulaCell& formula);

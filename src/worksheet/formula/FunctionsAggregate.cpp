@@ -239,9 +239,20 @@ struct Condition {
   Criterion criterion;
 };
 
-// Visits the positions (rows and columns from 0) at which all conditions hold.
+// How far from the first cell there is content in any of the areas: rows and columns.
+struct Extent {
+  int rows = 0, columns = 0;
+  void reach(Evaluator& ev, const Area& area) {
+    const Area part = ev.used(area);
+    rows = std::max(rows, part.rows());
+    columns = std::max(columns, part.columns());
+  }
+};
+
+// Visits the positions (rows and columns from 0) at which all conditions hold, within an extent.
 template <typename Visit>
-void visitMatches(Evaluator& ev, const std::vector<Condition>& conditions, Visit visit) {
+void visitMatches(Evaluator& ev, const std::vector<Condition>& conditions, const Extent& extent,
+                  Visit visit) {
   // A condition that empty cells do not fit limits the search to its cells with content.
   const Condition* guide = nullptr;
   for (const Condition& condition : conditions) {
@@ -253,7 +264,6 @@ void visitMatches(Evaluator& ev, const std::vector<Condition>& conditions, Visit
              c.criterion.matches(ev.cell(c.area.sheet, c.area.row1 + row, c.area.column1 + column));
     });
   };
-  const Area& shape = conditions.front().area;
   if (guide != nullptr) {
     const Area area = guide->area;
     ev.visitCells(area, [&](int row, int column, const Operand& value) {
@@ -264,8 +274,8 @@ void visitMatches(Evaluator& ev, const std::vector<Condition>& conditions, Visit
     });
     return;
   }
-  for (int column = 0; column < shape.columns(); ++column) {
-    for (int row = 0; row < shape.rows(); ++row) {
+  for (int column = 0; column < extent.columns; ++column) {
+    for (int row = 0; row < extent.rows; ++row) {
       if (holds(row, column)) visit(row, column);
     }
   }
@@ -290,20 +300,27 @@ bool readConditions(Evaluator& ev, Arguments a, size_t first, std::vector<Condit
 }
 
 double countMatches(Evaluator& ev, const std::vector<Condition>& conditions) {
+  const Area& shape = conditions[0].area;
+  const double all = static_cast<double>(shape.rows()) * shape.columns();
   double count = 0;
-  // Of a single condition on whole columns the empty rest is counted, not visited.
+  // The empty rest of whole columns is counted, not visited.
   if (conditions.size() == 1 && conditions[0].criterion.matchesEmpty()) {
-    const Area& area = conditions[0].area;
     double visited = 0;
-    ev.visitCells(area, [&](int, int, const Operand& value) {
+    ev.visitCells(shape, [&](int, int, const Operand& value) {
       ++visited;
       if (conditions[0].criterion.matches(value)) ++count;
       return true;
     });
-    return count + static_cast<double>(area.rows()) * area.columns() - visited;
+    return count + all - visited;
   }
-  visitMatches(ev, conditions, [&](int, int) { ++count; });
-  return count;
+  Extent extent;
+  for (const Condition& condition : conditions) extent.reach(ev, condition.area);
+  extent.rows = std::min(extent.rows, shape.rows());
+  extent.columns = std::min(extent.columns, shape.columns());
+  visitMatches(ev, conditions, extent, [&](int, int) { ++count; });
+  const bool restFits = std::all_of(conditions.begin(), conditions.end(),
+                                    [](const Condition& c) { return c.criterion.matchesEmpty(); });
+  return restFits ? count + all - static_cast<double>(extent.rows) * extent.columns : count;
 }
 
 Operand fnCountIf(Evaluator& ev, Arguments a) {
@@ -318,7 +335,14 @@ template <typename Visit>
 bool visitMatchingNumbers(Evaluator& ev, const Area& values,
                           const std::vector<Condition>& conditions, Operand& error, Visit visit) {
   bool fine = true;
-  visitMatches(ev, conditions, [&](int row, int column) {
+  // Where the values are empty there is nothing to gather.
+  const Area& shape = conditions.front().area;
+  Area same = values;
+  same.row2 = std::min(maxRows, values.row1 + shape.rows() - 1);
+  same.column2 = std::min(maxColumns, values.column1 + shape.columns() - 1);
+  Extent extent;
+  extent.reach(ev, same);
+  visitMatches(ev, conditions, extent, [&](int row, int column) {
     if (values.row1 + row > maxRows || values.column1 + column > maxColumns) return;
     const Operand value = ev.cell(values.sheet, values.row1 + row, values.column1 + column);
     if (value.isNumber()) visit(value.number);
@@ -595,10 +619,15 @@ bool pairsOf(Evaluator& ev, const Operand& a, const Operand& b, std::vector<doub
     return operand.isArea() ? std::max(0, ev.used(operand.area).rows())
                             : Evaluator::rowsOf(operand);
   };
+  const auto usedColumns = [&](const Operand& operand) {
+    return operand.isArea() ? std::max(0, ev.used(operand.area).columns())
+                            : Evaluator::columnsOf(operand);
+  };
   const bool sameShape = columns == otherColumns;
   const int lastRow = sameShape ? std::min(usedRows(a), usedRows(b)) : rows;
+  const int lastColumn = sameShape ? std::min(usedColumns(a), usedColumns(b)) : columns;
   for (int row = 0; row < lastRow; ++row) {
-    for (int column = 0; column < columns; ++column) {
+    for (int column = 0; column < lastColumn; ++column) {
       const int place = row * columns + column;
       const Operand x = ev.element(a, row, column);
       const Operand y = sameShape ? ev.element(b, row, column)

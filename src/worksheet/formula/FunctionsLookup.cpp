@@ -48,6 +48,19 @@ bool isEqual(const Operand& wanted, const Operand& value, bool pattern) {
 // The position of the first equal value; -1 if none. Text may hold wildcards.
 int findExact(Evaluator& ev, const Operand& wanted, const Line& line, bool wildcards) {
   const bool pattern = wildcards && wanted.isText() && hasWildcards(wanted.view());
+  if (line.table->isArea() && line.vertical && line.length > 0) {
+    // Down the cells of a column, past the empty ones.
+    Area column = line.table->area;
+    column.column1 = column.column2 = column.column1 + line.index;
+    column.row2 = column.row1 + line.length - 1;
+    column.lastSheet = column.sheet;
+    int found = -1;
+    ev.visitCells(column, [&](int row, int, const Operand& value) {
+      if (isEqual(wanted, value, pattern)) found = row - column.row1;
+      return found < 0;
+    });
+    return found;
+  }
   for (int i = 0; i < line.length; ++i) {
     if (isEqual(wanted, line.at(ev, i), pattern)) return i;
   }

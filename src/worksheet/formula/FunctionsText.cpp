@@ -181,6 +181,7 @@ Operand joinValues(Evaluator& ev, Arguments a, std::string_view separator, bool 
   for (const Operand& argument : a) {
     if (argument.isArea() && !skipEmpty) {
       const Area area = ev.used(argument.area);
+      if (static_cast<double>(area.rows()) * area.columns() > 4e6) return ErrorCode::Value;
       for (int row = area.row1; row <= area.row2; ++row) {
         for (int column = area.column1; column <= area.column2; ++column) {
           if (!add(ev.cell(area.sheet, row, column))) return error;
