@@ -55,7 +55,7 @@ void Calculations::guarded(const std::function<void()>& command) {
   }
 }
 
-// --- Groups ------------------------------------------------------------------------------
+// --- Groups ---
 
 bool Calculations::findGroupsFolder() {
   SessionRecord& record = context_.session.record;
@@ -81,7 +81,7 @@ void Calculations::ChangeGroup() {
   AlustaCALC(false);
 }
 
-void Calculations::AlustaCALC(bool clearList) {
+void Calculations::AlustaCALC(bool clearList, UnreadableBook unreadable) {
   if (running_ || !findGroupsFolder()) return;
   SessionRecord& record = context_.session.record;
   if (clearList) lstCalc.clear();
@@ -93,7 +93,7 @@ void Calculations::AlustaCALC(bool clearList) {
   }
   if (record.CurrentCGroup.empty()) record.CurrentCGroup = record.DefaultCGroup;
   cmdGroup.setCaption(record.CurrentCGroup);
-  group.load(folder(), UnreadableBook::Stop);
+  group.load(folder(), unreadable);
   fillLists();
 }
 
@@ -106,7 +106,7 @@ void Calculations::fillLists() {
   }
 }
 
-// --- Item sources ------------------------------------------------------------------------------
+// --- Item sources ---
 
 SourceSheets Calculations::sourceSheets() const {
   SourceSheets sources = databaseTables ? databaseTables() : openSourceSheets(sheets_);
@@ -161,7 +161,7 @@ void Calculations::ensureSources(const SourceSheets& sheets) {
   if (!built || builtFor_ != selectionOf(sheets)) Alusta(allItems);
 }
 
-// --- The run ------------------------------------------------------------------------------
+// --- The run ---
 
 // Rows are found by the text of their identifier: it must not change under the search.
 void Calculations::freezeIdentifiers() {
