@@ -229,6 +229,123 @@ Operand fnFTest(Evaluator& ev, Arguments a) {
   });
 }
 
+Operand fnBetaDist(Evaluator&, Arguments a) {
+  const double low = numberOr(a, 3, 0);
+  const double high = numberOr(a, 4, 1);
+  const double x = (a[0].number - low) / (high - low);
+  if (a[1].number <= 0 || a[2].number <= 0 || !(x >= 0 && x <= 1)) return ErrorCode::Num;
+  return guarded([&] { return bm::cdf(bm::beta_distribution<>(a[1].number, a[2].number), x); });
+}
+
+Operand fnBetaInv(Evaluator&, Arguments a) {
+  const double low = numberOr(a, 3, 0);
+  const double high = numberOr(a, 4, 1);
+  if (a[1].number <= 0 || a[2].number <= 0 || !isProbability(a[0].number)) return ErrorCode::Num;
+  return guarded([&] {
+    return low + (high - low) *
+                     bm::quantile(bm::beta_distribution<>(a[1].number, a[2].number), a[0].number);
+  });
+}
+
+Operand fnGammaInv(Evaluator&, Arguments a) {
+  if (!(a[0].number >= 0 && a[0].number < 1) || a[1].number <= 0 || a[2].number <= 0)
+    return ErrorCode::Num;
+  return guarded([&] {
+    return bm::quantile(bm::gamma_distribution<>(a[1].number, a[2].number), a[0].number);
+  });
+}
+
+Operand fnLogInv(Evaluator&, Arguments a) {
+  if (!isProbability(a[0].number) || a[2].number <= 0) return ErrorCode::Num;
+  return guarded(
+      [&] { return std::exp(bm::quantile(bm::normal(a[1].number, a[2].number), a[0].number)); });
+}
+
+// The fewest successes whose cumulative probability reaches the asked one.
+Operand fnCritBinom(Evaluator&, Arguments a) {
+  const double trials = std::floor(a[0].number);
+  const double p = a[1].number;
+  if (trials < 0 || trials > 1e6 || !(p >= 0 && p <= 1) || !(a[2].number > 0 && a[2].number < 1)) {
+    return ErrorCode::Num;
+  }
+  return guarded([&] {
+    const bm::binomial distribution(trials, p);
+    double low = 0;
+    double high = trials;
+    while (low < high) {
+      const double middle = std::floor((low + high) / 2);
+      if (bm::cdf(distribution, middle) >= a[2].number)
+        high = middle;
+      else
+        low = middle + 1;
+    }
+    return low;
+  });
+}
+
+double logChoose(double n, double k) {
+  return bm::lgamma(n + 1) - bm::lgamma(k + 1) - bm::lgamma(n - k + 1);
+}
+
+Operand fnHypGeomDist(Evaluator&, Arguments a) {
+  const double hits = std::floor(a[0].number);
+  const double sample = std::floor(a[1].number);
+  const double marked = std::floor(a[2].number);
+  const double all = std::floor(a[3].number);
+  if (hits < 0 || sample < hits || marked < hits || all < sample || all < marked ||
+      sample - hits > all - marked) {
+    return ErrorCode::Num;
+  }
+  return guarded([&] {
+    return std::exp(logChoose(marked, hits) + logChoose(all - marked, sample - hits) -
+                    logChoose(all, sample));
+  });
+}
+
+Operand fnNegBinomDist(Evaluator&, Arguments a) {
+  const double failures = std::floor(a[0].number);
+  const double successes = std::floor(a[1].number);
+  if (failures < 0 || successes < 1 || !(a[2].number > 0 && a[2].number < 1)) return ErrorCode::Num;
+  return guarded([&] {
+    return std::exp(logChoose(failures + successes - 1, successes - 1)) *
+           std::pow(a[2].number, successes) * std::pow(1 - a[2].number, failures);
+  });
+}
+
+Operand fnZTest(Evaluator& ev, Arguments a) {
+  std::vector<double> numbers;
+  Operand error;
+  if (!numbersOf(ev, a.first(1), numbers, error)) return error;
+  if (numbers.size() < 2) return ErrorCode::NotAvailable;
+  const double deviation = given(a, 2) ? a[2].number : std::sqrt(varianceOf(numbers));
+  if (deviation <= 0) return ErrorCode::DivisionByZero;
+  const double z = (meanOf(numbers) - a[1].number) /
+                   (deviation / std::sqrt(static_cast<double>(numbers.size())));
+  return guarded([&] { return bm::cdf(bm::complement(bm::normal(), z)); });
+}
+
+Operand fnChiTest(Evaluator& ev, Arguments a) {
+  const int rows = Evaluator::rowsOf(a[0]);
+  const int columns = Evaluator::columnsOf(a[0]);
+  std::vector<double> actual;
+  std::vector<double> expected;
+  Operand error;
+  if (!pairsOf(ev, a[0], a[1], actual, expected, error)) return error;
+  double sum = 0;
+  for (size_t i = 0; i < actual.size(); ++i) {
+    if (expected[i] == 0) return ErrorCode::DivisionByZero;
+    sum += (actual[i] - expected[i]) * (actual[i] - expected[i]) / expected[i];
+  }
+  const double degrees =
+      rows > 1 && columns > 1 ? (rows - 1.0) * (columns - 1.0) : rows * columns - 1.0;
+  if (degrees < 1) return ErrorCode::NotAvailable;
+  return guarded([&] { return bm::cdf(bm::complement(bm::chi_squared(degrees), sum)); });
+}
+
+Operand fnErf(Evaluator&, Arguments a) {
+  return given(a, 1) ? std::erf(a[1].number) - std::erf(a[0].number) : std::erf(a[0].number);
+}
+
 Operand fnNormSDist(Evaluator&, Arguments a) {
   return guarded([&] { return bm::cdf(bm::normal(), a[0].number); });
 }
@@ -246,6 +363,27 @@ constexpr FunctionInfo table[] = {
     {"NORM.INV", 3, 3, -1, "N", fnNormInv},
     {"NORMSINV", 1, 1, 296, "N", fnNormSInv},
     {"NORM.S.INV", 1, 1, -1, "N", fnNormSInv},
+    {"NORM.S.DIST", 2, 2, -1, "NB",
+     [](Evaluator& ev, Arguments a) {
+       if (a[1].number != 0) return fnNormSDist(ev, a);
+       return guarded([&] { return bm::pdf(bm::normal(), a[0].number); });
+     }},
+    {"BETADIST", 3, 5, 270, "NNNnn", fnBetaDist},
+    {"BETAINV", 3, 5, 272, "NNNnn", fnBetaInv},
+    {"GAMMAINV", 3, 3, 287, "N", fnGammaInv},
+    {"LOGINV", 3, 3, 291, "N", fnLogInv},
+    {"CRITBINOM", 3, 3, 278, "N", fnCritBinom},
+    {"HYPGEOMDIST", 4, 4, 289, "N", fnHypGeomDist},
+    {"NEGBINOMDIST", 3, 3, 292, "N", fnNegBinomDist},
+    {"ZTEST", 2, 3, 324, "RNn", fnZTest},
+    {"CHITEST", 2, 2, 306, "A", fnChiTest},
+    {"FISHER", 1, 1, 283, "N",
+     [](Evaluator&, Arguments a) { return Operand(std::atanh(a[0].number)); }},
+    {"FISHERINV", 1, 1, 284, "N",
+     [](Evaluator&, Arguments a) { return Operand(std::tanh(a[0].number)); }},
+    {"ERF", 1, 2, -1, "Nn", fnErf},
+    {"ERFC", 1, 1, -1, "N",
+     [](Evaluator&, Arguments a) { return Operand(std::erfc(a[0].number)); }},
     {"TDIST", 3, 3, 301, "N", fnTDist},
     {"TINV", 2, 2, 332, "N", fnTInv},
     {"T.INV.2T", 2, 2, -1, "N", fnTInv},

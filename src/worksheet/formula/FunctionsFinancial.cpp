@@ -172,6 +172,63 @@ Operand fnMirr(Evaluator& ev, Arguments a) {
   return std::pow(earned / -spent, 1 / (n - 1)) - 1;
 }
 
+// Flows at dates: discounted by days over a year of 365.
+bool readDated(Evaluator& ev, const Operand& values, const Operand& dates,
+               std::vector<double>& flows, std::vector<double>& years, Operand& error) {
+  if (!pairsOf(ev, values, dates, flows, years, error)) return false;
+  error = ErrorCode::Num;
+  if (flows.empty()) return false;
+  const double start = std::floor(years[0]);
+  for (double& year : years) {
+    year = (std::floor(year) - start) / 365;
+    if (year < 0) return false;
+  }
+  return true;
+}
+
+double datedValue(const std::vector<double>& flows, const std::vector<double>& years, double rate) {
+  double sum = 0;
+  for (size_t i = 0; i < flows.size(); ++i) sum += flows[i] / std::pow(1 + rate, years[i]);
+  return sum;
+}
+
+Operand fnXnpv(Evaluator& ev, Arguments a) {
+  std::vector<double> flows;
+  std::vector<double> years;
+  Operand error;
+  if (!readDated(ev, a[1], a[2], flows, years, error)) return error;
+  return datedValue(flows, years, a[0].number);
+}
+
+Operand fnXirr(Evaluator& ev, Arguments a) {
+  std::vector<double> flows;
+  std::vector<double> years;
+  Operand error;
+  if (!readDated(ev, a[0], a[1], flows, years, error)) return error;
+  if (!changesSign(flows)) return ErrorCode::Num;
+  return findRate([&](double rate) { return datedValue(flows, years, rate); }, numberOr(a, 2, 0.1));
+}
+
+// Interest or principal of the payments from one period to another.
+Operand cumulative(Arguments a, bool interest) {
+  const double rate = a[0].number;
+  const double periods = a[1].number;
+  const double first = std::ceil(a[3].number);
+  const double last = std::floor(a[4].number);
+  const double type = a[5].number;
+  if (rate <= 0 || periods <= 0 || a[2].number <= 0 || first < 1 || last < first ||
+      last > periods || last - first > 1e6 || (type != 0 && type != 1)) {
+    return ErrorCode::Num;
+  }
+  const double each = payment(rate, periods, a[2].number, 0, type);
+  double sum = 0;
+  for (double period = first; period <= last; ++period) {
+    const double part = interestPart(rate, period, periods, a[2].number, 0, type);
+    sum += interest ? part : each - part;
+  }
+  return sum;
+}
+
 Operand fnSln(Evaluator&, Arguments a) {
   if (a[2].number == 0) return ErrorCode::DivisionByZero;
   return (a[0].number - a[1].number) / a[2].number;
@@ -242,6 +299,26 @@ constexpr FunctionInfo table[] = {
     {"NPV", 2, anyNumber, 11, "NR", fnNpv},
     {"IRR", 1, 2, 62, "Rn", fnIrr},
     {"MIRR", 3, 3, 61, "RNN", fnMirr},
+    {"XNPV", 3, 3, -1, "NRR", fnXnpv},
+    {"XIRR", 2, 3, -1, "RRn", fnXirr},
+    {"CUMIPMT", 6, 6, -1, "N", [](Evaluator&, Arguments a) { return cumulative(a, true); }},
+    {"CUMPRINC", 6, 6, -1, "N", [](Evaluator&, Arguments a) { return cumulative(a, false); }},
+    {"ISPMT", 4, 4, 350, "N",
+     [](Evaluator&, Arguments a) {
+       return Operand(a[3].number * a[0].number * (a[1].number / a[2].number - 1));
+     }},
+    {"EFFECT", 2, 2, -1, "N",
+     [](Evaluator&, Arguments a) {
+       const double periods = std::trunc(a[1].number);
+       if (a[0].number <= 0 || periods < 1) return Operand(ErrorCode::Num);
+       return Operand(std::pow(1 + a[0].number / periods, periods) - 1);
+     }},
+    {"NOMINAL", 2, 2, -1, "N",
+     [](Evaluator&, Arguments a) {
+       const double periods = std::trunc(a[1].number);
+       if (a[0].number <= 0 || periods < 1) return Operand(ErrorCode::Num);
+       return Operand((std::pow(a[0].number + 1, 1 / periods) - 1) * periods);
+     }},
     {"SLN", 3, 3, 142, "N", fnSln},
     {"SYD", 4, 4, 143, "N", fnSyd},
     {"DB", 4, 5, 247, "NNNNn", fnDb},

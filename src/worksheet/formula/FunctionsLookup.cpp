@@ -471,6 +471,8 @@ constexpr FunctionInfo table[] = {
     {"COLUMN", 0, 1, 9, "R", [](Evaluator& ev, Arguments a) { return placeNumbers(ev, a, false); }},
     {"ROWS", 1, 1, 76, "A", [](Evaluator&, Arguments a) { return sizeOf(a, true); }},
     {"COLUMNS", 1, 1, 77, "A", [](Evaluator&, Arguments a) { return sizeOf(a, false); }},
+    {"HYPERLINK", 1, 2, 359, "Ev",
+     [](Evaluator&, Arguments a) { return a.size() > 1 && !a[1].isMissing() ? a[1] : a[0]; }},
     {"AREAS", 1, 1, 75, "R", fnAreas},
     {"TRANSPOSE", 1, 1, 83, "A", fnTranspose},
 };

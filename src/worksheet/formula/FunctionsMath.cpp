@@ -58,6 +58,17 @@ Operand ceilingOrFloor(Arguments a, bool up) {
   return toMultiple(number, step, whole);
 }
 
+// The forms that take the sign of the step from the number; a third argument turns negative numbers
+// the other way.
+Operand multipleMath(Arguments a, bool up) {
+  const double step = std::abs(numberOr(a, 1, 1));
+  if (a[0].number == 0 || step == 0) return 0.0;
+  const bool turned = a[0].number < 0 && numberOr(a, 2, 0) != 0;
+  const bool towardsMore = up != turned;
+  return toMultiple(a[0].number, step,
+                    [&](double x) { return towardsMore ? std::ceil(x) : std::floor(x); });
+}
+
 Operand fnLog(Evaluator&, Arguments a) {
   const double base = numberOr(a, 1, 10);
   if (a[0].number <= 0 || base <= 0) return ErrorCode::Num;
@@ -324,6 +335,9 @@ constexpr FunctionInfo table[] = {
     {"MROUND", 2, 2, -1, "N", fnMround},
     {"CEILING", 1, 2, 288, "Nn", [](Evaluator&, Arguments a) { return ceilingOrFloor(a, true); }},
     {"FLOOR", 1, 2, 285, "Nn", [](Evaluator&, Arguments a) { return ceilingOrFloor(a, false); }},
+    {"CEILING.MATH", 1, 3, -1, "Nnn",
+     [](Evaluator&, Arguments a) { return multipleMath(a, true); }},
+    {"FLOOR.MATH", 1, 3, -1, "Nnn", [](Evaluator&, Arguments a) { return multipleMath(a, false); }},
     {"EVEN", 1, 1, 279, "N", fnEven},
     {"ODD", 1, 1, 298, "N", fnOdd},
     {"MOD", 2, 2, 39, "N", fnMod},

@@ -301,6 +301,21 @@ constexpr FunctionInfo table[] = {
     {"REPT", 2, 2, 30, "TN", fnRept},
     {"CHAR", 1, 1, 111, "N", fnChar},
     {"CODE", 1, 1, 121, "T", fnCode},
+    {"UNICHAR", 1, 1, -1, "N",
+     [](Evaluator& ev, Arguments a) {
+       int code = 0;
+       if (!wholeBetween(a[0].number, 1, 0x10FFFF, code) || (code >= 0xD800 && code < 0xE000)) {
+         return Operand(ErrorCode::Value);
+       }
+       std::string out;
+       appendUtf8(out, static_cast<char32_t>(code));
+       return ev.text(std::move(out));
+     }},
+    {"UNICODE", 1, 1, -1, "T",
+     [](Evaluator&, Arguments a) {
+       const std::u32string text = decodeUtf8(a[0].view().substr(0, bytesOf(a[0].view(), 1)));
+       return text.empty() ? Operand(ErrorCode::Value) : Operand(static_cast<double>(text[0]));
+     }},
     {"EXACT", 2, 2, 117, "T",
      [](Evaluator&, Arguments a) { return Operand::boolean(a[0].view() == a[1].view()); }},
     {"CONCATENATE", 1, anyNumber, 336, "T", fnConcatenate},
@@ -313,6 +328,7 @@ constexpr FunctionInfo table[] = {
     {"TEXT", 2, 2, 48, "VT", fnText},
     {"FIXED", 1, 3, 14, "Nnb", fnFixed},
     {"DOLLAR", 1, 2, 13, "Nn", fnDollar},
+    {"USDOLLAR", 1, 2, 204, "Nn", fnDollar},
     {"VALUE", 1, 1, 33, "V", fnValue},
     {"NUMBERVALUE", 1, 3, -1, "Ttt", fnNumberValue},
     {"T", 1, 1, 130, "R", fnT},
