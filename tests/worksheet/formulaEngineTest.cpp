@@ -4,6 +4,7 @@
 #include "basic/Error.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/formula/FormulaCell.h"
+#include "worksheet/formula/FormulaCopy.h"
 #include "worksheet/formula/Parser.h"
 
 namespace lodex {
@@ -294,6 +295,41 @@ TEST(FormulaEngine, DatesCountFrom1904WhereTheWorkbookSaysSo) {
   book.Recalc();
   EXPECT_EQ(book.NumberRC(1, 1), 36525);
   EXPECT_EQ(book.NumberRC(1, 2), 200405);
+}
+
+struct CopyCase {
+  const char* above;
+  const char* text;
+  bool copy;
+};
+
+TEST(FormulaCopy, KnowsACopyAndNothingElse) {
+  const CopyCase cases[] = {
+      {"A1*$B$1+C$1+$D1", "A3*$B$1+C$1+$D3", true},
+      {"A1*$B$1", "A3*$B$3", false},
+      {"A1", "A1", false},
+      {"A1+1.5E3", "A3+1.5E3", true},
+      {"LOG10(A1)", "LOG10(A3)", true},
+      {"LOG10(A1)", "LOG12(A3)", false},
+      {"Q1!A1", "Q1!A3", true},
+      {"Q1!A1", "Q3!A3", false},
+      {"\"A1\"&A1", "\"A1\"&A3", true},
+      {"\"A1\"&A1", "\"A3\"&A3", false},
+      {"'A1'!A1", "'A3'!A3", false},
+      {"SUM(A1:B9)", "SUM(A3:B11)", true},
+      {"SUM(A:B)", "SUM(A:B)", true},
+      {"SUM(1:2)", "SUM(1:2)", false},
+      {"SUM($1:$2)", "SUM($3:$4)", false},
+      {"SUM(S1:S2!A1)", "SUM(S3:S2!A3)", false},
+      {"ZZZ1", "ZZZ3", false},
+      {"A1+", "A3", false},
+      {"A1", "A3+1", false},
+      {"name1+A1", "name1+A3", true},
+  };
+  for (const CopyCase& one : cases) {
+    EXPECT_EQ(formula::isCopyBelow(one.above, one.text, 2), one.copy)
+        << one.above << " | " << one.text;
+  }
 }
 
 TEST(FormulaParser, PrintsWhatItHasRead) {

@@ -5,6 +5,7 @@
 #include "basic/Error.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/formula/Compiler.h"
+#include "worksheet/formula/FormulaCopy.h"
 
 namespace lodex {
 
@@ -78,6 +79,7 @@ void FormulaEngine::collect(Worksheet& book) {
   entries_.clear();
   std::unordered_map<const ArrayBlock*, std::uint32_t> blocks;
   for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
+    Entry above;
     book.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
       if (cell.kind != ValueKind::Formula) return;
       FormulaCell& formula = *cell.formula;
@@ -98,18 +100,26 @@ void FormulaEngine::collect(Worksheet& book) {
       entry.row = static_cast<std::uint64_t>(row) & 0x1FFFFF;
       entry.column = static_cast<std::uint64_t>(column) & 0x7FFF;
       entry.sheet = static_cast<std::uint64_t>(sheet) & 0xFFFFFFF;
-      compile(book, entry);
+      compile(book, entry, above);
       entries_.push_back(entry);
+      above = entry;
     });
   }
 }
 
-void FormulaEngine::compile(const Worksheet& book, Entry& entry) {
-  auto code =
-      formula::compileFormula(entry.cell->text, placeOf(entry), book, entry.cell->array != nullptr);
+// Equal formulas share their code. Most are copies of the one above, which spares compiling them.
+void FormulaEngine::compile(const Worksheet& book, Entry& entry, const Entry& above) {
+  FormulaCell& cell = *entry.cell;
+  if (above.cell != nullptr && above.column == entry.column && !cell.array && !above.cell->array &&
+      formula::isCopyBelow(above.cell->text, cell.text,
+                           static_cast<int>(entry.row) - static_cast<int>(above.row))) {
+    cell.code = above.cell->code;
+    return;
+  }
+  auto code = formula::compileFormula(cell.text, placeOf(entry), book, cell.array != nullptr);
   auto& shared = codes_[formula::codeKey(*code)];
   if (!shared) shared = std::move(code);
-  entry.cell->code = shared.get();
+  cell.code = shared.get();
 }
 
 struct FormulaEngine::Frame {

@@ -48,13 +48,13 @@ class FormulaEngine {
  private:
   struct Entry {
     FormulaCell* cell = nullptr;
-    std::uint64_t row : 21, column : 15, sheet : 28;
+    std::uint64_t row : 21 = 0, column : 15 = 0, sheet : 28 = 0;
   };
   struct Frame;
 
   void plan(Worksheet& book);
   void collect(Worksheet& book);
-  void compile(const Worksheet& book, Entry& entry);
+  void compile(const Worksheet& book, Entry& entry, const Entry& above);
   void order(Worksheet& book);
   bool precedentsChanged(const Entry& entry);
   void evaluate(Worksheet& book, size_t index);
