@@ -86,12 +86,10 @@ bool isCopyBelow(std::string_view above, std::string_view text, int rows) {
     const char after = endA < above.size() ? above[endA] : '\0';
     const bool inRange = after == ':' || (a > 0 && above[a - 1] == ':');
     const bool plain = after == '(' || after == '!';
-    if (inRange &&
-        (after == '!' || isDigit(wordA.back()) == (isDigit(wordA[0]) || wordA[0] == '$'))) {
-      // Sheets in a row, and whole rows, are left to the compiler.
-      const bool cell = readCell(wordA).row != 0 && after != '!';
-      if (!cell) return false;
-    }
+    // Sheets in a row, and whole rows, are left to the compiler.
+    const bool rowNumber =
+        isDigit(wordA.back()) && wordA.find_first_not_of("$0123456789") == std::string_view::npos;
+    if (inRange && (after == '!' || rowNumber)) return false;
     const CellWord cellA = plain ? CellWord() : readCell(wordA);
     if (cellA.row == 0) {
       if (wordA != wordB) return false;

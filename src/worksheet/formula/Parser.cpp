@@ -548,7 +548,8 @@ class Parser {
     node.kind = NodeKind::Function;
     node.text = toUpper(name);
     for (const std::string_view prefix : {"_XLFN.", "_XLWS."}) {
-      if (node.text.starts_with(prefix)) node.text.erase(0, prefix.size());
+      const bool more = node.text.size() > prefix.size() && isNameStart(node.text[prefix.size()]);
+      if (more && node.text.starts_with(prefix)) node.text.erase(0, prefix.size());
     }
     skipBlanks();
     if (!accept(')')) {
