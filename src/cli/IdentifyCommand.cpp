@@ -9,6 +9,7 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "cli/ImportConsole.h"
+#include "cli/TextTable.h"
 #include "worksheet/A1.h"
 
 namespace lodex {
@@ -33,31 +34,6 @@ FileType kindOf(const std::string& path) {
 
 // --- The table of columns ---
 
-using TableRow = std::vector<std::string>;
-
-// What a terminal would act upon shows as a blank.
-std::string printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == 127; }, ' ');
-  return text;
-}
-
-void printTable(std::ostream& out, const std::vector<TableRow>& rows) {
-  std::vector<size_t> widths(rows.front().size());
-  for (const TableRow& row : rows) {
-    for (size_t i = 0; i < row.size(); ++i) {
-      widths[i] = std::max(widths[i], characterCount(row[i]));
-    }
-  }
-  for (const TableRow& row : rows) {
-    std::string line;
-    for (size_t i = 0; i < row.size(); ++i) {
-      line += row[i] + std::string(widths[i] - characterCount(row[i]) + 2, ' ');
-    }
-    out << trimBlanksRight(line) << '\n';
-  }
-}
-
 void printSheet(std::ostream& out, frmDataIN& sheet) {
   constexpr std::array<int, 8> shownRows = {sysrow::Header, sysrow::Element,   sysrow::Method,
                                             sysrow::Unit,   sysrow::Table,     sysrow::Field,
@@ -81,10 +57,10 @@ void printSheet(std::ostream& out, frmDataIN& sheet) {
   for (int column = std::max(1, structure.idColumn); column <= sheet.F1D.LastCol(); ++column) {
     rows.push_back({columnLetters(column)});
     for (const int row : shownRows) {
-      rows.back().push_back(printable(described.text(row, column)));
+      rows.back().push_back(described.text(row, column));
     }
   }
-  printTable(out, rows);
+  printTable(out, rows, TableAlignment::Left);
   out << '\n';
 }
 

@@ -42,17 +42,30 @@ void ImportConsole::loadThesaurus(const ThesaurusChoice& choice) {
   thesaurus_.Aukaise(path);
 }
 
+void ImportConsole::openOne(const std::string& file) {
+  session().log.clear();
+  sheets_.openSources({file});
+  if (sheets_.DataSheetCount() == 0) return;
+  // A user at a window sees at once that the lines are rubbish; a script does not.
+  frmDataIN& opened = sheets_.sheet(sheets_.DataSheetCount());
+  if (!opened.NotReadable.empty()) {
+    const std::string reason = opened.NotReadable;
+    opened.close();
+    throw FileError(reason);
+  }
+  printLines(session().log.txtLog.text(), "");
+}
+
 int ImportConsole::open(const std::vector<std::string>& files) {
   int failed = 0;
   for (const std::string& file : files) {
     try {
-      sheets_.openSources({file});
+      openOne(file);
     } catch (const Error& failure) {
       context_.err << "lodex: " << failure.what() << '\n';
       ++failed;
     }
   }
-  printLines(session().log.txtLog.text(), "");
   return failed;
 }
 

@@ -20,6 +20,9 @@ class ImportConsole {
  public:
   ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus);
 
+  /// Opens a file and prints what the log says of it. Throws Error when it cannot be opened or is
+  /// neither a workbook nor text.
+  void openOne(const std::string& file);
   /// Opens one file after the other; what cannot be opened is reported. Returns how many failed.
   int open(const std::vector<std::string>& files);
   /// Identifies all open sheets.
@@ -31,6 +34,7 @@ class ImportConsole {
   ImportContext& context() { return import_; }
   DataSheets& sheets() { return sheets_; }
   Form& shell() { return shell_; }
+  taulukot& tables() { return tables_; }
 
  private:
   void loadThesaurus(const ThesaurusChoice& choice);

@@ -9,10 +9,10 @@
 #include "basic/Files.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
-#include "cli/CliSession.h"
+#include "cli/ImportConsole.h"
+#include "cli/TextTable.h"
 #include "cli/WorkbookFiles.h"
 #include "db/Connection.h"
-#include "import/DataSheets.h"
 #include "modal/ResultBook.h"
 #include "modal/RetAndCalc.h"
 #include "modal/SetUp.h"
@@ -60,15 +60,6 @@ std::string reportOf(const LoadedSetUp& setUp) {
 
 // --- The assays ---------------------------------------------------------------------------------
 
-void loadThesaurus(const SessionRecord& record, frmSynonLib& thesaurus) {
-  for (const std::string& path : {record.ThesaurusFile, record.GeoPath + "\\ini\\SynonLib.txt",
-                                  record.GeoPath + "\\ini\\DefSynonLib.txt"}) {
-    if (path.empty() || !pathExists(path)) continue;
-    thesaurus.Aukaise(path);
-    return;
-  }
-}
-
 // The sheet of that name; without one the first sheet of the file.
 frmDataIN& chooseSheet(DataSheets& sheets, const ModalOptions& options, std::ostream& err) {
   if (sheets.DataSheetCount() == 0) throw Error(options.assays + " holds no sheet");
@@ -106,26 +97,6 @@ AssaySheet sourceOf(const frmDataIN& sheet) {
 
 // --- What is printed ----------------------------------------------------------------------------
 
-using TableRow = std::vector<std::string>;
-
-// The first column to the left, all others to the right.
-void printTable(std::ostream& out, const std::vector<TableRow>& rows) {
-  std::vector<size_t> widths(rows.front().size());
-  for (const TableRow& row : rows) {
-    for (size_t c = 0; c < row.size(); ++c) {
-      widths[c] = std::max(widths[c], characterCount(row[c]));
-    }
-  }
-  for (const TableRow& row : rows) {
-    std::string line;
-    for (size_t c = 0; c < row.size(); ++c) {
-      const std::string gap(widths[c] - characterCount(row[c]), ' ');
-      line += c == 0 ? row[c] + gap : "  " + gap + row[c];
-    }
-    out << trimBlanksRight(line) << '\n';
-  }
-}
-
 void printAmounts(std::ostream& out, const frmResult& result) {
   out << "Modal composition, %\n\n";
   const Worksheet& mode = result.F1MC;
@@ -135,7 +106,7 @@ void printAmounts(std::ostream& out, const frmResult& result) {
     rows.emplace_back();
     for (int c = 1; c <= mode.MaxCol(); ++c) rows.back().push_back(mode.TextRC(r, c));
   }
-  printTable(out, rows);
+  printTable(out, rows, TableAlignment::Right);
 }
 
 void printResiduals(std::ostream& out, const frmResult& result, int digits) {
@@ -150,7 +121,7 @@ void printResiduals(std::ostream& out, const frmResult& result, int digits) {
       rows.back().push_back(assayed ? FormatRounded(result.F1R.NumberRC(r, c), decimals) : "");
     }
   }
-  printTable(out, rows);
+  printTable(out, rows, TableAlignment::Right);
 }
 
 // The notes of samples that have more to tell than the set-up's name.
@@ -162,7 +133,7 @@ void printNotes(std::ostream& out, const frmResult& result, const std::string& s
     if (note != setUpName) rows.push_back({result.F1N.TextRC(r, 1), note});
   }
   if (rows.size() > 1) {
-    printTable(out, rows);
+    printTable(out, rows, TableAlignment::Left);
   } else {
     out << "All samples: " << setUpName << '\n';
   }
@@ -207,17 +178,22 @@ std::string stemOf(const std::string& path) {
 
 // --- The command --------------------------------------------------------------------------------
 
-void calculate(const ModalOptions& options, CommandContext& context, Session& session,
-               taulukot& tables, LoadedSetUp& setUp, const std::string& report) {
-  frmSynonLib thesaurus(session);
-  loadThesaurus(session.record, thesaurus);
-  ImportContext import{session, tables, thesaurus};
-  Form shell("MDIMain");
-  DataSheets sheets(shell, import);
-  sheets.chkUseThes.setChecked(true);
-  sheets.openSources({options.assays});
-  sheets.lstI.selectAll(true);
-  sheets.IDENTIFY(false);
+// True when a set-up asks for assays at all; one of X lines alone does not.
+bool wantsAssays(const Worksheet& F1CalcOpt) {
+  for (int row = 1; row <= F1CalcOpt.LastRow(); ++row) {
+    const std::string item = F1CalcOpt.TextRC(row, setup::Equation);
+    if (!item.empty() && equationKind(item) == EquationKind::Assay) return true;
+  }
+  return false;
+}
+
+void calculate(const ModalOptions& options, CommandContext& context, ImportConsole& console,
+               LoadedSetUp& setUp, const std::string& report) {
+  Session& session = console.session();
+  const taulukot& tables = console.tables();
+  console.openOne(options.assays);
+  console.identify();
+  DataSheets& sheets = console.sheets();
 
   const std::string database = options.minerals.empty()
                                    ? session.ExpandPath(session.record.MineralDbPath, "")
@@ -248,10 +224,11 @@ void calculate(const ModalOptions& options, CommandContext& context, Session& se
   } catch (const Error& error) {
     failure = error.what();
   }
-  for (const std::string& line : split(session.log.txtLog.text(), "\r\n")) {
-    if (!line.empty()) context.err << line << '\n';
-  }
+  console.printLines(session.log.txtLog.text(), "");
   if (!failure.empty()) throw Error(failure);
+  if (result.equationColumns.empty() && wantsAssays(setUp.F1CalcOpt)) {
+    throw Error("No equation of " + options.setUp + " has an assay in " + options.assays);
+  }
 
   printAmounts(context.out, result);
   printResiduals(context.out, result, setUp.digits);
@@ -273,17 +250,14 @@ void requireKnownEnding(const std::string& path) {
 
 void runModal(const ModalOptions& options, CommandContext& context) {
   if (!options.out.empty()) requireKnownEnding(options.out);
-  CliSession console(context);
-  Session& session = console.session();
-  taulukot tables;
-  tables.load(session.record.GeoPath + "\\reference");
+  ImportConsole console(context, {});
   LoadedSetUp setUp = loadSetUp(options);
   const std::string report = reportOf(setUp);
   if (options.report) {
     context.out << replaceAll(report, "\r\n", "\n");
     return;
   }
-  calculate(options, context, session, tables, setUp, report);
+  calculate(options, context, console, setUp, report);
 }
 
 }  // namespace

@@ -56,8 +56,10 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
     }
   }
   bool readAsText = false;
+  NotReadable.clear();
   if (type == FileType::Text) {
     const std::string bytes = readFile(path);
+    if (!unread.empty() && (bytes.empty() || !looksLikeText(bytes))) NotReadable = unread;
     readAsText = kind == "ASCII" || !separator.empty() || !unread.empty() ||
                  needsTextReader(decodeText(bytes));
     if (readAsText) readText(bytes, separator);

@@ -19,6 +19,8 @@ class frmDataIN : public DataSheetForm {
   /// did not come through the text reader.
   SampleTable AD;
   std::string TextSeparator;
+  /// Why the sheet shows the lines of a file that is neither a workbook nor text; "" otherwise.
+  std::string NotReadable;
   MenuItem mnuRenameWindow{*this, "mnuRenameWindow", "Rename Window..."};
 
   /// Rows of a text file that the grid shows.

@@ -43,6 +43,7 @@ FileType readAny(std::string_view bytes, Worksheet& into) {
     readXls(bytes, into);
     return FileType::Excel;
   }
+  if (ole::isContainer(bytes)) throw FileError("it is damaged, or holds no workbook");
   if (looksLikeText(bytes)) {
     readText(bytes, into);
     return FileType::Text;
