@@ -5,6 +5,7 @@
 #include "basic/Error.h"
 #include "basic/Text.h"
 #include "calc/frmSelectElements.h"
+#include "calc/frmSources.h"
 
 namespace lodex {
 namespace {
@@ -38,6 +39,7 @@ Calculations::Calculations(Form& shell, ImportContext& context, DataSheets& shee
       chkAskRefs(shell, "chkAskRefs", "Ask when ambiguous"),
       cmdGroup(shell, "cmdGroup"),
       cmdCalculate(shell, "cmdCalculate", "Calculate"),
+      shell_(shell),
       context_(context),
       sheets_(sheets) {
   cmdGroup.setCaption(context.session.record.DefaultCGroup);
@@ -149,6 +151,17 @@ void Calculations::Alusta(std::string_view item) {
   buildSources(sheets_.F1Ref, sheets, context_.converter, request);
   builtFor_ = selectionOf(sheets);
   session.record.SourcesBuilt = true;
+}
+
+void Calculations::ShowSources() {
+  if (running_) return;
+  if (sheets_.F1Ref.LastRow(1) == 0) Alusta(allItems);
+  std::vector<std::string> items = lstCalc.items();
+  items.insert(items.begin(), std::string(allItems));
+  frmSources form(context_.session, context_.tables,
+                  {shell_, items, sheets_.F1Ref, sourceSheets(), [this] { Alusta(allItems); },
+                   [this] { sourcesEdited(); }, group});
+  context_.session.dialogs().showModal(form);
 }
 
 void Calculations::sourcesEdited() {

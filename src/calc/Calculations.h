@@ -39,6 +39,8 @@ class Calculations {
   void Alusta(std::string_view item);
   /// Runs the selected methods over the samples of the selected sheets.
   void Calculate();
+  /// Shows where items come from and lets the user change it.
+  void ShowSources();
   /// The map was edited: it holds for the sheets selected now.
   void sourcesEdited();
 
@@ -59,6 +61,7 @@ class Calculations {
 
   static std::string selectionOf(const SourceSheets& sheets);
 
+  Form& shell_;
   ImportContext& context_;
   DataSheets& sheets_;
   std::string builtFor_;  // the selected sheets and their elements when F1Ref was built

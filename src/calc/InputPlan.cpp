@@ -39,7 +39,7 @@ bool planReference(const CalculationGroup& group, const std::string& text, Input
   return true;
 }
 
-// How well a column fits one of several oxides of its element: as what it was analysed, then as
+// How well a column fits one of several forms of its element: as what it was analysed, then as
 // the total, since a total may be given in any form.
 int fitOf(const ItemHeading& wanted, const ItemHeading& column) {
   if (wanted.form == column.form) return 5;
@@ -112,11 +112,13 @@ class Planner {
 
   void arrange(const WantedItem& item, std::vector<Candidate>& candidates) const {
     const ItemHeading& heading = item.heading;
-    if (heading.isOxide && !heading.formula.empty()) {
-      const std::vector<const ItemHeading*> rivals = oxidesOf(heading.element);
+    if (!heading.formula.empty()) {
+      const std::vector<const ItemHeading*> rivals = formsOf(heading.element);
       std::erase_if(candidates, [&](const Candidate& candidate) {
         return rivals.size() > 1 && !ownerOf(candidate.heading, rivals)->sameForm(heading);
       });
+    }
+    if (heading.isOxide && !heading.formula.empty()) {
       std::stable_partition(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
         return !candidate.heading.isOxide || candidate.heading.sameForm(heading);
       });
@@ -127,23 +129,23 @@ class Planner {
     });
   }
 
-  // The different oxides of an element that the method asks for.
-  std::vector<const ItemHeading*> oxidesOf(int element) const {
-    std::vector<const ItemHeading*> oxides;
+  // The different forms of an element that the method asks for: oxides and the element itself.
+  std::vector<const ItemHeading*> formsOf(int element) const {
+    std::vector<const ItemHeading*> forms;
     for (const WantedItem& item : wanted) {
       const ItemHeading& heading = item.heading;
-      if (heading.element != element || !heading.isOxide || heading.formula.empty()) continue;
-      const bool known = std::any_of(oxides.begin(), oxides.end(), [&](const ItemHeading* other) {
+      if (heading.element != element || heading.formula.empty()) continue;
+      const bool known = std::any_of(forms.begin(), forms.end(), [&](const ItemHeading* other) {
         return other->sameForm(heading);
       });
-      if (!known) oxides.push_back(&heading);
+      if (!known) forms.push_back(&heading);
     }
-    return oxides;
+    return forms;
   }
 
   static const ItemHeading* ownerOf(const ItemHeading& column,
-                                    const std::vector<const ItemHeading*>& oxides) {
-    return *std::max_element(oxides.begin(), oxides.end(),
+                                    const std::vector<const ItemHeading*>& forms) {
+    return *std::max_element(forms.begin(), forms.end(),
                              [&](const ItemHeading* a, const ItemHeading* b) {
                                return fitOf(*a, column) < fitOf(*b, column);
                              });

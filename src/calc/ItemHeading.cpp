@@ -92,6 +92,16 @@ ItemHeading columnHeading(std::string_view element, std::string_view method, std
   return heading;
 }
 
+std::string elementCell(const ItemHeading& heading) {
+  return heading.isTotal ? heading.formula + "TOT" : heading.formula;
+}
+
+std::string unitCell(const ItemHeading& heading) {
+  if (heading.unitFactor == 1) return "%";
+  if (heading.unitFactor == 10000) return "ppm";
+  return heading.unitFactor == 10000000 ? "ppb" : "";
+}
+
 double conversionFactor(const ItemHeading& column, const ItemHeading& item,
                         const CompoundConverter& converter) {
   const bool unitsKnown = column.unitFactor > 0 && item.unitFactor > 0;

@@ -32,6 +32,10 @@ ItemHeading itemHeading(std::string_view text, SymbolEnd end, const CompoundConv
 ItemHeading columnHeading(std::string_view element, std::string_view method, std::string_view unit,
                           const CompoundConverter& converter);
 
+/// The ELEMENT and UNIT cells under which a column with this heading is read as the same item.
+std::string elementCell(const ItemHeading& heading);
+std::string unitCell(const ItemHeading& heading);
+
 /// The factor that turns a number of a column into what the item asks for: units by their factors
 /// to per cent, forms by their mass ratio. Where one of the two has no known unit the number is
 /// taken to stand in the unit that is asked for; an unknown mass ratio counts as 1.

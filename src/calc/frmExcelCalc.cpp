@@ -15,12 +15,6 @@ constexpr int valueColumn = 3;
 constexpr int firstSampleRow = 5;
 constexpr int titleColumns = 2;
 
-std::string unitName(double factor) {
-  if (factor == 1) return "%";
-  if (factor == 10000) return "ppm";
-  return factor == 10000000 ? "ppb" : "";
-}
-
 }  // namespace
 
 frmExcelCalc::frmExcelCalc(ImportContext& context, Calculations& calculations)
@@ -155,12 +149,12 @@ Worksheet frmExcelCalc::describedInput(int lastRow, int samples) const {
     const ItemHeading heading = itemHeading(title, SymbolEnd::Loose, context().converter);
     table.TextRC(sysrow::Header + 1, column, title);
     if (!heading.formula.empty()) {
-      table.TextRC(sysrow::Element + 1, column, heading.formula + (heading.isTotal ? "TOT" : ""));
+      table.TextRC(sysrow::Element + 1, column, elementCell(heading));
     } else {
       table.TextRC(sysrow::Header + 1, column, heading.form);
     }
     table.TextRC(sysrow::Method + 1, column, heading.method);
-    table.TextRC(sysrow::Unit + 1, column, unitName(heading.unitFactor));
+    table.TextRC(sysrow::Unit + 1, column, unitCell(heading));
     for (int sample = 1; sample <= samples; ++sample) {
       table.ValueSRC(1, firstSampleRow + sample - 1, column, F1D.ValueRC(row, sample + 1));
     }

@@ -22,11 +22,10 @@ TEST(References, AreToldFromItems) {
     const char* method;
     const char* item;
   };
-  for (const Case& c : {Case{"CIPW.An", true, "CIPW", "An"},
-                        Case{"[CIPW].[An %]", true, "CIPW", "An %"},
-                        Case{"[My.Norm].[D.I.]", true, "My.Norm", "D.I."},
-                        Case{"SiO2 %", false, "", ""}, Case{"D.I.", false, "", ""},
-                        Case{".An", false, "", ""}, Case{"CIPW.", false, "", ""}}) {
+  for (const Case& c :
+       {Case{"CIPW.An", true, "CIPW", "An"}, Case{"[CIPW].[An %]", true, "CIPW", "An %"},
+        Case{"[My.Norm].[D.I.]", true, "My.Norm", "D.I."}, Case{"SiO2 %", false, "", ""},
+        Case{"D.I.", false, "", ""}, Case{".An", false, "", ""}, Case{"CIPW.", false, "", ""}}) {
     std::string method;
     std::string item;
     EXPECT_EQ(splitReference(c.text, method, item), c.is) << c.text;
@@ -119,9 +118,8 @@ TEST_F(CalculationGroupTest, FindsInputAndOutputByNameElseByPlace) {
 
 TEST_F(CalculationGroupTest, ResolvesTheLinkSheet) {
   writeMethod("Donor.xls", {.map = {"Q||11", "|[An]|12", "Donor.Or||13"}});
-  writeMethod("User.xls", {.links = {"priority|3", "a||=1+1|Donor", "b||'SUM(A1:A3)",
-                                     "x|Donor.Q|", "[Donor].[An]|Gone.An|", "|Donor.Or|",
-                                     "|Donor.Missing|5"},
+  writeMethod("User.xls", {.links = {"priority|3", "a||=1+1|Donor", "b||'SUM(A1:A3)", "x|Donor.Q|",
+                                     "[Donor].[An]|Gone.An|", "|Donor.Or|", "|Donor.Missing|5"},
                            .map = {"", "", "", "", "", "", "|||77"}});
   load();
   const MethodBook& user = group.method(group.MethodIndex("User"));

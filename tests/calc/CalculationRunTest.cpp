@@ -19,14 +19,14 @@ const TestMethod sumMethod = {.input = {"SiO2 %", "Cu ppm"},
 
 TEST_F(CalculationRunTest, JoinsSheetsAndLaysResultsOutAsADataSheet) {
   writeMethod("Sum.xls", sumMethod);
-  frmDataIN& first = addSheet("one", {"HEADER|SampleNo|SiO2 %", "ELEMENT||SiO2", "METHOD", "UNIT||%",
-                                      "|S2|60", "|S1|50"});
+  frmDataIN& first = addSheet(
+      "one", {"HEADER|SampleNo|SiO2 %", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S2|60", "|S1|50"});
   SheetStructure structure = first.structure();
   structure.row(sysrow::Field) = 2;  // what stands there in column 2 is the key's field
   first.F1D.TextRC(2, 2, "SampleKey");
   first.setStructure(structure);
-  addSheet("two", {"HEADER|No|Cu ppm", "ELEMENT||Cu", "METHOD", "UNIT||ppm", "|S1|7", "|S3|8",
-                   "||9"});
+  addSheet("two",
+           {"HEADER|No|Cu ppm", "ELEMENT||Cu", "METHOD", "UNIT||ppm", "|S1|7", "|S3|8", "||9"});
   loadAndRun();
   Worksheet& result = sheets.result.F1D;
   EXPECT_EQ(sheets.result.caption(), "Calculation Result");
@@ -45,8 +45,8 @@ TEST_F(CalculationRunTest, JoinsSheetsAndLaysResultsOutAsADataSheet) {
 
 TEST_F(CalculationRunTest, KeepsTheFirstOfDuplicateRows) {
   writeMethod("Sum.xls", sumMethod);
-  addSheet("one", {"HEADER|SampleNo|SiO2 %", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S1|50",
-                   "|S1|60"});
+  addSheet("one",
+           {"HEADER|SampleNo|SiO2 %", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S1|50", "|S1|60"});
   loadAndRun();
   EXPECT_THAT(resultRows("Sum"), ElementsAre("S1|50||50"));
   const std::string line =
@@ -96,7 +96,8 @@ TEST_F(CalculationRunTest, ConvertsUnitsAndForms) {
 }
 
 TEST_F(CalculationRunTest, TakesTheFirstSourceWithAValue) {
-  writeMethod("M.xls", {.input = {"Cu ppm"}, .output = {"R||=Input!C2", "Empty||=ISBLANK(Input!C2)"}});
+  writeMethod("M.xls",
+              {.input = {"Cu ppm"}, .output = {"R||=Input!C2", "Empty||=ISBLANK(Input!C2)"}});
   addSheet("s", {"HEADER|No|a|b", "ELEMENT||Cu|Cu", "METHOD||XRF|ICP", "UNIT||ppm|ppm", "|A|1|2",
                  "|B||3", "|C|0|4", "|D|<5|6", "|E|  |"});
   loadAndRun();
@@ -134,10 +135,12 @@ TEST_F(CalculationRunTest, MethodsReadEachOther) {
 }
 
 TEST_F(CalculationRunTest, CirclesAndFormulaErrorsDoNotStopARun) {
-  writeMethod("A.xls", {.links = {"", "|||B"}, .input = {"B.R"},
+  writeMethod("A.xls", {.links = {"", "|||B"},
+                        .input = {"B.R"},
                         .output = {"R||=Input!C2+1", "Bad||=1/0", "Own||=C3"}});
-  writeMethod("B.xls", {.links = {"", "|||A", "|||Nobody"}, .input = {"A.R"},
-                        .output = {"R||=Input!C2+10"}});
+  writeMethod(
+      "B.xls",
+      {.links = {"", "|||A", "|||Nobody"}, .input = {"A.R"}, .output = {"R||=Input!C2+10"}});
   writeMethod("NoSheets.xls", {});
   addSheet("s", {"HEADER|No|x", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S1|1", "|S2|2"});
   loadAndRun();
@@ -217,8 +220,7 @@ TEST_F(CalculationRunTest, AsksForSourcesAndKeepsTheAnswer) {
   dialogs.expectForm("frmSelectElements", [](Form& form) {
     auto& dialog = dynamic_cast<frmSelectElements&>(form);
     EXPECT_EQ(dialog.caption(), "Source for Cu");
-    EXPECT_THAT(dialog.lstSel.items(),
-                ElementsAre("s , Column 3 , Cu a", "s , Column 4 , Cu b"));
+    EXPECT_THAT(dialog.lstSel.items(), ElementsAre("s , Column 3 , Cu a", "s , Column 4 , Cu b"));
     dialog.lstSel.setCurrent(0);
     dialog.cmdDown.click();
     dialog.Command1.click();

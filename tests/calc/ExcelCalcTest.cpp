@@ -40,8 +40,8 @@ TEST_F(ExcelCalcTest, CalculatesEverySampleBelowTheInput) {
   enter({"Sample|a|b|c", "Au g/t|2||", "SiO2 %|50|60|", "LOI %|1||"});
   ASSERT_TRUE(form->CalcExcel("m"));
   form->cmdCalculate.click();
-  EXPECT_THAT(rows(), ElementsAre("Sample|a|b|c", "Au g/t|2||", "SiO2 %|50|60|", "LOI %|1||",
-                                  "|||", "Calculation Result|||", "Twice|100.000|120.000|0.000",
+  EXPECT_THAT(rows(), ElementsAre("Sample|a|b|c", "Au g/t|2||", "SiO2 %|50|60|", "LOI %|1||", "|||",
+                                  "Calculation Result|||", "Twice|100.000|120.000|0.000",
                                   "Gold|2.000|0.000|0.000", "Kind|wet|dry|dry"));
   form->F1D.NumberRC(3, 2, 1);
   form->Calculate("M");
@@ -62,8 +62,8 @@ TEST_F(ExcelCalcTest, DoesNothingWithoutMethodOrSheets) {
 
 TEST_F(ExcelCalcTest, UsesPrerequisitesAndConvertsForms) {
   writeMethod("Base.xls", {.input = {"SiO2 %"}, .output = {"S||=Input!C2"}});
-  writeMethod("Top.xls", {.links = {"", "|||Base"}, .input = {"Base.S"},
-                          .output = {"R||=ROUND(Input!C2,3)"}});
+  writeMethod("Top.xls",
+              {.links = {"", "|||Base"}, .input = {"Base.S"}, .output = {"R||=ROUND(Input!C2,3)"}});
   open();
   enter({"Si %|10"});
   form->Calculate("Top");
@@ -85,8 +85,8 @@ TEST_F(ExcelCalcTest, TakesExamplesAndSamples) {
   EXPECT_EQ(form->mnuExamples(2).caption(), "REE");
   form->mnuExamples(2).click();
   EXPECT_THAT(rows(), ElementsAre("La ppm|38.2"));
-  const frmDataIN& sheet = addSheet("s", {"HEADER|No|Silica|Note", "ELEMENT||SiO2", "METHOD",
-                                          "UNIT||%", "|A|1", "|B|2|x"});
+  const frmDataIN& sheet = addSheet(
+      "s", {"HEADER|No|Silica|Note", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|A|1", "|B|2|x"});
   form->takeSample(sheet, 6);
   EXPECT_THAT(rows(), ElementsAre("No|B", "SiO2 %|2", "Note|x"));
 }

@@ -44,7 +44,8 @@ class SourcesFormTest : public CalcFixture {
       auto& dialog = dynamic_cast<frmSelectElements&>(shown);
       EXPECT_EQ(dialog.caption(), caption);
       for (int i = 0; i < dialog.lstSel.count(); ++i) {
-        if (dialog.lstSel.item(i) == uncheck || uncheck == "all") dialog.lstSel.setChecked(i, false);
+        if (dialog.lstSel.item(i) == uncheck || uncheck == "all")
+          dialog.lstSel.setChecked(i, false);
       }
       (cancel ? dialog.cmdCancel : dialog.Command1).click();
     });

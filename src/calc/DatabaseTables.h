@@ -1,0 +1,38 @@
+#pragma once
+
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "calc/SourceSheet.h"
+#include "chem/CompoundConverter.h"
+#include "db/Connection.h"
+
+namespace lodex {
+
+/// Tables of a source database in the layout of data sheets, so that a calculation reads them like
+/// any other sheet. A field stands in the column behind its place in the table, as the database map
+/// counts: the first field in column 2. Its name tells element, method and unit.
+class DatabaseTables {
+ public:
+  /// Reads a table. `number` is its place in the map, `keyField` the field of the sample
+  /// identifier; without one its samples are not found. Throws Error when the table cannot be read
+  /// or does not fit into a sheet.
+  void add(Connection& connection, std::string_view table, int number, std::string_view keyField,
+           const CompoundConverter& converter);
+
+  /// The tables, none of them selected. They live as long as this object and stay valid when
+  /// tables are added.
+  SourceSheets sheets() const;
+
+ private:
+  struct Table {
+    std::string name;
+    int number = 0;
+    Worksheet cells;
+    SheetStructure structure;
+  };
+  std::deque<Table> tables_;
+};
+
+}  // namespace lodex
