@@ -136,7 +136,7 @@ std::vector<std::string> tableNames() {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, FormulaTables, ::testing::ValuesIn(tableNames()),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& table) { return table.param; });
 
 }  // namespace
 }  // namespace lodex
