@@ -348,6 +348,7 @@ TEST(FormulaParser, PrintsWhatItHasRead) {
                          "Sheet1!#REF!",
                          "1E+300*0.1",
                          "TRUE<>FALSE",
+                         "_XLWS.0A(1)",
                          "Table1[[#All],[Cu]]",
                          "'2010'!A1+'R1'!A1+Data.1!A1"};
   for (const char* text : texts) {

@@ -25,12 +25,12 @@ struct Area {
 
 enum class Tag : std::uint8_t {
   Number,
+  Boolean,      // number is 1 or 0
+  Error,        // code
+  Empty,        // a cell without content
+  Missing,      // an argument left out
   NumericText,  // number, and text its spelling
   Text,
-  Boolean,  // number is 1 or 0
-  Error,    // code
-  Empty,    // a cell without content
-  Missing,  // an argument left out
   Area,
   Areas,  // a union of areas
   Array
@@ -50,15 +50,24 @@ struct Operand {
     const std::vector<formula::Area>* areas;
   };
 
-  Operand() : tag(Tag::Empty), code(), number(0), chars{} {}
-  Operand(double value) : tag(Tag::Number), code(), number(value), chars{} {}
-  Operand(ErrorCode error) : tag(Tag::Error), code(error), number(0), chars{} {}
+  Operand() : Operand(Tag::Empty, ErrorCode(), 0) {}
+  Operand(double value) : Operand(Tag::Number, ErrorCode(), value) {}
+  Operand(ErrorCode error) : Operand(Tag::Error, error, 0) {}
   Operand(const formula::Area& block) : tag(Tag::Area), code(), number(0), area(block) {}
   Operand(const formula::Array* values) : tag(Tag::Array), code(), number(0), chars{} {
     array = values;
   }
   Operand(const std::vector<formula::Area>* list) : tag(Tag::Areas), code(), number(0), chars{} {
     areas = list;
+  }
+  // Most operands are numbers, and copying no more of them than counts is what makes formulas fast.
+  Operand(const Operand& other) : Operand(other.tag, other.code, other.number) { copyRest(other); }
+  Operand& operator=(const Operand& other) {
+    tag = other.tag;
+    code = other.code;
+    number = other.number;
+    copyRest(other);
+    return *this;
   }
   static Operand boolean(bool truth) {
     Operand operand(truth ? 1.0 : 0.0);
@@ -90,8 +99,24 @@ struct Operand {
   bool isArray() const { return tag == Tag::Array; }
   bool isReference() const { return tag == Tag::Area || tag == Tag::Areas; }
   bool isScalar() const { return tag < Tag::Area; }
+
+ private:
+  // it.
+  Operand(Tag kind, ErrorCode error, double value)
+      : tag(kind), code(error), number(value), area{} {}
+  void copyRest(const Operand& other) {
+    if (tag < Tag::NumericText) return;
+    if (tag == Tag::Area)
+      area = other.area;
+    else if (tag == Tag::Array)
+      array = other.array;
+    else if (tag == Tag::Areas)
+      areas = other.areas;
+    else
+      chars = other.chars;
+  }
 };
-static_assert(std::is_trivially_copyable_v<Operand>);
+static_assert(std::is_trivially_destructible_v<Operand>);
 
 /// Values row by row; none of them is an area or an array.
 struct Array {
