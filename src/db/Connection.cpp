@@ -59,7 +59,7 @@ std::string connectionItem(std::string_view connectionString, std::string_view k
 std::string quoteName(std::string_view name) {
   refuseZeroCharacter(name);
   if (name.find(']') == std::string_view::npos) return "[" + std::string(name) + "]";
-  return "\"" + replaceAll(name, "\"", "\"\"") + "\"";
+  return "`" + replaceAll(name, "`", "``") + "`";
 }
 
 std::string quoteText(std::string_view text) {

@@ -49,8 +49,8 @@ class Connection {
   void Close();
   bool IsOpen() const { return driver_ != nullptr; }
 
-  /// Runs one statement and returns the number of records that it changed. `?` marks in the text
-  /// stand for the parameters in their order.
+  /// Runs one statement of the Jet dialect and returns the number of records that it changed. `?`
+  /// marks in the text stand for the parameters in their order.
   std::int64_t Execute(std::string_view sql, const std::vector<FieldValue>& parameters = {});
   std::unique_ptr<Recordset> OpenRecordset(std::string_view sql,
                                            CursorKind cursor = CursorKind::Client,

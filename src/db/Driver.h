@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -14,6 +15,24 @@ namespace lodex {
 /// The values of one record, in the order of the fields.
 using Row = std::vector<FieldValue>;
 
+struct FieldChange {
+  std::string column;  ///< as the table names it
+  FieldValue value;
+};
+
+/// Writes records of one table. A record is named by the number that RowSource::record gave for it
+/// and by its former values; each driver uses what tells its records from each other.
+class RecordWriter {
+ public:
+  virtual ~RecordWriter() = default;
+  virtual const std::string& table() const = 0;
+  /// Adds a record and returns its number; `row` takes the values that the database gave it.
+  virtual FieldValue add(const std::vector<FieldChange>& changes, Row& row) = 0;
+  virtual void change(const FieldValue& record, const Row& former,
+                      const std::vector<FieldChange>& changes) = 0;
+  virtual void remove(const FieldValue& record, const Row& former) = 0;
+};
+
 /// The result of a query, delivered record by record. It must not outlive its driver.
 class RowSource {
  public:
@@ -21,6 +40,11 @@ class RowSource {
   virtual const std::vector<Field>& fields() const = 0;
   /// Puts the next record into `row`; false after the last one.
   virtual bool next(Row& row) = 0;
+  /// The number of the record delivered last; Null if there is none.
+  virtual FieldValue record() const { return {}; }
+  /// What writes to these records; nullptr if they come from more than one table, are grouped or
+  /// cannot be told from each other.
+  virtual std::unique_ptr<RecordWriter> writer() { return nullptr; }
 };
 
 /// Records that stand in memory already.
@@ -47,8 +71,8 @@ class Driver {
  public:
   virtual ~Driver() = default;
 
-  /// Runs one statement, with `?` marks standing for the parameters, and returns the number of
-  /// records that it changed.
+  /// Runs one statement of the Jet dialect, with `?` marks standing for the parameters, and returns
+  /// the number of records that it changed.
   virtual std::int64_t execute(std::string_view sql, const Row& parameters) = 0;
   virtual std::unique_ptr<RowSource> query(std::string_view sql, const Row& parameters) = 0;
 

@@ -49,11 +49,13 @@ std::string fieldText(const FieldValue& value);
 /// The value as a number; 0 for Null and for text that holds no number.
 double fieldNumber(const FieldValue& value);
 
-/// A field of a recordset. `declared` is the type as the table declares it, "" for an expression.
+/// A field of a recordset. `declared` is the type as the table declares it and `column` the table's
+/// name for the field, both "" for an expression.
 struct Field {
   std::string name;
   FieldType type;
   std::string declared;
+  std::string column = {};
 };
 
 /// The type that a declaration such as "TEXT (50)", "SINGLE" or "LONG" means, in any case. An

@@ -5,6 +5,7 @@
 #include "basic/Error.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
+#include "db/FieldValues.h"
 
 namespace lodex {
 
@@ -19,7 +20,12 @@ Recordset::Recordset(std::unique_ptr<RowSource> rows, CursorKind cursor)
     return;
   }
   Row row;
-  while (rows->next(row)) rows_.push_back(row);
+  while (rows->next(row)) {
+    rows_.push_back(row);
+    records_.push_back(rows->record());
+  }
+  deleted_.resize(rows_.size());
+  writer_ = rows->writer();
   arrange();
 }
 
@@ -47,15 +53,19 @@ bool Recordset::Bof() const {
 
 void Recordset::MoveFirst() {
   requireClient("Moving to the first record");
+  settle();
   position_ = 0;
 }
 
 void Recordset::MoveLast() {
   requireClient("Moving to the last record");
+  settle();
   position_ = std::max(0, static_cast<int>(visible_.size()) - 1);
 }
 
 void Recordset::MoveNext() {
+  if (currentIsDeleted_) return dropDeleted();
+  settle();
   if (Eof()) throw Error("There is no record after the last one", dberror::NoCurrentRecord);
   if (cursor_ == CursorKind::ForwardOnly) {
     atEnd_ = !source_->next(passing_);
@@ -66,12 +76,14 @@ void Recordset::MoveNext() {
 
 void Recordset::MovePrevious() {
   requireClient("Moving back");
+  settle();
   if (Bof()) throw Error("There is no record before the first one", dberror::NoCurrentRecord);
   --position_;
 }
 
 void Recordset::Move(int place) {
   requireClient("Moving to a place");
+  settle();
   if (place < 1 || place > RecordCount()) {
     throw Error("There is no record number " + std::to_string(place), dberror::NoCurrentRecord);
   }
@@ -79,7 +91,8 @@ void Recordset::Move(int place) {
 }
 
 int Recordset::RecordCount() const {
-  return cursor_ == CursorKind::Client ? static_cast<int>(visible_.size()) : -1;
+  if (cursor_ != CursorKind::Client) return -1;
+  return static_cast<int>(visible_.size()) - (currentIsDeleted_ ? 1 : 0);
 }
 
 int Recordset::AbsolutePosition() const {
@@ -87,7 +100,11 @@ int Recordset::AbsolutePosition() const {
 }
 
 const Row& Recordset::current() const {
+  if (editMode_ != EditMode::None) return edited_;
   if (Eof() || Bof()) throw Error("There is no current record", dberror::NoCurrentRecord);
+  if (currentIsDeleted_) {
+    throw Error("The current record has been deleted", dberror::NoCurrentRecord);
+  }
   return cursor_ == CursorKind::Client ? rows_[visible_[position_]] : passing_;
 }
 
@@ -123,14 +140,18 @@ void Recordset::requireClient(std::string_view what) const {
 
 void Recordset::Filter(std::string_view condition) {
   requireClient("A filter");
-  filter_ = RowFilter(condition, fields_);
+  RowFilter filter(condition, fields_);
+  settle();
+  filter_ = std::move(filter);
   filterText_ = condition;
   arrange();
 }
 
 void Recordset::Sort(std::string_view order) {
   requireClient("Sorting");
-  order_ = parseOrder(order);
+  std::vector<SortField> fields = parseOrder(order);
+  settle();
+  order_ = std::move(fields);
   sortText_ = order;
   arrange();
 }
@@ -138,8 +159,122 @@ void Recordset::Sort(std::string_view order) {
 void Recordset::Find(std::string_view condition) {
   requireClient("Searching");
   const RowFilter wanted(condition, fields_);
+  settle();
   if (Bof() && !visible_.empty()) MoveFirst();
   while (!Eof() && !wanted.accepts(current())) ++position_;
+}
+
+void Recordset::requireWriter() const {
+  if (!writer_) throw Error("The records of this query cannot be written", dberror::NotSupported);
+}
+
+// Before any move: a changed record is written, a deleted one leaves.
+void Recordset::settle() {
+  if (editMode_ != EditMode::None) Update();
+  if (currentIsDeleted_) dropDeleted();
+}
+
+// The record behind the deleted one takes its place.
+void Recordset::dropDeleted() {
+  visible_.erase(visible_.begin() + position_);
+  currentIsDeleted_ = false;
+}
+
+void Recordset::AddNew() {
+  requireWriter();
+  settle();
+  returnTo_ = position_;
+  editMode_ = EditMode::Add;
+  edited_.assign(fields_.size(), FieldValue());
+  changed_.assign(fields_.size(), false);
+}
+
+void Recordset::SetValue(int field, FieldValue value) {
+  requireWriter();
+  if (field < 0 || field >= static_cast<int>(fields_.size())) {
+    throw Error("There is no field number " + std::to_string(field), dberror::NoSuchItem);
+  }
+  if (fields_[field].column.empty()) {
+    throw Error("Field [" + fields_[field].name + "] is computed and cannot be written",
+                dberror::NotSupported);
+  }
+  if (editMode_ == EditMode::None) {
+    edited_ = current();
+    changed_.assign(fields_.size(), false);
+    editMode_ = EditMode::InProgress;
+  }
+  edited_[field] = std::move(value);
+  changed_[field] = true;
+}
+
+void Recordset::SetValue(std::string_view field, FieldValue value) {
+  SetValue(fieldOrThrow(field), std::move(value));
+}
+
+std::vector<FieldChange> Recordset::changes() const {
+  std::vector<FieldChange> list;
+  for (size_t i = 0; i < fields_.size(); ++i) {
+    if (!changed_[i]) continue;
+    list.push_back({fields_[i].column, valueForField(edited_[i], fields_[i], writer_->table())});
+  }
+  return list;
+}
+
+void Recordset::Update() {
+  requireWriter();
+  if (editMode_ == EditMode::None) return;
+  const std::vector<FieldChange> list = changes();
+  Row row = edited_;
+  size_t next = 0;
+  for (size_t i = 0; i < fields_.size(); ++i) {
+    if (changed_[i]) row[i] = list[next++].value;
+  }
+  if (editMode_ == EditMode::Add) {
+    records_.push_back(writer_->add(list, row));
+    rows_.push_back(std::move(row));
+    deleted_.push_back(false);
+    visible_.push_back(static_cast<int>(rows_.size()) - 1);
+    position_ = static_cast<int>(visible_.size()) - 1;
+  } else {
+    const int place = visible_[position_];
+    if (!list.empty()) writer_->change(records_[place], rows_[place], list);
+    rows_[place] = std::move(row);
+  }
+  editMode_ = EditMode::None;
+}
+
+void Recordset::CancelUpdate() {
+  if (editMode_ == EditMode::Add) position_ = returnTo_;
+  editMode_ = EditMode::None;
+}
+
+void Recordset::Delete() {
+  requireWriter();
+  if (editMode_ != EditMode::None) return CancelUpdate();
+  current();
+  const int place = visible_[position_];
+  writer_->remove(records_[place], rows_[place]);
+  deleted_[place] = true;
+  currentIsDeleted_ = true;
+}
+
+int Recordset::Bookmark() const {
+  requireClient("A bookmark");
+  if (editMode_ == EditMode::Add) {
+    throw Error("A new record has no bookmark before its update", dberror::NoCurrentRecord);
+  }
+  current();
+  return visible_[position_];
+}
+
+void Recordset::Bookmark(int bookmark) {
+  requireClient("A bookmark");
+  settle();
+  const auto place = std::find(visible_.begin(), visible_.end(), bookmark);
+  if (place == visible_.end()) {
+    throw Error("The record of this bookmark cannot be shown", dberror::NoCurrentRecord);
+  }
+  position_ = static_cast<int>(place - visible_.begin());
 }
 
 std::vector<Recordset::SortField> Recordset::parseOrder(std::string_view order) const {
@@ -176,7 +311,7 @@ std::vector<Recordset::SortField> Recordset::parseOrder(std::string_view order) 
 void Recordset::arrange() {
   visible_.clear();
   for (size_t i = 0; i < rows_.size(); ++i) {
-    if (filter_.accepts(rows_[i])) visible_.push_back(static_cast<int>(i));
+    if (!deleted_[i] && filter_.accepts(rows_[i])) visible_.push_back(static_cast<int>(i));
   }
   if (!order_.empty()) {
     std::stable_sort(visible_.begin(), visible_.end(), [this](int a, int b) {

@@ -12,9 +12,16 @@
 
 namespace lodex {
 
+/// What is being done to the current record: nothing, its values are being changed, or it is new.
+enum class EditMode { None, InProgress, Add };
+
 /// The records that a query returned, with one of them current. Fields count from 0, as in stored
 /// settings. A recordset with a client cursor holds its records itself; those of a forward-only one
 /// pass by, and RecordCount is -1, Filter, Sort, Find and moving back throw Error.
+///
+/// Records of a client cursor can be written when they come one by one from a single table: set
+/// values, then Update. Moving away from a changed record updates it too. After a refusal the
+/// record stays as it is being edited, until it is mended or CancelUpdate gives it up.
 class Recordset {
  public:
   /// Takes the records of `rows`; the first one is current.
@@ -54,6 +61,26 @@ class Recordset {
   void Sort(std::string_view order);
   const std::string& Sort() const { return sortText_; }
 
+  /// Whether records can be written.
+  bool Updatable() const { return writer_ != nullptr; }
+  EditMode Editing() const { return editMode_; }
+  /// Begins a new record, which becomes the current one. Its values are Null until they are set.
+  void AddNew();
+  /// Sets a value of the current record. Throws Error for a field that is an expression.
+  void SetValue(int field, FieldValue value);
+  void SetValue(std::string_view field, FieldValue value);
+  /// Writes the new or changed record. Throws Error naming table and field for a value that does
+  /// not fit, and for what the database refuses (a key that exists, a required field left empty).
+  void Update();
+  void CancelUpdate();
+  /// Deletes the current record; it stays current, without values, until the next move.
+  void Delete();
+
+  /// Names the current record, through filters and sorting, as long as the recordset lives.
+  int Bookmark() const;
+  /// Makes a record current; throws Error if the filter hides it or it was deleted.
+  void Bookmark(int bookmark);
+
   /// Moves from the current record on to the first that meets a condition; at the end if none.
   void Find(std::string_view condition);
 
@@ -64,6 +91,10 @@ class Recordset {
   };
 
   void requireClient(std::string_view what) const;
+  void requireWriter() const;
+  void settle();
+  void dropDeleted();
+  std::vector<FieldChange> changes() const;
   const Row& current() const;
   int fieldOrThrow(std::string_view name) const;
   std::vector<SortField> parseOrder(std::string_view order) const;
@@ -73,9 +104,17 @@ class Recordset {
   std::vector<Field> fields_;
   std::unordered_map<std::string, int> fieldPlaces_;  // by the name in upper case
   std::vector<Row> rows_;                             // of a client cursor
-  std::vector<int> visible_;                          // rows under filter and sorting
-  int position_ = 0;  // index into visible_; its size at the end, -1 before the start
+  std::vector<FieldValue> records_;                   // their numbers in the database
+  std::vector<bool> deleted_;
+  std::vector<int> visible_;  // rows under filter and sorting
+  int position_ = 0;          // index into visible_; its size at the end, -1 before the start
   std::unique_ptr<RowSource> source_;  // of a forward-only cursor
+  std::unique_ptr<RecordWriter> writer_;
+  EditMode editMode_ = EditMode::None;
+  Row edited_;
+  std::vector<bool> changed_;      // fields of edited_
+  int returnTo_ = 0;               // position before AddNew
+  bool currentIsDeleted_ = false;  // the record at position_ is to leave visible_
   Row passing_;
   bool atEnd_ = false;
   RowFilter filter_;

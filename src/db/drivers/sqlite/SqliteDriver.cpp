@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <climits>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -11,7 +10,12 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
+#include "db/drivers/sqlite/SqliteFunctions.h"
 #include "db/drivers/sqlite/SqliteSchema.h"
+#include "db/drivers/sqlite/SqliteStatement.h"
+#include "db/drivers/sqlite/SqliteTables.h"
+#include "db/drivers/sqlite/SqliteWriter.h"
+#include "db/sql/JetSql.h"
 
 namespace lodex {
 
@@ -21,168 +25,27 @@ namespace fs = std::filesystem;
 
 constexpr int kBusyTimeoutAtOpen = 3000;
 
-// The open file. Running queries share it, so that it closes after the last of them.
-struct Database {
-  sqlite3* handle = nullptr;
-  std::string path;
-
-  Database() = default;
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-  ~Database() { sqlite3_close_v2(handle); }
+// What a statement's text was turned into, kept because many are run again and again.
+struct KnownStatement {
+  std::string text;
+  JetStatement statement;
 };
-
-// Other programs may have written texts in their own encoding, and damaged files hold anything.
-std::string validText(std::string_view text) {
-  return isValidUtf8(text) ? std::string(text) : fromWindows1252(text);
-}
-
-[[noreturn]] void failWith(const Database& database, int code, std::string_view sql) {
-  const std::string reason = database.handle ? validText(sqlite3_errmsg(database.handle)) : "";
-  const std::string name = "Database " + database.path;
-  switch (code & 0xFF) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      throw Error(name + " is in use", dberror::Unspecified);
-    case SQLITE_CORRUPT:
-      throw FileError(name + " is damaged: " + reason, dberror::Unspecified);
-    case SQLITE_NOTADB:
-      throw FileError(name + " is damaged or no database", dberror::Unspecified);
-    case SQLITE_READONLY:
-      throw Error(name + " is write-protected", dberror::Unspecified);
-    case SQLITE_FULL:
-      throw Error(name + " cannot grow: the disk is full", dberror::Unspecified);
-    case SQLITE_CANTOPEN:
-    case SQLITE_IOERR:
-    case SQLITE_PERM:
-      throw FileError(name + " cannot be read or written: " + reason, dberror::Unspecified);
-    case SQLITE_CONSTRAINT:
-      throw Error("The record was refused: " + reason, dberror::Unspecified);
-    case SQLITE_NOMEM:
-      throw Error("Not enough memory for a database statement", dberror::Unspecified);
-    default:
-      throw Error(sql.empty() ? reason : reason + " in: " + std::string(sql),
-                  dberror::BadStatement);
-  }
-}
-
-void check(const Database& database, int code, std::string_view sql = {}) {
-  if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE) {
-    failWith(database, code, sql);
-  }
-}
-
-class Statement {
- public:
-  Statement(std::shared_ptr<Database> database, std::string_view sql, const Row& parameters)
-      : database_(std::move(database)), sql_(sql) {
-    if (sql.size() > INT_MAX) throw Error("The database statement is too long");
-    const char* rest = nullptr;
-    check(*database_,
-          sqlite3_prepare_v2(database_->handle, sql_.data(), static_cast<int>(sql_.size()),
-                             &handle_, &rest),
-          sql_);
-    if (!handle_) throw Error("The database statement is empty", dberror::BadStatement);
-    try {
-      refuseFurtherStatement(rest);
-      bind(parameters);
-    } catch (...) {
-      sqlite3_finalize(handle_);
-      throw;
-    }
-  }
-  ~Statement() { sqlite3_finalize(handle_); }
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-
-  // True while there is a record.
-  bool step() {
-    const int code = sqlite3_step(handle_);
-    check(*database_, code, sql_);
-    return code == SQLITE_ROW;
-  }
-
-  sqlite3_stmt* handle() const { return handle_; }
-
- private:
-  void refuseFurtherStatement(const char* rest) const {
-    const char* const end = sql_.data() + sql_.size();
-    sqlite3_stmt* further = nullptr;
-    const int code = sqlite3_prepare_v2(database_->handle, rest, static_cast<int>(end - rest),
-                                        &further, nullptr);
-    sqlite3_finalize(further);
-    if (code != SQLITE_OK || further) {
-      throw Error("There is more text behind the end of the statement: " + sql_,
-                  dberror::BadStatement);
-    }
-  }
-
-  void bind(const Row& parameters) {
-    const int expected = sqlite3_bind_parameter_count(handle_);
-    if (expected != static_cast<int>(parameters.size())) {
-      throw Error("The statement takes " + std::to_string(expected) + " parameters, not " +
-                      std::to_string(parameters.size()) + ": " + sql_,
-                  dberror::BadArgument);
-    }
-    for (int i = 0; i < expected; ++i) bindOne(i + 1, parameters[i]);
-  }
-
-  void bindOne(int place, const FieldValue& value) {
-    int code = SQLITE_OK;
-    if (const auto* whole = std::get_if<std::int64_t>(&value)) {
-      code = sqlite3_bind_int64(handle_, place, *whole);
-    } else if (const auto* number = std::get_if<double>(&value)) {
-      code = sqlite3_bind_double(handle_, place, *number);
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-      code = sqlite3_bind_text64(handle_, place, text->data(), text->size(), SQLITE_TRANSIENT,
-                                 SQLITE_UTF8);
-    } else {
-      code = sqlite3_bind_null(handle_, place);
-    }
-    check(*database_, code, sql_);
-  }
-
-  std::shared_ptr<Database> database_;
-  std::string sql_;
-  sqlite3_stmt* handle_ = nullptr;
-};
-
-std::string hexText(const unsigned char* bytes, int count) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text = "0x";
-  for (int i = 0; i < count; ++i) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 15];
-  }
-  return text;
-}
-
-FieldValue columnValue(sqlite3_stmt* statement, int column) {
-  switch (sqlite3_column_type(statement, column)) {
-    case SQLITE_INTEGER:
-      return static_cast<std::int64_t>(sqlite3_column_int64(statement, column));
-    case SQLITE_FLOAT:
-      return sqlite3_column_double(statement, column);
-    case SQLITE_TEXT: {
-      const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-      const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, column));
-      return validText(std::string_view(bytes ? bytes : "", bytes ? size : 0));
-    }
-    case SQLITE_BLOB:
-      return hexText(static_cast<const unsigned char*>(sqlite3_column_blob(statement, column)),
-                     sqlite3_column_bytes(statement, column));
-    default:
-      return {};
-  }
-}
 
 class SqliteRows : public RowSource {
  public:
-  SqliteRows(std::shared_ptr<Database> database, std::string_view sql, const Row& parameters)
-      : statement_(std::move(database), sql, parameters) {
+  // Of a query whose last column is the record's number, `table` names the table; "" otherwise.
+  SqliteRows(std::shared_ptr<SqliteFile> file, std::string_view sql, const Row& parameters,
+             std::string_view shown, std::string table)
+      : file_(file), table_(std::move(table)), statement_(std::move(file), sql, parameters, shown) {
     hasRecord_ = statement_.step();
-    const int count = sqlite3_column_count(statement_.handle());
-    for (int column = 0; column < count; ++column) fields_.push_back(fieldOf(column));
+    const int count = sqlite3_column_count(statement_.handle()) - (table_.empty() ? 0 : 1);
+    recordColumn_ = count;
+    for (int column = 0; column < count; ++column) {
+      Field field = fieldOf(column);
+      if (field.name == kNoFields) continue;
+      fields_.push_back(std::move(field));
+      columns_.push_back(column);
+    }
   }
 
   const std::vector<Field>& fields() const override { return fields_; }
@@ -190,11 +53,17 @@ class SqliteRows : public RowSource {
   bool next(Row& row) override {
     if (!hasRecord_) return false;
     row.clear();
-    for (size_t column = 0; column < fields_.size(); ++column) {
-      row.push_back(columnValue(statement_.handle(), static_cast<int>(column)));
-    }
+    for (const int column : columns_) row.push_back(statement_.value(column));
+    if (!table_.empty()) record_ = statement_.value(recordColumn_);
     hasRecord_ = statement_.step();
     return true;
+  }
+
+  FieldValue record() const override { return record_; }
+
+  std::unique_ptr<RecordWriter> writer() override {
+    if (table_.empty()) return nullptr;
+    return makeSqliteWriter(file_, table_, fields_);
   }
 
  private:
@@ -202,7 +71,11 @@ class SqliteRows : public RowSource {
     sqlite3_stmt* statement = statement_.handle();
     const char* name = sqlite3_column_name(statement, column);
     const char* declared = sqlite3_column_decltype(statement, column);
-    Field field{validText(name ? name : ""), {}, declared ? declared : ""};
+    const char* origin = sqlite3_column_origin_name(statement, column);
+    Field field{validSqliteText(name ? name : ""),
+                {},
+                declared ? declared : "",
+                validSqliteText(origin ? origin : "")};
     if (declared) {
       field.type = parseFieldType(declared);
     } else if (hasRecord_) {
@@ -214,42 +87,230 @@ class SqliteRows : public RowSource {
     return field;
   }
 
-  Statement statement_;
+  std::shared_ptr<SqliteFile> file_;
+  std::string table_;
+  SqliteStatement statement_;
   std::vector<Field> fields_;
+  std::vector<int> columns_;
+  int recordColumn_ = 0;
+  FieldValue record_;
   bool hasRecord_ = false;
 };
 
 class SqliteDriver : public Driver {
  public:
-  explicit SqliteDriver(std::shared_ptr<Database> database) : database_(std::move(database)) {}
+  explicit SqliteDriver(std::shared_ptr<SqliteFile> file) : file_(std::move(file)) {}
 
   std::int64_t execute(std::string_view sql, const Row& parameters) override {
-    const auto before = sqlite3_total_changes64(database_->handle);
-    Statement statement(database_, sql, parameters);
-    while (statement.step()) {
+    const JetStatement& statement = read(sql);
+    switch (statement.kind) {
+      case JetStatement::Query:
+      case JetStatement::Action:
+      case JetStatement::Plain:
+        return run(statement.sql, parameters, sql);
+      case JetStatement::Transform:
+        return 0;
+      default:
+        changeTables(JetStatement(statement), parameters, sql);
+        return 0;
     }
-    return sqlite3_total_changes64(database_->handle) - before;
   }
 
   std::unique_ptr<RowSource> query(std::string_view sql, const Row& parameters) override {
-    return std::make_unique<SqliteRows>(database_, sql, parameters);
+    const JetStatement& statement = read(sql);
+    switch (statement.kind) {
+      case JetStatement::Plain:
+        return rows(statement.sql, parameters, sql);
+      case JetStatement::Query: {
+        const std::string table = tableOf(statement);
+        return std::make_unique<SqliteRows>(
+            file_, table.empty() ? statement.sql : statement.recordSql, parameters, sql, table);
+      }
+      case JetStatement::Transform: {
+        std::vector<FieldValue> values = statement.pivotValues;
+        if (!statement.pivotSql.empty()) {
+          const auto found = rows(statement.pivotSql, {}, sql);
+          Row row;
+          while (found->next(row)) values.push_back(row[0]);
+        }
+        return rows(transformQuery(statement, values, SqlTarget::Sqlite), {}, sql);
+      }
+      default:
+        execute(sql, parameters);
+        return std::make_unique<StoredRows>(std::vector<Field>{}, std::vector<Row>{});
+    }
   }
 
   std::unique_ptr<RowSource> schema(SchemaKind kind) override {
-    return readSqliteSchema(*this, kind);
+    return readSqliteSchema(file_, kind);
   }
 
   // The lock is taken at once: a unit of work then fails at its start and not half-way.
-  void begin() override { execute("BEGIN IMMEDIATE", {}); }
-  void commit() override { execute("COMMIT", {}); }
-  void rollback() override { execute("ROLLBACK", {}); }
+  void begin() override { run("BEGIN IMMEDIATE"); }
+  void commit() override { run("COMMIT"); }
+  void rollback() override { run("ROLLBACK"); }
 
-  void busyTimeout(int milliseconds) override {
-    sqlite3_busy_timeout(database_->handle, milliseconds);
-  }
+  void busyTimeout(int milliseconds) override { sqlite3_busy_timeout(file_->handle, milliseconds); }
 
  private:
-  std::shared_ptr<Database> database_;
+  const JetStatement& read(std::string_view sql) {
+    if (known_.text.empty() || known_.text != sql) {
+      known_.statement = readJetSql(sql, SqlTarget::Sqlite);
+      known_.text = sql;
+    }
+    return known_.statement;
+  }
+
+  std::int64_t run(std::string_view sql, const Row& parameters = {}, std::string_view shown = {}) {
+    const auto before = sqlite3_total_changes64(file_->handle);
+    SqliteStatement(file_, sql, parameters, shown).run();
+    return sqlite3_total_changes64(file_->handle) - before;
+  }
+
+  std::unique_ptr<RowSource> rows(std::string_view sql, const Row& parameters,
+                                  std::string_view shown) {
+    return std::make_unique<SqliteRows>(file_, sql, parameters, shown, "");
+  }
+
+  bool holds(std::string_view sql, const Row& parameters) {
+    return SqliteStatement(file_, sql, parameters).step();
+  }
+
+  // The table whose records a query gives one by one; "" for a view.
+  std::string tableOf(const JetStatement& statement) {
+    if (statement.recordSql.empty()) return {};
+    const bool isTable = holds(
+        "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE NOCASE "
+        "AND sql NOT LIKE '%WITHOUT ROWID%' AND sql LIKE 'CREATE TABLE%'",
+        {statement.table});
+    return isTable ? statement.table : std::string();
+  }
+
+  // All of it or nothing.
+  void changeTables(const JetStatement& statement, const Row& parameters, std::string_view shown) {
+    run("SAVEPOINT [change of tables]");
+    try {
+      changeTable(statement, parameters, shown);
+      run("RELEASE [change of tables]");
+    } catch (...) {
+      SqliteStatement(file_, "ROLLBACK TO [change of tables]", {}).run();
+      SqliteStatement(file_, "RELEASE [change of tables]", {}).run();
+      throw;
+    }
+  }
+
+  void changeTable(const JetStatement& statement, const Row& parameters, std::string_view shown) {
+    const std::string table = targetName(statement.table, SqlTarget::Sqlite);
+    const auto runAll = [&](const std::vector<std::string>& list) {
+      for (const auto& sql : list) run(sql, {}, shown);
+    };
+    switch (statement.kind) {
+      case JetStatement::CreateTable:
+        return runAll(createTableSql(statement));
+      case JetStatement::AddColumns:
+        for (const auto& column : statement.columns) addColumn(statement.table, column, shown);
+        return;
+      case JetStatement::DropColumn:
+        return dropColumn(table, targetName(statement.name, SqlTarget::Sqlite), shown);
+      case JetStatement::CreateIndex:
+        refuseSecondKey(statement);
+        return runAll(createIndexSql(
+            statement,
+            holds("SELECT 1 FROM sqlite_master WHERE type = 'trigger' AND name = ?",
+                  {statement.table + "|" + statement.indexColumns[0].name + "|counter"})));
+      case JetStatement::DropIndex:
+        return dropIndex(statement);
+      case JetStatement::SelectInto:
+        return selectInto(statement, parameters, shown);
+      default:
+        return;
+    }
+  }
+
+  void addColumn(const std::string& name, const JetColumn& column, std::string_view shown) {
+    const std::string table = targetName(name, SqlTarget::Sqlite);
+    const bool isFirst =
+        holds("SELECT 1 FROM pragma_table_info(?) WHERE name = ?", {name, std::string(kNoFields)});
+    if (isFirst) {
+      run("DROP TABLE " + table, {}, shown);
+      JetStatement statement;
+      statement.table = name;
+      statement.columns.push_back(column);
+      for (const auto& sql : createTableSql(statement)) run(sql, {}, shown);
+      return;
+    }
+    const AddedColumn added = addedColumn(name, column);
+    run("ALTER TABLE " + table + " ADD COLUMN " + added.definition, {}, shown);
+    for (const auto& sql : added.after) run(sql, {}, shown);
+  }
+
+  // The engine changes no table while any view cannot be resolved, so the views stand aside.
+  void dropColumn(const std::string& table, const std::string& column, std::string_view shown) {
+    std::vector<std::string> views;
+    std::vector<std::string> drops;
+    {
+      SqliteStatement stored(file_, "SELECT sql, name FROM sqlite_master WHERE type = 'view'", {});
+      while (stored.step()) {
+        views.push_back(fieldText(stored.value(0)));
+        drops.push_back("DROP VIEW " + targetName(fieldText(stored.value(1)), SqlTarget::Sqlite));
+      }
+    }
+    for (const auto& sql : drops) run(sql);
+    run("ALTER TABLE " + table + " DROP COLUMN " + column, {}, shown);
+    for (const auto& sql : views) run(sql);
+  }
+
+  void refuseSecondKey(const JetStatement& statement) {
+    if (!statement.primary) return;
+    const bool hasKey =
+        holds("SELECT 1 FROM pragma_table_info(?) WHERE pk > 0", {statement.table}) ||
+        holds(
+            "SELECT 1 FROM sqlite_master WHERE type = 'index' AND tbl_name = ? COLLATE NOCASE "
+            "AND substr(name, -8) = '|primary'",
+            {statement.table});
+    if (hasKey) {
+      throw Error("Table [" + statement.table + "] has a primary key already",
+                  dberror::Unspecified);
+    }
+  }
+
+  void dropIndex(const JetStatement& statement) {
+    SqliteStatement indexes(file_, "SELECT name, tbl_name FROM sqlite_master WHERE type = 'index'",
+                            {});
+    std::string stored;
+    while (stored.empty() && indexes.step()) {
+      const std::string name = fieldText(indexes.value(0));
+      const std::string table = fieldText(indexes.value(1));
+      const bool fits = statement.table.empty() || equalsNoCase(statement.table, table);
+      if (fits && equalsNoCase(readIndexName(table, name).name, statement.name)) stored = name;
+    }
+    if (stored.empty()) {
+      throw Error("There is no index [" + statement.name + "]", dberror::BadStatement);
+    }
+    indexes.reset({});
+    run("DROP INDEX " + targetName(stored, SqlTarget::Sqlite));
+    for (const auto& trigger : primaryKeyTriggers(stored)) {
+      run("DROP TRIGGER IF EXISTS " + targetName(trigger, SqlTarget::Sqlite));
+    }
+  }
+
+  // The new table takes the types of the fields, which the engine's own way would lose.
+  void selectInto(const JetStatement& statement, const Row& parameters, std::string_view shown) {
+    JetStatement create;
+    create.table = statement.table;
+    {
+      const auto source = rows(statement.sql, parameters, shown);
+      for (const Field& field : source->fields()) {
+        create.columns.push_back(JetColumn{field.name, field.type});
+      }
+    }
+    for (const auto& sql : createTableSql(create)) run(sql, {}, shown);
+    run("INSERT INTO " + targetName(statement.table, SqlTarget::Sqlite) + " " + statement.sql,
+        parameters, shown);
+  }
+
+  std::shared_ptr<SqliteFile> file_;
+  KnownStatement known_;
 };
 
 enum class FileKind { Sqlite, Access, Other };
@@ -268,14 +329,15 @@ FileKind kindOfFile(const fs::path& native, std::string_view path) {
   return FileKind::Other;
 }
 
-std::shared_ptr<Database> openFile(const fs::path& native, std::string_view path, int flags) {
-  auto database = std::make_shared<Database>();
-  database->path = path;
-  const int code = sqlite3_open_v2(native.c_str(), &database->handle, flags, nullptr);
-  check(*database, code);
-  sqlite3_extended_result_codes(database->handle, 1);
-  sqlite3_busy_timeout(database->handle, kBusyTimeoutAtOpen);
-  return database;
+std::shared_ptr<SqliteFile> openFile(const fs::path& native, std::string_view path, int flags) {
+  auto file = std::make_shared<SqliteFile>();
+  file->path = path;
+  const int code = sqlite3_open_v2(native.c_str(), &file->handle, flags, nullptr);
+  checkSqlite(*file, code);
+  sqlite3_extended_result_codes(file->handle, 1);
+  sqlite3_busy_timeout(file->handle, kBusyTimeoutAtOpen);
+  addJetFunctions(file->handle);
+  return file;
 }
 
 }  // namespace
@@ -299,10 +361,10 @@ std::unique_ptr<Driver> openSqliteFile(std::string_view path) {
     case FileKind::Other:
       throw FileError(name + " is no database", dberror::Unspecified);
   }
-  auto database = openFile(native, path, SQLITE_OPEN_READWRITE);
+  auto file = openFile(native, path, SQLITE_OPEN_READWRITE);
   // Only a first query reads the file; what is wrong with it should come to light here.
-  Statement(database, "SELECT COUNT(*) FROM sqlite_master", {}).step();
-  return std::make_unique<SqliteDriver>(std::move(database));
+  SqliteStatement(file, "SELECT COUNT(*) FROM sqlite_master", {}).step();
+  return std::make_unique<SqliteDriver>(std::move(file));
 }
 
 void createSqliteFile(std::string_view path) {
@@ -311,9 +373,9 @@ void createSqliteFile(std::string_view path) {
   if (fs::exists(native, failed)) {
     throw FileError("Database " + std::string(path) + " exists already", dberror::Unspecified);
   }
-  auto database = openFile(native, path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  auto file = openFile(native, path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   // Without a first page the file would stay empty.
-  Statement(database, "VACUUM", {}).step();
+  SqliteStatement(file, "VACUUM", {}).step();
 }
 
 }  // namespace lodex

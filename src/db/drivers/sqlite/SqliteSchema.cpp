@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "basic/Error.h"
+#include "db/drivers/sqlite/SqliteStatement.h"
+#include "db/drivers/sqlite/SqliteTables.h"
 
 namespace lodex {
 
@@ -14,16 +16,23 @@ constexpr FieldType kName{FieldCode::VarText, 255};
 constexpr FieldType kNumber{FieldCode::Integer, 0};
 constexpr FieldType kTruth{FieldCode::Boolean, 0};
 
-std::vector<Row> rowsOf(Driver& driver, std::string_view sql, const Row& parameters = {}) {
-  const auto source = driver.query(sql, parameters);
+using File = std::shared_ptr<SqliteFile>;
+
+std::vector<Row> rowsOf(const File& file, std::string_view sql, const Row& parameters = {}) {
+  SqliteStatement statement(file, sql, parameters);
   std::vector<Row> rows;
-  Row row;
-  while (source->next(row)) rows.push_back(row);
+  while (statement.step()) {
+    Row row;
+    for (int i = 0; i < sqlite3_column_count(statement.handle()); ++i) {
+      row.push_back(statement.value(i));
+    }
+    rows.push_back(std::move(row));
+  }
   return rows;
 }
 
-std::vector<Row> tables(Driver& driver) {
-  return rowsOf(driver,
+std::vector<Row> tables(const File& file) {
+  return rowsOf(file,
                 "SELECT name, CASE type WHEN 'view' THEN 'VIEW' ELSE 'TABLE' END "
                 "FROM sqlite_master WHERE type IN ('table', 'view') "
                 "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name COLLATE NOCASE");
@@ -33,13 +42,14 @@ FieldValue truth(bool value) {
   return std::int64_t{value ? -1 : 0};
 }
 
-std::vector<Row> columns(Driver& driver) {
+std::vector<Row> columns(const File& file) {
   std::vector<Row> result;
-  for (const Row& table : tables(driver)) {
+  for (const Row& table : tables(file)) {
     try {
       for (const Row& column :
-           rowsOf(driver, "SELECT name, cid + 1, type, \"notnull\" FROM pragma_table_info(?)",
+           rowsOf(file, "SELECT name, cid + 1, type, \"notnull\" FROM pragma_table_info(?)",
                   {table[0]})) {
+        if (column[0] == FieldValue(std::string(kNoFields))) continue;
         const FieldType type = parseFieldType(fieldText(column[2]));
         FieldValue length;
         if (type.size > 0) length = std::int64_t{type.size};
@@ -55,24 +65,26 @@ std::vector<Row> columns(Driver& driver) {
   return result;
 }
 
-std::vector<Row> indexes(Driver& driver) {
+std::vector<Row> indexes(const File& file) {
   std::vector<Row> result;
-  for (const Row& table : tables(driver)) {
+  for (const Row& table : tables(file)) {
     if (table[1] != FieldValue("TABLE")) continue;
     for (const Row& key :
-         rowsOf(driver, "SELECT name, pk FROM pragma_table_info(?) WHERE pk > 0 ORDER BY pk",
+         rowsOf(file, "SELECT name, pk FROM pragma_table_info(?) WHERE pk > 0 ORDER BY pk",
                 {table[0]})) {
       result.push_back({table[0], "PrimaryKey", truth(true), truth(true), key[1], key[0]});
     }
-    for (const Row& index : rowsOf(driver,
+    for (const Row& index : rowsOf(file,
                                    "SELECT name, \"unique\" FROM pragma_index_list(?) "
                                    "WHERE origin <> 'pk' ORDER BY seq DESC",
                                    {table[0]})) {
       const bool isUnique = fieldNumber(index[1]) != 0;
+      const IndexName name = readIndexName(fieldText(table[0]), fieldText(index[0]));
       for (const Row& column :
-           rowsOf(driver, "SELECT seqno + 1, name FROM pragma_index_info(?) ORDER BY seqno",
+           rowsOf(file, "SELECT seqno + 1, name FROM pragma_index_info(?) ORDER BY seqno",
                   {index[0]})) {
-        result.push_back({table[0], index[0], truth(false), truth(isUnique), column[0], column[1]});
+        result.push_back(
+            {table[0], name.name, truth(name.primary), truth(isUnique), column[0], column[1]});
       }
     }
   }
@@ -81,13 +93,13 @@ std::vector<Row> indexes(Driver& driver) {
 
 }  // namespace
 
-std::unique_ptr<RowSource> readSqliteSchema(Driver& driver, SchemaKind kind) {
+std::unique_ptr<RowSource> readSqliteSchema(const File& file, SchemaKind kind) {
   std::vector<Field> fields{{"TABLE_NAME", kName, ""}};
   std::vector<Row> rows;
   switch (kind) {
     case SchemaKind::Tables:
       fields.push_back({"TABLE_TYPE", kName, ""});
-      rows = tables(driver);
+      rows = tables(file);
       break;
     case SchemaKind::Columns:
       fields.insert(fields.end(), {{"COLUMN_NAME", kName, ""},
@@ -95,7 +107,7 @@ std::unique_ptr<RowSource> readSqliteSchema(Driver& driver, SchemaKind kind) {
                                    {"DATA_TYPE", kNumber, ""},
                                    {"CHARACTER_MAXIMUM_LENGTH", kNumber, ""},
                                    {"IS_NULLABLE", kTruth, ""}});
-      rows = columns(driver);
+      rows = columns(file);
       break;
     case SchemaKind::Indexes:
       fields.insert(fields.end(), {{"INDEX_NAME", kName, ""},
@@ -103,7 +115,7 @@ std::unique_ptr<RowSource> readSqliteSchema(Driver& driver, SchemaKind kind) {
                                    {"UNIQUE", kTruth, ""},
                                    {"ORDINAL_POSITION", kNumber, ""},
                                    {"COLUMN_NAME", kName, ""}});
-      rows = indexes(driver);
+      rows = indexes(file);
       break;
   }
   return std::make_unique<StoredRows>(std::move(fields), std::move(rows));

@@ -6,7 +6,10 @@
 
 namespace lodex {
 
+struct SqliteFile;
+
 /// Answers a question about the structure of an embedded database.
-std::unique_ptr<RowSource> readSqliteSchema(Driver& driver, SchemaKind kind);
+std::unique_ptr<RowSource> readSqliteSchema(const std::shared_ptr<SqliteFile>& file,
+                                            SchemaKind kind);
 
 }  // namespace lodex

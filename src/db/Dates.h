@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lodex {
+
+/// A moment of the calendar, without a time zone.
+struct DateTime {
+  int year = 1899;
+  int month = 12;  ///< from 1
+  int day = 30;    ///< from 1
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+
+  friend bool operator==(const DateTime&, const DateTime&) = default;
+};
+
+/// Reads 2020-01-31, 1/31/2020 (the month first), 31.1.2020, each with or without a time such as
+/// 9:30, 09:30:15 or 9:30 PM behind it, or a time alone, which falls on 1899-12-30. Empty when the
+/// text is no date of the years 100 to 9999.
+std::optional<DateTime> parseDate(std::string_view text);
+
+/// The form in which databases keep dates: 2020-01-31, with the time behind it unless it is
+/// midnight. These texts sort like the dates.
+std::string dateText(const DateTime& date);
+
+/// Days since 1899-12-30, and the date of such a number.
+std::int64_t dayNumber(const DateTime& date);
+DateTime dateOfDay(std::int64_t day);
+
+/// Day of the week, 1 for Sunday.
+int weekday(const DateTime& date);
+
+}  // namespace lodex

@@ -1,0 +1,719 @@
+#include "db/sql/JetSql.h"
+
+#include <utility>
+
+#include "basic/Error.h"
+#include "basic/Numbers.h"
+#include "basic/Text.h"
+#include "db/Errors.h"
+#include "db/sql/JetParser.h"
+
+namespace lodex {
+
+namespace {
+
+constexpr size_t kMaxPivotColumns = 1900;
+
+// Stands in an expression of TRANSFORM for the condition of its column.
+constexpr char kCell = '\x01';
+
+class JetParser : public JetExpressions {
+ public:
+  using JetExpressions::JetExpressions;
+
+  JetStatement run() {
+    parseStatement();
+    takeMark(";");
+    if (peek().kind != JetToken::End) {
+      fail(isMark(";") || isStatementWord() ? "there is more text behind the end of the statement"
+                                            : "this cannot stand here");
+    }
+    return std::move(statement_);
+  }
+
+ private:
+  struct Select {
+    std::string head;  // "SELECT", with DISTINCT
+    std::string items;
+    std::string tail;  // from FROM on
+    std::string limit;
+    std::string into;
+    std::string table;      // of the only table that it reads
+    std::string qualifier;  // how it calls that table
+    bool isCompound = false;
+
+    std::string text() const { return head + " " + items + tail + limit; }
+  };
+
+  bool isStatementWord() const {
+    for (const auto* word : {"SELECT", "INSERT", "UPDATE", "DELETE", "CREATE", "DROP", "ALTER"}) {
+      if (isWord(word)) return true;
+    }
+    return false;
+  }
+
+  void parseStatement() {
+    if (peek().kind == JetToken::End) {
+      throw Error("The database statement is empty", dberror::BadStatement);
+    }
+    if (isWord("SELECT") || isMark("(")) return parseQuery();
+    if (takeWord("TRANSFORM")) return parseTransform();
+    if (takeWord("INSERT")) return parseInsert();
+    if (takeWord("UPDATE")) return parseUpdate();
+    if (takeWord("DELETE")) return parseDelete();
+    if (takeWord("ALTER")) return parseAlter();
+    if (takeWord("CREATE")) return parseCreate();
+    if (takeWord("DROP")) return parseDrop();
+    for (const auto* word : {"PRAGMA", "EXPLAIN", "WITH", "VALUES", "VACUUM", "ANALYZE", "REINDEX",
+                             "BEGIN", "COMMIT", "END", "ROLLBACK", "SAVEPOINT", "RELEASE"}) {
+      if (isWord(word)) {
+        statement_.kind = JetStatement::Plain;
+        statement_.sql = sql_;
+        while (peek().kind != JetToken::End) take();
+        return;
+      }
+    }
+    fail("no statement begins like this");
+  }
+
+  // --- Queries ---
+
+  void parseQuery() {
+    const Select select = parseCompound();
+    statement_.sql = select.text();
+    if (!select.into.empty()) {
+      statement_.kind = JetStatement::SelectInto;
+      statement_.table = select.into;
+      return;
+    }
+    statement_.kind = JetStatement::Query;
+    if (select.table.empty()) return;
+    statement_.table = select.table;
+    // Behind the others, since ORDER BY may count the columns.
+    statement_.recordSql = select.head + " " + select.items + ", " + quoted(select.qualifier) +
+                           "._rowid_" + select.tail + select.limit;
+  }
+
+  std::string subquery() override {
+    const bool sawAggregate = std::exchange(sawAggregate_, false);
+    const std::string cellCondition = std::exchange(cellCondition_, "");
+    const int unnamed = std::exchange(unnamed_, 0);
+    const Select select = parseCompound();
+    sawAggregate_ = sawAggregate;
+    cellCondition_ = cellCondition;
+    unnamed_ = unnamed;
+    if (!select.into.empty()) fail("a query inside another cannot make a table");
+    return select.text();
+  }
+
+  Select parseCompound() {
+    if (++queryDepth_ > 50) fail("the queries are nested too deeply");
+    Select select = parseOperand();
+    while (isWord("UNION") || isWord("INTERSECT") || isWord("EXCEPT")) {
+      std::string word = toUpper(take().text);
+      if (takeWord("ALL")) word += " ALL";
+      // A member with a limit of its own must stand apart.
+      if (!select.limit.empty()) select = apart(select);
+      Select next = parseOperand();
+      if (!next.limit.empty()) next = apart(next);
+      select.tail += " " + word + " " + next.text();
+      select.isCompound = true;
+      select.table.clear();
+    }
+    parseOrder(select);
+    takeWords({"WITH", "OWNERACCESS", "OPTION"});
+    --queryDepth_;
+    return select;
+  }
+
+  static Select apart(const Select& select) {
+    Select outer;
+    outer.head = "SELECT";
+    outer.items = "*";
+    outer.tail = " FROM (" + select.text() + ")";
+    return outer;
+  }
+
+  Select parseOperand() {
+    if (!takeMark("(")) return parseSelect();
+    const Select inner = parseCompound();
+    expectMark(")");
+    return apart(inner);
+  }
+
+  Select parseSelect() {
+    expectWord("SELECT");
+    Select select;
+    select.head = "SELECT";
+    const bool distinct = takeWord("DISTINCT");
+    if (distinct) select.head += " DISTINCT";
+    if (!takeWord("DISTINCTROW")) takeWord("ALL");
+    std::string top;
+    bool percent = false;
+    if (takeWord("TOP")) {
+      if (peek().kind != JetToken::Number || !parseInteger(peek().text)) {
+        fail("TOP needs a whole number");
+      }
+      top = take().text;
+      percent = takeWord("PERCENT");
+    }
+    const bool outerAggregate = std::exchange(sawAggregate_, false);
+    select.items = parseItems();
+    if (takeWord("INTO")) select.into = expectName("the name of the new table");
+    if (takeWord("FROM")) {
+      tables_ = 0;
+      select.tail = " FROM " + parseFrom();
+      if (tables_ == 1 && !lastTable_.empty()) {
+        select.table = lastTable_;
+        select.qualifier = lastQualifier_;
+      }
+    }
+    const std::string table = select.table;
+    const std::string qualifier = select.qualifier;
+    if (takeWord("WHERE")) select.tail += " WHERE " + expressionText();
+    bool grouped = false;
+    if (takeWords({"GROUP", "BY"})) {
+      grouped = true;
+      select.tail += " GROUP BY " + parseList();
+    }
+    if (takeWord("HAVING")) select.tail += " HAVING " + expressionText();
+    if (distinct || grouped || sawAggregate_) select.table.clear();
+    sawAggregate_ = outerAggregate;
+    if (!top.empty()) {
+      // The order belongs to the first records.
+      parseOrder(select);
+      if (!percent) {
+        select.limit = " LIMIT " + top;
+      } else {
+        select.limit = " LIMIT (SELECT CAST((COUNT(*) * " + top +
+                       " + 99) / 100 AS INTEGER) FROM (" + select.text() + "))";
+      }
+      if (target_ == SqlTarget::Server) {
+        if (percent) fail("a server knows no TOP with PERCENT");
+        select.limit = " FETCH FIRST " + top + " ROWS ONLY";
+      }
+    }
+    return select;
+  }
+
+  void parseOrder(Select& select) {
+    if (takeWords({"ORDER", "BY"})) {
+      std::string order = " ORDER BY ";
+      do {
+        order += expressionText();
+        if (takeWord("DESC")) {
+          order += " DESC";
+        } else {
+          takeWord("ASC");
+        }
+      } while (takeMark(",") && (order += ", ", true));
+      select.tail += order;
+    }
+    if (takeWord("LIMIT")) {
+      select.limit += " LIMIT " + expressionText();
+      if (takeWord("OFFSET")) select.limit += " OFFSET " + expressionText();
+    }
+  }
+
+  std::string parseList() {
+    std::string list = expressionText();
+    while (takeMark(",")) list += ", " + expressionText();
+    return list;
+  }
+
+  std::string parseItems() {
+    std::string items;
+    unnamed_ = 0;
+    do {
+      if (!items.empty()) items += ", ";
+      if (takeMark("*")) {
+        items += "*";
+      } else if (isName() && (isMark(".", 1) || isMark("!", 1)) && isMark("*", 2)) {
+        items += tableName() + ".*";
+        take();
+        take();
+      } else {
+        items += parseItem();
+      }
+    } while (takeMark(","));
+    return items;
+  }
+
+  std::string tableName() {
+    const bool asIs = target_ == SqlTarget::Server && peek().kind == JetToken::Word;
+    const std::string name = expectName("the name of a table");
+    return asIs ? name : quoted(name);
+  }
+
+  std::string parseItem() {
+    const Expression item = expression();
+    std::string text = item.text;
+    // Truth is -1 to whoever reads the records.
+    if (item.isCondition && target_ == SqlTarget::Sqlite) text = "-(" + text + ")";
+    if (takeWord("AS")) return text + " AS " + quoted(expectName("a name for the value"));
+    if (isName() && !isStatementWord()) return text + " AS " + quoted(take().text);
+    if (!item.column.empty()) return text;
+    return text + " AS " + quoted("Expr" + std::to_string(1000 + unnamed_++));
+  }
+
+  // --- Tables and joins ---
+
+  std::string parseFrom() {
+    std::string from = parseJoins();
+    while (takeMark(",")) from += ", " + parseJoins();
+    if (isWord("IN")) fail("a table of another database cannot be read here");
+    return from;
+  }
+
+  std::string parseJoins() {
+    std::string text = parseTable(true);
+    while (true) {
+      std::string word;
+      if (takeWords({"CROSS", "JOIN"})) {
+        text += " CROSS JOIN " + parseTable(false);
+        continue;
+      }
+      if (takeWord("INNER") || isWord("JOIN")) {
+        word = " INNER JOIN ";
+      } else if (isWord("LEFT") || isWord("RIGHT") || isWord("FULL")) {
+        word = " " + toUpper(take().text) + " JOIN ";
+        takeWord("OUTER");
+      } else {
+        return text;
+      }
+      expectWord("JOIN");
+      text += word + parseTable(false);
+      expectWord("ON");
+      text += " ON " + expressionText();
+    }
+  }
+
+  // Brackets around what comes first change nothing, and the engine names fields of joined tables
+  // more freely without them.
+  std::string parseTable(bool first) {
+    if (takeMark("(")) {
+      if (isWord("SELECT")) {
+        const int outerTables = tables_;
+        const std::string query = subquery();
+        tables_ = outerTables + 2;
+        expectMark(")");
+        return "(" + query + ")" + parseAlias();
+      }
+      if (++queryDepth_ > 50) fail("the joins are nested too deeply");
+      const std::string joins = parseJoins();
+      --queryDepth_;
+      expectMark(")");
+      return first ? joins : "(" + joins + ")";
+    }
+    const bool asIs = target_ == SqlTarget::Server && peek().kind == JetToken::Word;
+    std::string name = expectName("the name of a table");
+    std::string text = asIs ? name : quoted(name);
+    if (takeMark(".")) {
+      const bool plainPart = target_ == SqlTarget::Server && peek().kind == JetToken::Word;
+      name = expectName("the name of a table");
+      text += "." + (plainPart ? name : quoted(name));
+    }
+    ++tables_;
+    lastTable_ = name;
+    lastQualifier_ = name;
+    return text + parseAlias();
+  }
+
+  std::string parseAlias() {
+    const bool spelled = takeWord("AS");
+    if (!spelled && (!isName() || isWord("FULL") || isStatementWord())) return "";
+    lastQualifier_ = expectName("another name for the table");
+    return (target_ == SqlTarget::Server ? " " : " AS ") + quoted(lastQualifier_);
+  }
+
+  // --- TRANSFORM ---
+
+  void parseTransform() {
+    statement_.kind = JetStatement::Transform;
+    auto& cell = statement_.cell;
+    cellCondition_ = std::string(1, kCell);
+    sawAggregate_ = false;
+    cell.expression = expressionText();
+    cellCondition_.clear();
+    if (!sawAggregate_) fail("TRANSFORM needs a function such as Sum or First");
+    if (takeWord("AS")) expectName("a name for the value");
+    const JetToken start = peek();
+    const Select select = parseSelect();
+    if (!select.limit.empty() || !select.into.empty()) {
+      failAt(sql_, start, "this query cannot be transformed");
+    }
+    Select ordered = select;
+    parseOrder(ordered);
+    cell.head = select.head + " " + select.items;
+    cell.tail = ordered.tail;
+    expectWord("PIVOT");
+    cell.pivot = joined().text;
+    if (takeWord("IN")) {
+      expectMark("(");
+      do {
+        if (peek().kind == JetToken::Number) {
+          statement_.pivotValues.push_back(numberOf(take().text));
+        } else if (isName() || peek().kind == JetToken::Text || peek().kind == JetToken::Date) {
+          statement_.pivotValues.push_back(take().text);
+        } else {
+          fail("a value is expected here");
+        }
+      } while (takeMark(","));
+      expectMark(")");
+    } else {
+      const size_t groups = select.tail.rfind(" GROUP BY ");
+      statement_.pivotSql = "SELECT DISTINCT " + cell.pivot + " AS " + quoted("Column") +
+                            select.tail.substr(0, groups) + " ORDER BY 1";
+    }
+    if (parameters_ > 0) failAt(sql_, start, "a query with parameters cannot be transformed");
+  }
+
+  // --- Records ---
+
+  std::string columnList() {
+    std::string list;
+    do {
+      list += (list.empty() ? "" : ", ") + quoted(expectName("the name of a field"));
+      // Of [table].[field] the field counts.
+      if (takeMark(".")) {
+        list.erase(list.rfind(", ") == std::string::npos ? 0 : list.rfind(", ") + 2);
+        list += quoted(expectName("the name of a field"));
+      }
+    } while (takeMark(","));
+    return list;
+  }
+
+  void parseInsert() {
+    statement_.kind = JetStatement::Action;
+    std::string text = "INSERT";
+    if (takeWord("OR")) text += " OR " + expectName("what to do with a record that exists");
+    expectWord("INTO");
+    text += " INTO " + tableName();
+    if (isMark("(") && !isWord("SELECT", 1)) {
+      take();
+      text += " (" + columnList() + ")";
+      expectMark(")");
+    }
+    if (takeWords({"DEFAULT", "VALUES"})) {
+      statement_.sql = text + " DEFAULT VALUES";
+      return;
+    }
+    if (takeWord("VALUES")) {
+      text += " VALUES ";
+      bool first = true;
+      do {
+        expectMark("(");
+        text += (first ? "(" : ", (") + join(arguments(), ", ") + ")";
+        first = false;
+      } while (takeMark(","));
+      statement_.sql = text;
+      return;
+    }
+    if (!isWord("SELECT") && !isMark("(")) fail("VALUES or SELECT is expected here");
+    statement_.sql = text + " " + subquery();
+  }
+
+  void parseUpdate() {
+    statement_.kind = JetStatement::Action;
+    const JetToken start = peek();
+    tables_ = 0;
+    const std::string target = parseTable(true);
+    if (isMark(",") || isWord("INNER") || isWord("LEFT") || isWord("RIGHT") || tables_ != 1) {
+      failAt(sql_, start, "only one table can be updated at a time");
+    }
+    expectWord("SET");
+    std::string text = "UPDATE " + target + " SET ";
+    bool first = true;
+    do {
+      std::string field = expectName("the name of a field");
+      if (takeMark(".") || takeMark("!")) field = expectName("the name of a field");
+      expectMark("=");
+      text += (first ? "" : ", ") + quoted(field) + " = " + expressionText();
+      first = false;
+    } while (takeMark(","));
+    if (takeWord("WHERE")) text += " WHERE " + expressionText();
+    statement_.sql = text;
+  }
+
+  void parseDelete() {
+    statement_.kind = JetStatement::Action;
+    if (!takeMark("*") && isName() && isMark(".", 1) && isMark("*", 2)) {
+      take();
+      take();
+      take();
+    }
+    expectWord("FROM");
+    const JetToken start = peek();
+    tables_ = 0;
+    std::string text = "DELETE FROM " + parseTable(true);
+    if (isMark(",") || isWord("INNER") || isWord("LEFT") || isWord("RIGHT") || tables_ != 1) {
+      failAt(sql_, start, "records can be deleted from one table at a time");
+    }
+    if (takeWord("WHERE")) text += " WHERE " + expressionText();
+    statement_.sql = text;
+  }
+
+  // --- Tables, fields, indexes and views ---
+
+  void parseCreate() {
+    if (takeWord("TABLE")) return parseCreateTable();
+    const bool unique = takeWord("UNIQUE");
+    if (takeWord("INDEX")) return parseCreateIndex(unique);
+    if (!unique && takeWord("VIEW")) return parseCreateView();
+    fail("CREATE makes tables, indexes and views");
+  }
+
+  void parseCreateView() {
+    statement_.kind = JetStatement::Action;
+    std::string text = "CREATE VIEW " + tableName();
+    if (takeMark("(")) {
+      text += " (" + columnList() + ")";
+      expectMark(")");
+    }
+    expectWord("AS");
+    if (isWord("TRANSFORM")) fail("a view cannot hold TRANSFORM");
+    statement_.sql = text + " AS " + subquery();
+    if (parameters_ > 0) fail("a view cannot have parameters");
+  }
+
+  void parseCreateTable() {
+    statement_.kind = JetStatement::CreateTable;
+    statement_.ifNotExists = takeWords({"IF", "NOT", "EXISTS"});
+    statement_.table = expectName("the name of the table");
+    if (takeWord("AS")) {
+      statement_.kind = JetStatement::SelectInto;
+      statement_.sql = subquery();
+      return;
+    }
+    if (!takeMark("(")) return;
+    do {
+      if (!parseTableConstraint()) parseColumn();
+    } while (takeMark(","));
+    expectMark(")");
+  }
+
+  std::vector<std::string> nameList() {
+    expectMark("(");
+    std::vector<std::string> names;
+    do names.push_back(expectName("the name of a field"));
+    while (takeMark(","));
+    expectMark(")");
+    return names;
+  }
+
+  bool parseTableConstraint() {
+    if (isWord("CONSTRAINT") && isName(1)) {
+      take();
+      take();
+    }
+    if (takeWords({"PRIMARY", "KEY"})) {
+      statement_.primaryKey = nameList();
+      return true;
+    }
+    if (isWord("UNIQUE") && isMark("(", 1)) {
+      take();
+      statement_.uniqueKeys.push_back(nameList());
+      return true;
+    }
+    if (takeWords({"FOREIGN", "KEY"})) {
+      std::string text = "FOREIGN KEY (" + quotedList(nameList()) + ")";
+      statement_.foreignKeys.push_back(text + parseReferences());
+      return true;
+    }
+    return false;
+  }
+
+  std::string quotedList(const std::vector<std::string>& names) const {
+    std::string list;
+    for (const auto& name : names) list += (list.empty() ? "" : ", ") + quoted(name);
+    return list;
+  }
+
+  std::string parseReferences() {
+    expectWord("REFERENCES");
+    std::string text = " REFERENCES " + tableName();
+    if (isMark("(")) text += " (" + quotedList(nameList()) + ")";
+    return text;
+  }
+
+  bool atColumnWord() const {
+    for (const auto* word : {"NOT", "NULL", "UNIQUE", "PRIMARY", "DEFAULT", "CONSTRAINT", "COLLATE",
+                             "REFERENCES", "WITH"}) {
+      if (isWord(word)) return true;
+    }
+    return false;
+  }
+
+  void parseColumn() {
+    JetColumn column;
+    column.name = expectName("the name of a field");
+    std::string type;
+    while (peek().kind == JetToken::Word && !atColumnWord()) {
+      type += (type.empty() ? "" : " ") + toUpper(take().text);
+    }
+    if (takeMark("(")) {
+      const std::vector<std::string> sizes = arguments();
+      if (sizes.size() == 1) type += "(" + sizes[0] + ")";
+      while (peek().kind == JetToken::Word && !atColumnWord()) take();
+    }
+    column.type = parseFieldType(type);
+    column.counter = type.starts_with("COUNTER") || type.starts_with("AUTOINCREMENT");
+    while (parseColumnOption(column)) {
+    }
+    statement_.columns.push_back(std::move(column));
+  }
+
+  bool parseColumnOption(JetColumn& column) {
+    if (takeWord("CONSTRAINT")) expectName("the name of a constraint");
+    if (takeWords({"NOT", "NULL"})) {
+      column.required = true;
+    } else if (takeWord("NULL")) {
+    } else if (takeWord("UNIQUE")) {
+      column.unique = true;
+    } else if (takeWords({"PRIMARY", "KEY"})) {
+      column.primary = true;
+      if (takeWord("AUTOINCREMENT")) column.counter = true;
+    } else if (takeWord("DEFAULT")) {
+      const Expression value = expression();
+      column.defaultValue = "(" + value.text + ")";
+    } else if (takeWord("COLLATE")) {
+      expectName("the name of an order");
+    } else if (isWord("REFERENCES")) {
+      statement_.foreignKeys.push_back("FOREIGN KEY (" + quoted(column.name) + ")" +
+                                       parseReferences());
+    } else {
+      return takeWords({"WITH", "COMPRESSION"}) || takeWords({"WITH", "COMP"});
+    }
+    return true;
+  }
+
+  void parseAlter() {
+    expectWord("TABLE");
+    statement_.table = expectName("the name of the table");
+    if (takeWord("ADD")) {
+      statement_.kind = JetStatement::AddColumns;
+      takeWord("COLUMN");
+      const bool bracketed = takeMark("(");
+      do parseColumn();
+      while (takeMark(","));
+      if (bracketed) expectMark(")");
+      return;
+    }
+    if (takeWord("DROP")) {
+      statement_.kind = JetStatement::DropColumn;
+      takeWord("COLUMN");
+      statement_.name = expectName("the name of the field");
+      return;
+    }
+    fail("a table can be altered by ADD COLUMN and DROP COLUMN");
+  }
+
+  // Names of fields and indexes may stand here without brackets even when they hold blanks.
+  std::string looseName(std::initializer_list<std::string_view> ends) {
+    const auto atEnd = [&] {
+      for (const auto end : ends) {
+        if (isWord(end) || isMark(end)) return true;
+      }
+      return peek().kind == JetToken::End;
+    };
+    if (peek().kind == JetToken::Name || peek().kind == JetToken::Quoted) return take().text;
+    const size_t start = peek().start;
+    size_t end = start;
+    while (!atEnd()) end = take().end;
+    if (end == start) fail("a name is missing");
+    return std::string(sql_.substr(start, end - start));
+  }
+
+  void parseCreateIndex(bool unique) {
+    statement_.kind = JetStatement::CreateIndex;
+    statement_.ifNotExists = takeWords({"IF", "NOT", "EXISTS"});
+    statement_.name = looseName({"ON"});
+    expectWord("ON");
+    statement_.table = expectName("the name of the table");
+    expectMark("(");
+    do {
+      JetStatement::IndexColumn column{looseName({",", ")", "ASC", "DESC"})};
+      column.descending = takeWord("DESC");
+      if (!column.descending) takeWord("ASC");
+      statement_.indexColumns.push_back(std::move(column));
+    } while (takeMark(","));
+    expectMark(")");
+    statement_.primary = takeWords({"WITH", "PRIMARY"});
+    statement_.unique = unique || statement_.primary;
+    if (takeWords({"WITH", "DISALLOW"})) expectWord("NULL");
+    if (takeWords({"WITH", "IGNORE"})) expectWord("NULL");
+  }
+
+  void parseDrop() {
+    const bool isIndex = takeWord("INDEX");
+    const bool isView = !isIndex && takeWord("VIEW");
+    if (!isIndex && !isView && !takeWord("TABLE")) fail("DROP takes tables, indexes and views");
+    const std::string guard = takeWords({"IF", "EXISTS"}) ? "IF EXISTS " : "";
+    if (isIndex) {
+      statement_.kind = JetStatement::DropIndex;
+      statement_.name = looseName({"ON", ";"});
+      if (takeWord("ON")) statement_.table = expectName("the name of the table");
+      return;
+    }
+    statement_.kind = JetStatement::Action;
+    statement_.sql = (isView ? "DROP VIEW " : "DROP TABLE ") + guard + tableName();
+  }
+
+  JetStatement statement_;
+  int tables_ = 0;  // in the FROM part being read; above 1 also for a query in it
+  std::string lastTable_;
+  std::string lastQualifier_;
+  int unnamed_ = 0;
+  int queryDepth_ = 0;
+};
+
+std::string literal(const FieldValue& value) {
+  if (isNull(value)) return "NULL";
+  if (const auto* text = std::get_if<std::string>(&value)) return targetText(*text);
+  if (const auto* number = std::get_if<double>(&value)) return exactNumberText(*number);
+  return fieldText(value);
+}
+
+}  // namespace
+
+std::string targetName(std::string_view name, SqlTarget target) {
+  if (name.find('\0') != std::string_view::npos) {
+    throw Error("A character of code 0 cannot stand in a name", dberror::BadArgument);
+  }
+  if (target == SqlTarget::Sqlite && name.find(']') == std::string_view::npos) {
+    return "[" + std::string(name) + "]";
+  }
+  return "\"" + replaceAll(name, "\"", "\"\"") + "\"";
+}
+
+std::string targetText(std::string_view text) {
+  return "'" + replaceAll(text, "'", "''") + "'";
+}
+
+JetStatement readJetSql(std::string_view sql, SqlTarget target) {
+  if (sql.find('\0') != std::string_view::npos || sql.find(kCell) != std::string_view::npos) {
+    throw Error("A control character cannot stand in a database statement", dberror::BadArgument);
+  }
+  return JetParser(sql, target).run();
+}
+
+std::string transformQuery(const JetStatement& statement, const std::vector<FieldValue>& values,
+                           SqlTarget target) {
+  if (values.size() > kMaxPivotColumns) {
+    throw Error("TRANSFORM would make " + std::to_string(values.size()) + " columns; " +
+                    std::to_string(kMaxPivotColumns) + " is the most",
+                dberror::BadStatement);
+  }
+  const auto& cell = statement.cell;
+  std::string sql = cell.head;
+  for (const FieldValue& value : values) {
+    const std::string test =
+        isNull(value) ? "(" + cell.pivot + ") IS NULL" : "(" + cell.pivot + ") = " + literal(value);
+    const std::string name = isNull(value) ? "<>" : fieldText(value);
+    sql += ", " + replaceAll(cell.expression, std::string(1, kCell), test) + " AS " +
+           targetName(name, target);
+  }
+  return sql + cell.tail;
+}
+
+}  // namespace lodex

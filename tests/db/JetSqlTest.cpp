@@ -1,0 +1,220 @@
+#include <gmock/gmock.h>
+
+#include "DatabaseFixture.h"
+#include "db/sql/JetLike.h"
+#include "db/sql/JetSql.h"
+
+namespace lodex {
+namespace {
+
+using testing::HasSubstr;
+
+class JetSqlTest : public DatabaseFixture {};
+
+TEST_F(JetSqlTest, ComputesExpressions) {
+  const struct {
+    std::string expression, value;
+  } rows[] = {
+      {"1 + 2 * 3 - 4 / 8", "6.5"},
+      {"7 / 2", "3.5"},
+      {"-2 ^ 2", "-4"},
+      {"2 ^ -1", "0.5"},
+      {"- -3", "3"},
+      {"17 \\ 5 & '/' & 17 Mod 5", "3/2"},
+      {"2 + 3 & 'x'", "5x"},
+      {"'a' & Null & 0.5", "a0.5"},
+      {"'it''s ' & \"a \"\"b\"\"\"", "it's a \"b\""},
+      {"IIf(1 > 2, 'yes', 'no')", "no"},
+      {"IIf(Null, 1, 2)", "2"},
+      {"Nz(Null, 7) + Nz(3, 7)", "10"},
+      {"Switch(1 = 2, 'a', True, 'b')", "b"},
+      {"Choose(2, 'a', 'b', 'c')", "b"},
+      {"IsNull(Null)", "-1"},
+      {"2 = 2", "-1"},
+      {"Not 2 = 2", "0"},
+      {"(2 = 2) = True", "-1"},
+      {"1 = 1 Xor 2 = 2", "0"},
+      {"5 Between 1 And 9 And 3 In (1, 2, 3)", "-1"},
+      {"Round(0.5) & Round(1.5) & Round(2.345, 2)", "022.34"},
+      {"Int(-1.5) & Fix(-1.5) & Sgn(-3)", "-2-1-1"},
+      {"Round(Log(Exp(2)), 9) + Sqr(9) + Abs(-1)", "6"},
+      {"CLng('2.5') & CInt(3.5) & CCur(0.00005)", "240"},
+      {"Val('12.5 ppm') + Val('none')", "12.5"},
+      {"Left('Åland', 2) & Right('abc', 1) & Mid('abcdef', 3, 2)", "Ålccd"},
+      {"Left$('abc', 9) & Mid('abc', 9)", "abc"},
+      {"Len('Åäö') & InStr('Pyrite', 'R') & InStr(3, 'aXbX', 'x')", "334"},
+      {"UCase('åb') & LCase('ÅB') & Trim(' a ')", "ÅBåba"},
+      {"#1/31/2020#", "2020-01-31"},
+      {"#2020-01-31 1:05 PM#", "2020-01-31 13:05:00"},
+      {"Year(#1/31/2020#) & Month('31.1.2020') & Day(#2020-02-29#)", "2020129"},
+      {"DateSerial(2020, 14, 0)", "2021-01-31"},
+      {"DateAdd('m', 1, #2020-01-31#)", "2020-02-29"},
+      {"DateAdd('h', -1, #2020-01-01#)", "2019-12-31 23:00:00"},
+      {"DateDiff('d', #2020-02-01#, #2020-03-01#)", "29"},
+      {"DateDiff('yyyy', #2020-12-31#, #2021-01-01#)", "1"},
+      {"DatePart('q', #2020-05-01#) & Weekday(#2026-11-21#)", "27"},
+      {"Format(1234.5, '#,##0.00')", "1,234.50"},
+      {"Format(0.1234, '0.0%')", "12.3%"},
+      {"Format(5, '000') & Format(1.5, '0.##') & Format(2, '0.##')", "0051.52"},
+      {"Format(#2020-01-31 9:05#, 'yyyy-mm-dd hh:mm')", "2020-01-31 09:05"},
+      {"CStr(1.0) & Str(2)", "1 2"},
+      {"(SELECT Max(x) FROM (SELECT 3 AS x UNION SELECT 4))", "4"},
+      {"Exists (SELECT 1 AS x WHERE 1 = 2)", "0"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(errorOf([&] {
+                EXPECT_EQ(records("SELECT " + row.expression + " AS v"), row.value)
+                    << row.expression;
+              }),
+              "(no error)")
+        << row.expression;
+  }
+}
+
+TEST_F(JetSqlTest, ReadsTheQueriesThatUsersWrite) {
+  run("CREATE TABLE [Sample s] ([No] LONG, [Site Name] TEXT (50), [Day] DATE, [Ok] BOOLEAN)");
+  run("CREATE TABLE [Assay] ([No] LONG, [Cu %] SINGLE)");
+  run("INSERT INTO [Sample s] VALUES (1, 'North', #1/31/2020#, True)");
+  run("INSERT INTO [Sample s] VALUES (2, 'south_1', #12/1/2021#, False)");
+  run("INSERT INTO [Sample s] ([No], [Site Name]) VALUES (3, Null)");
+  run("INSERT INTO [Assay] VALUES (1, 0.5), (1, 1.5), (2, 7)");
+  const struct {
+    std::string sql, records;
+  } rows[] = {
+      {"SELECT [S].[No] FROM [Sample s] AS S WHERE S.[Site Name] Like 'n*'", "1"},
+      {"SELECT No FROM [Sample s] WHERE [Site Name] Like \"*[0-9]\"", "2"},
+      {"SELECT No FROM [Sample s] WHERE [Site Name] Not Like '%orth'", "2"},
+      {"SELECT No FROM [Sample s] WHERE [Site Name] Is Null", "3"},
+      {"SELECT No FROM [Sample s] WHERE [Day] > #6/1/2020#", "2"},
+      {"SELECT No FROM [Sample s] WHERE Ok = True", "1"},
+      {"SELECT No FROM [Sample s] WHERE Ok <> Yes OR Ok = False", "(error)"},
+      {"SELECT No FROM [Sample s] WHERE Ok = False", "2;3"},
+      {"SELECT TOP 1 [No] FROM [Sample s] ORDER BY [No] DESC;", "3"},
+      {"SELECT TOP 50 PERCENT [No] FROM [Sample s] ORDER BY [No]", "1;2"},
+      {"SELECT DISTINCTROW [No] FROM [Sample s] WHERE ([No] IN (1,3)) ORDER BY 1 ASC", "1;3"},
+      {"SELECT [Sample s].[No],[Assay].* FROM ([Sample s] LEFT JOIN [Assay] ON "
+       "[Sample s].[No]=[Assay].[No]) ORDER BY  [Sample s].[No], 3",
+       "1|1|0.5;1|1|1.5;2|2|7;3||"},
+      {"SELECT A.No, B.No, C.No FROM ([Sample s] A INNER JOIN Assay B ON A.No = B.No) INNER JOIN "
+       "[Assay] C ON C.No = A.No WHERE B.[Cu %] > 1 AND C.[Cu %] > 1",
+       "1|1|1;2|2|2"},
+      {"SELECT DISTINCT [Sample s].[No] FROM [Sample s], [Assay] WHERE [Assay]![No] = "
+       "[Sample s]![No] ORDER BY 1 ASC",
+       "1;2"},
+      {"SELECT First([Cu %]), Last([Cu %]), Count(*), StDev([Cu %]) FROM Assay GROUP BY No "
+       "HAVING Count(*) > 1",
+       "0.5|1.5|2|0.707106781186548"},
+      {"SELECT No FROM Assay UNION ALL SELECT [No] FROM [Sample s] ORDER BY 1", "1;1;1;2;2;3"},
+      {"SELECT No FROM [Sample s] WHERE No NOT IN (SELECT No FROM Assay)", "3"},
+  };
+  for (const auto& row : rows) {
+    if (row.records == "(error)") {
+      EXPECT_THAT(errorOfSql(row.sql), HasSubstr("Yes")) << row.sql;
+      continue;
+    }
+    EXPECT_EQ(errorOf([&] { EXPECT_EQ(records(row.sql), row.records) << row.sql; }), "(no error)");
+  }
+  EXPECT_EQ(show("SELECT No + 1, [Site Name], 2 * 3 FROM [Sample s] WHERE No = 1"),
+            "Expr1000|Site Name|Expr1001\n2|North|6");
+}
+
+TEST_F(JetSqlTest, TransformMakesColumnsOfValues) {
+  run("CREATE TABLE [Part C] ([Particle ID] LONG, [Weight%] DOUBLE, [Mineral ID] LONG)");
+  run("INSERT INTO [Part C] VALUES (1,50,10),(1,25,2),(1,25,2),(2,100,10),(3,1,0),(4,8,Null)");
+  EXPECT_EQ(
+      show("TRANSFORM Sum([Part C].[Weight%]/100) AS SumOfWt SELECT [Part C].[Particle ID], "
+           "Count([Part C].[Weight%]) AS [Rows], First([Part C].[Mineral ID]) AS FirstMineral "
+           "From [Part C] WHERE (([Part C].[Mineral ID])<>0) GROUP BY [Part C].[Particle ID] "
+           "PIVOT [Part C].[Mineral ID]"),
+      "Particle ID|Rows|FirstMineral|2|10\n1|3|10|0.5|0.5\n2|1|10||1");
+  EXPECT_EQ(show("TRANSFORM Count(*) SELECT [Particle ID] FROM [Part C] WHERE [Particle ID] > 1 "
+                 "GROUP BY [Particle ID] ORDER BY [Particle ID] DESC PIVOT [Mineral ID]"),
+            "Particle ID|<>|0|10\n4|1||\n3||1|\n2|||1");
+  EXPECT_EQ(show("TRANSFORM Max([Weight%]) SELECT [Particle ID] FROM [Part C] WHERE "
+                 "[Particle ID] = 1 GROUP BY [Particle ID] PIVOT 'M' & [Mineral ID] IN "
+                 "('M2', 'it''s ]')"),
+            "Particle ID|M2|it's ]\n1|25|");
+}
+
+TEST_F(JetSqlTest, WritesRecords) {
+  run("CREATE TABLE [T 1] ([a] LONG, [b] TEXT)");
+  EXPECT_EQ(connection_.Execute("INSERT INTO [T 1] ([a],[b]) VALUES (1,'x')"), 1);
+  EXPECT_EQ(connection_.Execute("INSERT INTO [T 1] SELECT a + 1 AS a, b FROM [T 1]"), 1);
+  EXPECT_EQ(connection_.Execute("UPDATE [T 1] SET [T 1].[b] = [b] & '!' WHERE [a] = 2"), 1);
+  EXPECT_EQ(records("SELECT * FROM [T 1]"), "1|x;2|x!");
+  run("SELECT [a], [b] INTO [T 2] FROM [T 1] WHERE [a] > 1");
+  EXPECT_EQ(show("SELECT * FROM [T 2]"), "a|b\n2|x!");
+  EXPECT_EQ(connection_.OpenRecordset("SELECT * FROM [T 2]")->Fields()[0].type.code,
+            FieldCode::Integer);
+  EXPECT_EQ(connection_.Execute("DELETE * FROM [T 1] WHERE [b] Like 'x'"), 1);
+  EXPECT_EQ(connection_.Execute("DELETE [T 1].* FROM [T 1]"), 1);
+  run("CREATE VIEW f_Two AS SELECT * FROM [T 2] WHERE IIf([a] = 2, True, False) = True");
+  EXPECT_EQ(records("SELECT * FROM [f_Two]"), "2|x!");
+  run("DROP VIEW [f_Two]");
+  EXPECT_THAT(errorOfSql("SELECT * FROM [f_Two]"), HasSubstr("f_Two"));
+}
+
+TEST_F(JetSqlTest, FaultsNameTheirPlace) {
+  const struct {
+    std::string sql, reason;
+  } rows[] = {
+      {"SELECT * FORM [t]", "line 1, column 10, \"FORM\""},
+      {"SELECT a\nFROM t\nWHERE = 1", "line 3, column 7, \"=\""},
+      {"SELECT 'Åäö', )", "line 1, column 15, \")\""},
+      {"SELECT (1 + 2", "the end: \")\" is expected"},
+      {"SELECT [a FROM t", "column 8"},
+      {"SELECT 'a FROM t", "not closed by its quote"},
+      {"SELECT #31/31/2020#", "no date"},
+      {"SELECT IIf(1, 2)", "IIF does not take"},
+      {"SELECT a FROM t WHERE a ~ 1", "\"~\""},
+      {"SELECT TOP x * FROM t", "TOP needs a whole number"},
+      {"TRANSFORM a SELECT b FROM t GROUP BY b PIVOT c", "TRANSFORM needs"},
+      {"CREATE PROCEDURE p", "CREATE makes"},
+      {"ATTACH 'x' AS y", "no statement begins"},
+      {"UPDATE a INNER JOIN b ON a.x = b.x SET a.y = 1", "one table"},
+      {"SELECT 1; DROP TABLE t", "behind the end"},
+      {"SELECT " + std::string(5000, '('), "nested too deeply"},
+      {"SELECT NoSuch(1)", "NoSuch"},
+      {"SELECT CInt(40000)", "40000 is beyond -32768 to 32767"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_THAT(errorOfSql(row.sql), HasSubstr(row.reason)) << row.sql.substr(0, 60);
+  }
+}
+
+TEST(JetSqlForServers, UsesStandardTerms) {
+  const struct {
+    std::string sql, expected;
+  } rows[] = {
+      {"SELECT TOP 2 [Cu %] FROM [Lab t] WHERE [ok] = True ORDER BY 1",
+       "SELECT \"Cu %\" FROM \"Lab t\" WHERE \"ok\" = TRUE ORDER BY 1 FETCH FIRST 2 ROWS ONLY"},
+      {"SELECT a & 'x', UCase(b) AS u FROM t AS s",
+       "SELECT concat(a, 'x') AS \"Expr1000\", UPPER(b) AS \"u\" FROM t \"s\""},
+      {"SELECT a FROM t WHERE b Like 'py*_?' AND d > #1/31/2020#",
+       "SELECT a FROM t WHERE UPPER(b) LIKE UPPER('py%__') AND d > TIMESTAMP '2020-01-31'"},
+      {"UPDATE [t] SET [t].[a \"b\"] = IIf(x Is Null, 1, 2)",
+       "UPDATE \"t\" SET \"a \"\"b\"\"\" = CASE WHEN x IS NULL THEN 1 ELSE 2 END"},
+      {"DELETE * FROM [t]", "DELETE FROM \"t\""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(readJetSql(row.sql, SqlTarget::Server).sql, row.expected);
+}
+
+TEST(JetLike, KnowsBothFamiliesOfWildCards) {
+  const struct {
+    std::string text, pattern;
+    bool fits;
+  } rows[] = {
+      {"Pyrite", "py*", true},      {"Pyrite", "%RITE", true}, {"Pyrite", "p?rit_", true},
+      {"Pyrite", "p?rite?", false}, {"A7", "a#", true},        {"AB", "a#", false},
+      {"Å1", "?[0-9]", true},       {"x", "[!a-f]", true},     {"c", "[!a-f]", false},
+      {"*", "[*]", true},           {"a", "[*]", false},       {"[a", "[a", true},
+      {"]", "[]]", true},           {"", "*", true},           {"", "?", false},
+      {"-", "[a-]", true},          {"ab", "a", false},        {"\\Cu\\Fe\\", "%\\Fe\\%", true},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(jetLike(row.text, row.pattern), row.fits) << row.text << " like " << row.pattern;
+  }
+}
+
+}  // namespace
+}  // namespace lodex
