@@ -27,6 +27,7 @@ void addRecalcCommand(CLI::App& app, CommandContext& context);
 void addIdentifyCommand(CLI::App& app, CommandContext& context);
 void addMethodsCommand(CLI::App& app, CommandContext& context);
 void addMineralsCommand(CLI::App& app, CommandContext& context);
+void addMapCommand(CLI::App& app, CommandContext& context);
 void addModalCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace lodex

@@ -1,0 +1,62 @@
+// lodex map: what tables, fields, keys, links and filters a database has.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <ostream>
+
+#include "basic/Error.h"
+#include "basic/Text.h"
+#include "cli/CliSession.h"
+#include "db/MapDatabase.h"
+
+namespace lodex {
+namespace {
+
+struct MapOptions {
+  std::string database;
+  bool refresh = false;
+};
+
+void printRows(std::ostream& out, std::string_view kind, const Worksheet& sheet) {
+  for (int row = 1; row <= sheet.LastRow(); ++row) {
+    out << kind;
+    for (int column = 1; column <= sheet.LastCol(); ++column) {
+      const std::string text = sheet.TextRC(row, column);
+      if (text.empty()) break;
+      out << '\t' << text;
+    }
+    out << '\n';
+  }
+}
+
+void runMap(const MapOptions& options, CommandContext& context) {
+  CliSession console(context);
+  Session& session = console.session();
+  MappedDatabase database;
+  database.path = options.database;
+  const MapRequest request{true, !options.refresh, options.refresh};
+  const MapResult result = MapDatabase(session, database, request);
+  for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
+    if (!line.empty()) context.err << "lodex: " << line << '\n';
+  }
+  if (result != MapResult::Mapped) throw Error("Error in opening database " + options.database);
+  printRows(context.out, "table", database.map.F1Key2);
+  printRows(context.out, "key", database.map.F1Avain);
+  printRows(context.out, "link", database.map.F1Linkki);
+  for (const std::string& filter : database.map.FilterList) {
+    context.out << "filter\t" << filter << '\n';
+  }
+}
+
+}  // namespace
+
+void addMapCommand(CLI::App& app, CommandContext& context) {
+  auto options = std::make_shared<MapOptions>();
+  CLI::App* command = app.add_subcommand(
+      "map", "List a database's tables with their fields, keys, links and filters");
+  command->add_option("database", options->database, "database file")->required();
+  command->add_flag("--refresh", options->refresh,
+                    "map the database afresh, in place of the map file beside it");
+  command->callback([options, &context] { runMap(*options, context); });
+}
+
+}  // namespace lodex

@@ -1,0 +1,227 @@
+#include "db/MapDatabase.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <vector>
+
+#include "basic/Error.h"
+#include "basic/Text.h"
+#include "db/Errors.h"
+#include "db/MapFile.h"
+#include "db/Recordset.h"
+
+namespace lodex {
+
+namespace {
+
+void showStatus(Session& session, std::string_view text) {
+  session.progress.txtInfo.setCaption(text);
+  session.pumpEvents();
+}
+
+bool aborted(Session& session) {
+  session.pumpEvents();
+  if (!session.progress.AbortFlag) return false;
+  session.progress.AbortFlag = false;
+  session.progress.txtInfo.setCaption("");
+  return true;
+}
+
+struct NamedTable {
+  std::string name;
+  std::string type;
+};
+
+std::vector<NamedTable> tablesOf(Connection& connection) {
+  std::vector<NamedTable> tables;
+  const auto schema = connection.OpenSchema(SchemaKind::Tables);
+  for (; !schema->Eof(); schema->MoveNext()) {
+    tables.push_back({schema->Text("TABLE_NAME"), schema->Text("TABLE_TYPE")});
+  }
+  return tables;
+}
+
+// The columns of each table in their order.
+using ColumnsByTable = std::unordered_map<std::string, std::vector<std::string>>;
+
+ColumnsByTable columnsOf(Connection& connection) {
+  ColumnsByTable columns;
+  const auto schema = connection.OpenSchema(SchemaKind::Columns);
+  const int table = schema->FieldIndex("TABLE_NAME");
+  const int name = schema->FieldIndex("COLUMN_NAME");
+  for (; !schema->Eof(); schema->MoveNext()) {
+    columns[schema->Text(table)].push_back(schema->Text(name));
+  }
+  return columns;
+}
+
+bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
+  DatabaseMap& map = database.map;
+  const std::vector<NamedTable> tables = tablesOf(database.connection);
+  const int count = static_cast<int>(tables.size());
+  session.progress.bar.setMaximum(role == MapRole::Source ? count : 2 * count + 1);
+  showStatus(session, "Mapping Tables and Views (ADO) ...");
+  const ColumnsByTable columns = columnsOf(database.connection);
+  const std::string text = "Mapping " + database.path + " tables and fields...";
+  int number = 0;
+  int row = 0;
+  for (const NamedTable& table : tables) {
+    if (table.type == "TABLE") {
+      map.F1Key2.TextRC(++row, 1, table.name);
+      const auto found = columns.find(table.name);
+      if (found != columns.end()) {
+        int column = 1;
+        for (const std::string& field : found->second) map.F1Key2.TextRC(row, ++column, field);
+      }
+    } else if (table.type == "VIEW" && table.name.starts_with("f_")) {
+      map.FilterList.push_back(table.name.substr(2));
+    }
+    ++number;
+    session.progress.ShowProgress(text, role == MapRole::Source ? number : 2 * number + 1);
+    if (aborted(session)) return false;
+  }
+  return true;
+}
+
+void takeFirstFieldsAsKeys(Session& session, DatabaseMap& map) {
+  session.dialogs().messageBox(
+      "Database indexes could not be mapped. First field of each table is taken as index field");
+  const int count = map.tableCount();
+  for (int row = 1; row <= count; ++row) {
+    map.addKey(map.table(row), map.F1Key2.TextRC(row, 2));
+  }
+}
+
+void mapIndexes(Session& session, MappedDatabase& database) {
+  showStatus(session, "Mapping " + database.path + " indexes...");
+  try {
+    const auto schema = database.connection.OpenSchema(SchemaKind::Indexes);
+    for (; !schema->Eof(); schema->MoveNext()) {
+      if (fieldNumber(schema->Value("PRIMARY_KEY")) == 0) continue;
+      database.map.addKey(schema->Text("TABLE_NAME"), schema->Text("COLUMN_NAME"));
+    }
+  } catch (const Error& failure) {
+    if (failure.number() != dberror::NotSupported) throw;
+    takeFirstFieldsAsKeys(session, database.map);
+  }
+}
+
+bool readStoredMap(MappedDatabase& database) {
+  try {
+    readMapFile(mapFilePath(database.path), database.map);
+    CollectFilters(database.connection, database.map);
+    return true;
+  } catch (const FileError&) {
+    return false;
+  }
+}
+
+// A folder that takes no files must not keep a database from being used.
+void storeMap(Session& session, const MappedDatabase& database) {
+  try {
+    writeMapFile(mapFilePath(database.path), database.map);
+  } catch (const Error& failure) {
+    session.log.LisaaLog("The map of the database was not saved: " + std::string(failure.what()),
+                         LogKind::Both);
+  }
+}
+
+MapResult connectAndMap(Session& session, MappedDatabase& database, const MapRequest& request,
+                        MapRole role) {
+  showStatus(session, "Connecting " + database.path);
+  database.connection = Connection();
+  database.connection.Open(ConnectionString(database.path, "", ""));
+  if (aborted(session)) return MapResult::Aborted;
+  bool store = request.saveMapFile;
+  if (!request.readMapFile || !readStoredMap(database)) {
+    store = store || request.readMapFile;
+    if (!mapTables(session, database, request.doLinks, role)) return MapResult::Aborted;
+  }
+  if (store && role == MapRole::Source) storeMap(session, database);
+  showStatus(session, "Mapping " + database.path + " mapped...");
+  return MapResult::Mapped;
+}
+
+}  // namespace
+
+std::string mapFilePath(std::string_view databasePath) {
+  const size_t name = databasePath.find_last_of("\\/");
+  const size_t dot = databasePath.rfind('.');
+  const bool hasEnding =
+      dot != std::string_view::npos && (name == std::string_view::npos || dot > name);
+  return std::string(databasePath.substr(0, hasEnding ? dot : databasePath.size())) + ".ake";
+}
+
+bool mapTables(Session& session, MappedDatabase& database, bool doLinks, MapRole role) {
+  database.map.clear();
+  if (!mapTableRows(session, database, role)) return false;
+  mapIndexes(session, database);
+  if (!doLinks) return true;
+  showStatus(session, "Mapping " + database.path + " links...");
+  database.map.MakeLinks();
+  return true;
+}
+
+MapResult MapDatabase(Session& session, MappedDatabase& database, const MapRequest& request,
+                      MapRole role) {
+  database.map.clear();
+  try {
+    return connectAndMap(session, database, request, role);
+  } catch (const Error& failure) {
+    session.progress.txtInfo.setCaption("");
+    session.log.LisaaLog(failure.what(), LogKind::Both);
+    return MapResult::Failed;
+  }
+}
+
+MapResult OpenSampleDatabase(Session& session, MappedDatabase& database,
+                             const MapRequest& request) {
+  std::string& path = session.record.SessionDbPath;
+  if (path.starts_with('\\') && !path.starts_with("\\\\")) path.insert(0, "\\");
+  showStatus(session, "Connecting " + path);
+  session.record.ConnectionKind = "ADO";
+  showStatus(session, "Connection is ADO");
+  database.path = path;
+  const MapResult result = MapDatabase(session, database, request);
+  if (result == MapResult::Mapped) {
+    session.record.ConnectionKindLast = session.record.ConnectionKind;
+    return result;
+  }
+  session.record.ConnectionKindLast.clear();
+  database.connection = Connection();
+  if (result == MapResult::Aborted) return result;
+  database.map.clear();
+  session.dialogs().messageBox(
+      "Database " + path + " can not be opened neither by using DAO nor ADO connection",
+      MessageButtons::Ok, MessageIcon::Stop);
+  return result;
+}
+
+void ViewBaseTable(MappedDatabase& database, std::string_view view, std::string& baseTable,
+                   std::string& keyField) {
+  std::string name(view);
+  for (const char* mark : {"[", "]", ",", ";"}) name = replaceAll(name, mark, "");
+  baseTable = name;
+  keyField = database.map.PrimaryKeyField(name);
+  if (database.map.tableRow(name) > 0) return;
+  const ColumnsByTable columns = columnsOf(database.connection);
+  const auto shown = columns.find(name);
+  if (shown == columns.end()) return;
+  const auto shows = [&](const std::string& field) {
+    return std::any_of(shown->second.begin(), shown->second.end(),
+                       [&](const std::string& other) { return equalsNoCase(other, field); });
+  };
+  std::ptrdiff_t most = 0;
+  for (int row = 1; row <= database.map.tableCount(); ++row) {
+    const std::string key = database.map.PrimaryKeyField(database.map.table(row));
+    if (key.empty() || !shows(key)) continue;
+    const auto fields = database.map.fields(row);
+    const auto common = std::count_if(fields.begin(), fields.end(), shows);
+    if (common <= most) continue;
+    most = common;
+    baseTable = database.map.table(row);
+    keyField = key;
+  }
+}
+
+}  // namespace lodex

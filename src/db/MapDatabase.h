@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "db/Connection.h"
+#include "db/DatabaseMap.h"
+#include "session/Session.h"
+
+namespace lodex {
+
+/// How a database is mapped. The map file stands beside the database and has its name with the
+/// ending ".ake".
+struct MapRequest {
+  bool doLinks = true;
+  bool readMapFile = false;  // take the stored map; without one map afresh and store it
+  bool saveMapFile = false;
+};
+
+/// An open database and what is known of it.
+struct MappedDatabase {
+  std::string path;
+  Connection connection;
+  DatabaseMap map;
+};
+
+/// Which bar shows the progress of mapping: that of a source counts tables, that of a destination
+/// stands at twice the table number plus one.
+enum class MapRole { Source, Destination };
+
+enum class MapResult { Mapped, Failed, Aborted };
+
+/// The path of a database's map file.
+std::string mapFilePath(std::string_view databasePath);
+
+/// Connects to `database.path` and maps it. What was mapped until a failure or abort stays; what
+/// went wrong is in the log.
+MapResult MapDatabase(Session& session, MappedDatabase& database, const MapRequest& request,
+                      MapRole role = MapRole::Source);
+
+/// Fills the map of an open database from its structure, without a map file. False on abort.
+bool mapTables(Session& session, MappedDatabase& database, bool doLinks, MapRole role);
+
+/// Opens the session's SessionDbPath as the sample database and maps it. On failure says so; an
+/// abort is silent. Both leave no open database.
+MapResult OpenSampleDatabase(Session& session, MappedDatabase& database, const MapRequest& request);
+
+/// The table behind a view and its key field: of the tables whose key field the view shows, the one
+/// that it shows most fields of. The name may carry square brackets, "," and ";"; a table's name
+/// gives itself and its primary key, and so does a view without any key field.
+void ViewBaseTable(MappedDatabase& database, std::string_view view, std::string& baseTable,
+                   std::string& keyField);
+
+}  // namespace lodex
