@@ -86,3 +86,5 @@ void readComma(benchmark::State& state) {
 BENCHMARK(readComma)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+BENCHMARK_MAIN();
