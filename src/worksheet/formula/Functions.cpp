@@ -6,10 +6,10 @@ namespace lodex::formula {
 namespace {
 
 constexpr FunctionList (*lists[])() = {
-    mathFunctions,        aggregateFunctions, statisticalFunctions, distributionFunctions,
-    regressionFunctions,  lookupFunctions,    textFunctions,        logicalFunctions,
-    informationFunctions, dateFunctions,      matrixFunctions,      engineeringFunctions,
-    databaseFunctions,    financialFunctions};
+    mathFunctions,         aggregateFunctions,   conditionalFunctions, statisticalFunctions,
+    distributionFunctions, regressionFunctions,  lookupFunctions,      textFunctions,
+    logicalFunctions,      informationFunctions, dateFunctions,        matrixFunctions,
+    engineeringFunctions,  databaseFunctions,    financialFunctions};
 
 struct Index {
   std::unordered_map<std::string_view, const FunctionInfo*> byName;

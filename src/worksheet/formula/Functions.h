@@ -48,6 +48,7 @@ char parameterLetter(const FunctionInfo& function, int index);
 using FunctionList = std::span<const FunctionInfo>;
 FunctionList mathFunctions();
 FunctionList aggregateFunctions();
+FunctionList conditionalFunctions();
 FunctionList statisticalFunctions();
 FunctionList distributionFunctions();
 FunctionList regressionFunctions();
