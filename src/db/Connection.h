@@ -49,6 +49,10 @@ class Connection {
   void Close();
   bool IsOpen() const { return driver_ != nullptr; }
 
+  /// What the user should be told about the last Open, a sentence each: that an Access file was
+  /// brought in and where changes go, and what could not be brought in.
+  const std::vector<std::string>& Warnings() const { return warnings_; }
+
   /// Runs one statement of the Jet dialect and returns the number of records that it changed. `?`
   /// marks in the text stand for the parameters in their order.
   std::int64_t Execute(std::string_view sql, const std::vector<FieldValue>& parameters = {});
@@ -70,6 +74,7 @@ class Connection {
  private:
   Driver& driver();
   std::unique_ptr<Driver> driver_;
+  std::vector<std::string> warnings_;
 };
 
 /// A unit of work: undone at the end of the scope unless it was committed.

@@ -92,7 +92,7 @@ TEST_F(ConnectionTest, TellsWhyAFileCannotBeOpened) {
   } rows[] = {
       {"missing.mdb", "does not exist"},  {"folder.mdb", "is a folder"},
       {"text.mdb", "is no database"},     {"empty.mdb", "is no database"},
-      {"access.mdb", "Microsoft Access"}, {"accdb.mdb", "Microsoft Access"},
+      {"access.mdb", "cannot be brought in"}, {"accdb.mdb", "cannot be brought in"},
       {"damaged.mdb", "is damaged"},
   };
   for (const auto& row : rows) {

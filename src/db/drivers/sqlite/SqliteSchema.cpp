@@ -35,7 +35,8 @@ std::vector<Row> tables(const File& file) {
   return rowsOf(file,
                 "SELECT name, CASE type WHEN 'view' THEN 'VIEW' ELSE 'TABLE' END "
                 "FROM sqlite_master WHERE type IN ('table', 'view') "
-                "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' ORDER BY name COLLATE NOCASE");
+                "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND name NOT LIKE 'MSys%' "
+                "ORDER BY name COLLATE NOCASE");
 }
 
 FieldValue truth(bool value) {

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "db/drivers/jet/AccessTable.h"
+
+namespace lodex {
+
+/// One stored value. Dates are texts as databases keep them (2020-01-31 09:30:00.250), Booleans -1
+/// and 0. `bytes` holds Text and Binary; a Text marked `exact` is a number with more digits than a
+/// double can hold.
+struct AccessValue {
+  enum Kind { Null, Whole, Number, Text, Binary };
+  Kind kind = Null;
+  bool exact = false;
+  std::int64_t whole = 0;
+  double number = 0;
+  std::string bytes;
+};
+
+/// Walks through the records of a table, one after the other. The values keep their memory from
+/// record to record.
+class AccessRows {
+ public:
+  AccessRows(const AccessFile& file, const AccessTable& table);
+
+  /// Goes to the next record that can be read; false after the last one. Throws FileError when a
+  /// whole page cannot be read.
+  bool next();
+
+  /// The values of the current record, in the order of the table's columns.
+  const std::vector<AccessValue>& values() const { return values_; }
+
+  /// Records that were left out because they are damaged.
+  int damaged() const { return damaged_; }
+
+ private:
+  struct Crack;
+  bool nextPage();
+  bool readRow();
+  AccessBytes stored(const Crack& crack, const AccessColumn& column, bool& isNull) const;
+  void decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value);
+  AccessBytes longValue(AccessBytes field, std::string& whole);
+
+  const AccessFile& file_;
+  const AccessTable& table_;
+  std::vector<std::uint32_t> pages_;
+  size_t nextPage_ = 0;
+  AccessPage page_;
+  AccessPage overflow_;  // of records that moved to another page
+  AccessPage longPage_;  // of memos
+  int row_ = 0;
+  int rowCount_ = 0;
+  int damaged_ = 0;
+  bool hasVariable_ = false;
+  std::string longBytes_;
+  std::vector<int> varOffsets_;
+  std::vector<AccessValue> values_;
+};
+
+/// A date of Access (days since 1899-12-30, the time always counted forward from the day) as text,
+/// to the millisecond; "" outside of the years 100 to 9999.
+std::string accessDateText(double days);
+
+/// A currency value, stored as its ten-thousandfold.
+void readCurrency(std::int64_t stored, AccessValue& value);
+
+/// A Numeric: a byte for the sign and four 32-bit words, the highest first; it has `scale`
+/// decimals.
+void readNumeric(AccessBytes bytes, int scale, AccessValue& value);
+
+}  // namespace lodex

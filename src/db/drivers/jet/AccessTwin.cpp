@@ -1,0 +1,259 @@
+#include "db/drivers/jet/AccessTwin.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Text.h"
+#include "db/Connection.h"
+#include "db/Errors.h"
+#include "db/drivers/jet/AccessCopy.h"
+#include "db/drivers/jet/AccessFile.h"
+#include "db/drivers/jet/AccessHelper.h"
+#include "db/drivers/sqlite/SqliteDriver.h"
+
+namespace lodex {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kPatience = 20'000;  // milliseconds without progress
+constexpr size_t kStampBytes = 64 * 1024;
+// Counts up whenever twins are made in another way, so that old ones are made anew.
+constexpr int kTwinKind = 1;
+
+std::string& chosenFolder() {
+  static std::string folder;
+  return folder;
+}
+
+fs::path twinFolder() {
+  if (!chosenFolder().empty()) return nativePath(chosenFolder());
+  if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data) {
+    return fs::path(data) / "lodexgeo";
+  }
+  const char* home = std::getenv("HOME");
+  return (home && *home ? fs::path(home) / ".local" / "share" : fs::temp_directory_path()) /
+         "lodexgeo";
+}
+
+// FNV-1a, 64 bits (Fowler, Noll and Vo).
+std::uint64_t hashOf(std::string_view bytes) {
+  std::uint64_t hash = 14695981039346656037u;
+  for (const char byte : bytes) {
+    hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211u;
+  }
+  return hash;
+}
+
+std::string firstBytes(const fs::path& path, size_t count) {
+  std::string bytes(count, '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(bytes.data(), static_cast<std::streamsize>(count));
+  bytes.resize(static_cast<size_t>(file.gcount()));
+  return bytes;
+}
+
+// What tells whether an Access file changed: size, time, and its first pages.
+std::string stampOf(const fs::path& access) {
+  const auto time = fs::last_write_time(access).time_since_epoch().count();
+  return fmt::format("{} {} {} {:016x}", kTwinKind, fs::file_size(access), time,
+                     hashOf(firstBytes(access, kStampBytes)));
+}
+
+bool canWriteIn(const fs::path& folder) {
+  return ::access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+fs::path twinPath(const fs::path& access) {
+  const fs::path folder = fs::absolute(access).parent_path();
+  const std::string name = access.filename().string();
+  const fs::path beside = folder / (name + ".lodex.sqlite");
+  if (fs::exists(beside) || canWriteIn(folder)) return beside;
+  const std::string whole = fs::weakly_canonical(access).string();
+  return twinFolder() / fmt::format("{}.{:016x}.lodex.sqlite", name, hashOf(whole));
+}
+
+// How often the database was changed, which SQLite keeps in its header as a big-endian number
+// at 24.
+std::uint32_t changeCount(const fs::path& database) {
+  const std::string header = firstBytes(database, 28);
+  if (header.size() < 28) return 0;
+  std::uint32_t count = 0;
+  for (size_t i = 24; i < 28; ++i) count = count << 8 | static_cast<unsigned char>(header[i]);
+  return count;
+}
+
+std::string originPath(const fs::path& twin) {
+  return twin.string() + ".origin";
+}
+
+// The record beside a twin: the stamp of its Access file and its own change count when it was made.
+struct Origin {
+  std::string stamp;
+  std::uint32_t changes = 0;
+};
+
+std::optional<Origin> readOrigin(const fs::path& twin) {
+  std::ifstream file(originPath(twin));
+  Origin origin;
+  if (!std::getline(file, origin.stamp) || !(file >> origin.changes)) return std::nullopt;
+  return origin;
+}
+
+fs::path helperPath() {
+  std::error_code failed;
+  const fs::path self = fs::read_symlink("/proc/self/exe", failed);
+  return self.parent_path() / "lodex-jet";
+}
+
+// Removes a temporary file unless it was renamed.
+class Temporary {
+ public:
+  explicit Temporary(fs::path path) : path_(std::move(path)) { remove(); }
+  ~Temporary() { remove(); }
+  Temporary(const Temporary&) = delete;
+  Temporary& operator=(const Temporary&) = delete;
+  const fs::path& path() const { return path_; }
+
+ private:
+  void remove() {
+    std::error_code ignored;
+    fs::remove(path_, ignored);
+    fs::remove(path_.string() + "-journal", ignored);
+  }
+  fs::path path_;
+};
+
+bool runsAsQuery(Driver& driver, const std::string& name, const std::string& sql,
+                 std::string& reason) {
+  try {
+    driver.execute("CREATE VIEW " + quoteName(name) + " AS " + sql, {});
+  } catch (const Error& error) {
+    reason = error.what();
+    return false;
+  }
+  try {
+    driver.query("SELECT * FROM " + quoteName(name) + " WHERE 1 = 0", {});
+    return true;
+  } catch (const Error& error) {
+    reason = error.what();
+  }
+  driver.execute("DROP VIEW " + quoteName(name), {});
+  return false;
+}
+
+// Queries may stand on each other, so those that fail are tried again while others succeed.
+void makeViews(Driver& driver, std::vector<std::string>& warnings) {
+  struct Saved {
+    std::string name, sql, reason;
+  };
+  std::vector<Saved> waiting;
+  {
+    const auto rows =
+        driver.query("SELECT name, sql, obstacle FROM " + std::string(kQueriesTable), {});
+    Row row;
+    while (rows->next(row)) {
+      Saved query{fieldText(row[0]), fieldText(row[1]), fieldText(row[2])};
+      if (query.reason.empty()) {
+        waiting.push_back(std::move(query));
+      } else {
+        warnings.push_back("Query " + query.name + " is no view here: " + query.reason);
+      }
+    }
+  }
+  size_t before = 0;
+  while (!waiting.empty() && waiting.size() != before) {
+    before = waiting.size();
+    std::erase_if(waiting,
+                  [&](Saved& one) { return runsAsQuery(driver, one.name, one.sql, one.reason); });
+  }
+  for (const Saved& query : waiting) {
+    warnings.push_back("Query " + query.name + " is no view here: " + query.reason);
+  }
+}
+
+// Keeps a twin that its user changed under a name that is free.
+void keepChangedTwin(const fs::path& twin, const Origin& origin,
+                     std::vector<std::string>& warnings) {
+  const bool changed = changeCount(twin) != origin.changes || fs::exists(twin.string() + "-wal");
+  if (!changed) return;
+  fs::path kept;
+  for (int number = 1; kept.empty() || fs::exists(kept); ++number) {
+    kept = fmt::format("{}.{}.sqlite", twin.string().substr(0, twin.string().size() - 7), number);
+  }
+  fs::rename(twin, kept);
+  warnings.push_back(
+      "The Access file has changed since it was brought in, and so has the copy. The "
+      "copy with its changes was kept as " +
+      kept.string() + ".");
+}
+
+void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& twin,
+              std::vector<std::string>& warnings) {
+  fs::create_directories(twin.parent_path());
+  const Temporary temporary(twin.string() + "." + std::to_string(::getpid()) + ".tmp");
+  HelperRun run =
+      runHelper(helperPath().string(), {access.string(), temporary.path().string()}, kPatience);
+  if (run.status != 0) {
+    std::string reason = "it is damaged";
+    if (run.status == 1 && !run.lines.empty()) reason = run.lines.back();
+    if (run.stalled) reason = "it is damaged, reading it came to no end";
+    throw FileError("Database " + access.string() + " cannot be brought in: " + reason,
+                    dberror::Unspecified);
+  }
+  warnings.push_back("Access files are only read. The content of " + access.string() +
+                     " was copied to " + twin.string() +
+                     "; all changes go to this copy, the Access file stays as it is.");
+  warnings.insert(warnings.end(), run.lines.begin(), run.lines.end());
+  {
+    const auto driver = openSqliteFile(temporary.path().string());
+    makeViews(*driver, warnings);
+  }
+  if (const auto origin = readOrigin(twin); origin && fs::exists(twin)) {
+    keepChangedTwin(twin, *origin, warnings);
+  }
+  // A record without its twin does no harm; a twin of another record would.
+  fs::remove(originPath(twin));
+  fs::rename(temporary.path(), twin);
+  writeFileWhole(originPath(twin), stamp + "\n" + std::to_string(changeCount(twin)) + "\n");
+}
+
+}  // namespace
+
+bool isAccessFile(std::string_view path) {
+  const fs::path native = nativePath(path);
+  std::error_code failed;
+  return fs::is_regular_file(native, failed) && isAccessHeader(firstBytes(native, 20));
+}
+
+void setTwinFolder(std::string_view folder) {
+  chosenFolder() = folder;
+}
+
+std::unique_ptr<Driver> openAccessTwin(std::string_view path, std::vector<std::string>& warnings) {
+  const fs::path access = nativePath(path);
+  try {
+    const fs::path twin = twinPath(access);
+    const std::string stamp = stampOf(access);
+    const auto origin = readOrigin(twin);
+    if (!origin || origin->stamp != stamp || !fs::exists(twin)) {
+      makeTwin(access, stamp, twin, warnings);
+    }
+    return openSqliteFile(twin.string());
+  } catch (const fs::filesystem_error& failure) {
+    throw FileError(
+        "Database " + std::string(path) + " cannot be brought in: " + failure.code().message(),
+        dberror::Unspecified);
+  }
+}
+
+}  // namespace lodex
