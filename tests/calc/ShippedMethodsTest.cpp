@@ -7,6 +7,7 @@
 
 #include "calc/CalcFixture.h"
 #include "calc/ShippedMethod.h"
+#include "calc/frmExcelCalc.h"
 #include "chem/Elements.h"
 
 namespace lodex {
@@ -83,6 +84,37 @@ TEST_F(ShippedGroupTest, FeedsEveryColumnOnce) {
   EXPECT_EQ(result("CIPW", "Thenardite"), 0) << "sulphur was counted again as SO3";
   EXPECT_NEAR(result("SF", "SF Cu") / result("SF", "SF S"), .5, 1e-9);
   EXPECT_NEAR(result("INDICES", "DI"), result("CIPW", "DI"), 1e-9);
+}
+
+TEST_F(ShippedGroupTest, CalculatesTheExamples) {
+  struct Case {
+    const char* group;
+    const char* method;
+    const char* result;
+    double least, most;  // of all samples of the example sheet
+  };
+  const Case cases[] = {{"ROCK", "CIPW", "Norm sum", 99.999, 100.001},
+                        {"ROCK", "SF", "SF S", 33, 41},
+                        {"ROCK", "REE", "(Eu/Eu*)", .6, 1.1},
+                        {"ROCK", "PGE", "(Pd)M", 1, 3000},
+                        {"MINERAL", "SULFIDES", "Total", 90, 100.1}};
+  int sheet = 0;
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.method);
+    session.record.CurrentCGroup = test.group;
+    frmExcelCalc form(context, calculations);
+    form.readExamples(std::string(LODEX_BIN_DIR) + "/Geo/System/Examples.xls");
+    form.AlustaCALC(false);
+    form.mnuExamples(++sheet).click();
+    const int samples = form.F1D.LastCol();
+    form.Calculate(test.method);
+    const FindResult found = form.F1D.Find(test.result, 1, 1, 1, form.F1D.LastRow(), 1);
+    ASSERT_EQ(found.found, 1);
+    for (int column = 2; column <= samples; ++column) {
+      const double value = form.F1D.NumberRC(found.row, column);
+      EXPECT_TRUE(value >= test.least && value <= test.most) << column << ": " << value;
+    }
+  }
 }
 
 // --- Normalised patterns, indices

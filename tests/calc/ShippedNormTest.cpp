@@ -441,5 +441,18 @@ TEST(CipwTest, PutsCarbonDioxideWhereItIsTold) {
   EXPECT_GT(norm.number("Nc"), 12);
 }
 
+TEST(CipwTest, CountsTheOxygenOfHalogensAndSulphurAsTold) {
+  ShippedMethod norm("ROCK/CIPW");
+  const Analysis rock = {{"SiO2", 50}, {"Al2O3", 15}, {"CaO", 12}, {"FeO", 8}, {"MgO", 8},
+                         {"Na2O", 4},  {"P2O5", 1},   {"F", 1},    {"Cl", .5}, {"S", 1}};
+  norm.calculate(rock);
+  const double oxygen = norm.number("Free oxygen");
+  EXPECT_GT(oxygen, .7);
+  EXPECT_NEAR(norm.number("Norm sum"), 100 - oxygen, 1e-9);
+  norm.choose("Choices", "Oxygen of F, Cl and S", 2, 1);
+  norm.calculate(rock);
+  EXPECT_NEAR(norm.number("Norm sum"), 100, 1e-9);
+}
+
 }  // namespace
 }  // namespace lodex
