@@ -4,9 +4,11 @@
 
 #include "basic/Error.h"
 #include "basic/Text.h"
+#include "cli/CliSession.h"
 #include "cli/Commands.h"
 #include "db/Connection.h"
 #include "db/Recordset.h"
+#include "db/Servers.h"
 
 namespace lodex {
 
@@ -102,9 +104,15 @@ void printJson(Recordset& records, std::ostream& out) {
   out << "\n]\n";
 }
 
-void runStatement(const SqlRequest& request, std::ostream& out) {
+void runStatement(const SqlRequest& request, CommandContext& context) {
+  const std::string target = ConnectionString(request.database, "", "");
+  if (connectionItem(target, "Provider") == "MSDAORA") {
+    CliSession session(context);
+    useServerIni(session.session().record.UserIni, session.session().record.MainIni);
+  }
   Connection connection;
-  connection.Open(ConnectionString(request.database, "", ""));
+  connection.Open(target);
+  std::ostream& out = context.out;
   const auto records = connection.OpenRecordset(request.statement, CursorKind::ForwardOnly);
   if (records->Fields().empty()) return;
   if (request.format == "json") return printJson(*records, out);
@@ -123,7 +131,7 @@ void addSqlCommand(CLI::App& app, CommandContext& context) {
       ->required();
   command->add_option("--format", request->format, "how records are printed: tsv, csv or json")
       ->check(CLI::IsMember({"tsv", "csv", "json"}));
-  command->callback([request, &context] { runStatement(*request, context.out); });
+  command->callback([request, &context] { runStatement(*request, context); });
 }
 
 }  // namespace lodex

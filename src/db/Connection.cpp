@@ -5,7 +5,9 @@
 #include "db/Driver.h"
 #include "db/Errors.h"
 #include "db/Recordset.h"
+#include "db/Servers.h"
 #include "db/drivers/jet/AccessTwin.h"
+#include "db/drivers/odbc/OdbcDriver.h"
 #include "db/drivers/sqlite/SqliteDriver.h"
 
 namespace lodex {
@@ -20,6 +22,16 @@ void refuseZeroCharacter(std::string_view text) {
   if (text.find('\0') != std::string_view::npos) {
     throw Error("A character of code 0 cannot stand in a database statement", dberror::BadArgument);
   }
+}
+
+// All between "Password=" and the data source, so that a password may hold a ";".
+std::string_view passwordIn(std::string_view connectionString) {
+  constexpr std::string_view kStart = ";Password=";
+  const size_t start = connectionString.find(kStart);
+  const size_t end = connectionString.rfind(";Data Source=");
+  if (start == std::string_view::npos || end == std::string_view::npos || end < start) return {};
+  const size_t from = start + kStart.size();
+  return connectionString.substr(from, end - from);
 }
 
 }  // namespace
@@ -82,8 +94,10 @@ void Connection::Open(std::string_view connectionString) {
   const std::string provider = connectionItem(connectionString, "Provider");
   const std::string source = connectionItem(connectionString, "Data Source");
   if (equalsNoCase(provider, kOracleProvider)) {
-    throw Error("The service " + source + " cannot be opened: no Oracle driver is installed",
-                dberror::Unspecified);
+    driver_ =
+        openOdbc(source, serverConnectionText(source, connectionItem(connectionString, "User ID"),
+                                              passwordIn(connectionString)));
+    return;
   }
   if (!equalsNoCase(provider, kJetProvider)) {
     throw Error("The connection text names no known provider: " + provider, dberror::BadArgument);

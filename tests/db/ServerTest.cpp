@@ -1,0 +1,128 @@
+#include "db/Servers.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include "DatabaseFixture.h"
+
+namespace lodex {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class ServerTest : public DatabaseFixture {
+ protected:
+  void SetUp() override {
+    DatabaseFixture::SetUp();
+    connection_.Close();
+  }
+  void TearDown() override {
+    DatabaseFixture::TearDown();
+    useServerIni("", "");
+  }
+  void writeIni(const std::string& entry) {
+    std::ofstream(path("servers.ini")) << "[Servers]\nLAB=" << entry << "\n";
+    useServerIni("", path("servers.ini"));
+  }
+  // Opens the temporary server of script/with-postgres; false if there is none.
+  bool openServer() {
+    if (!std::getenv("LODEX_TEST_SERVER")) return false;
+    writeIni("%LODEX_TEST_SERVER%");
+    connection_.Open(ConnectionString("LAB.ORA", "", ""));
+    return true;
+  }
+};
+
+TEST_F(ServerTest, AServiceIsAnEntryOrADataSource) {
+  ::setenv("LODEX_TEST_SECRET", "s3cret", 1);
+  writeIni("Driver=x;Pwd=%LODEX_TEST_SECRET%");
+  EXPECT_EQ(serverConnectionText("lab", "me", "other"), "Driver=x;Pwd=s3cret;UID=me");
+  EXPECT_EQ(serverConnectionText("MINE", "me", "a;b}c"), "DSN=MINE;UID=me;PWD={a;b}}c}");
+  writeIni("Laboratory");
+  EXPECT_EQ(serverConnectionText("LAB", "", ""), "DSN=Laboratory");
+  writeIni("Driver={No such driver s3cret};Pwd=%LODEX_TEST_SECRET%");
+  const std::string error =
+      errorOf([&] { connection_.Open(ConnectionString("LAB.ORA", "me", "")); });
+  EXPECT_THAT(error, HasSubstr("Server LAB cannot be opened"));
+  EXPECT_THAT(error, Not(HasSubstr("s3cret")));
+  EXPECT_FALSE(connection_.IsOpen());
+}
+
+TEST_F(ServerTest, ReadsAndWritesARealServer) {
+  if (!openServer()) GTEST_SKIP() << "run under script/with-postgres";
+  run("CREATE TABLE [Lab results]");
+  run("ALTER TABLE [Lab results] ADD COLUMN [SampleNo] TEXT (50)");
+  run("CREATE UNIQUE INDEX SampleNo ON [Lab results] (SampleNo) WITH PRIMARY");
+  for (const auto* column : {"[Cu %] SINGLE", "[n] LONG", "[w] DOUBLE", "[Day] DATE",
+                             "[Ok] BOOLEAN", "[Note] MEMO", "[Cost] CURRENCY"}) {
+    run("ALTER TABLE [Lab results] ADD COLUMN " + std::string(column));
+  }
+  run("CREATE INDEX n ON [Lab results] (n)");
+
+  auto results = connection_.OpenRecordset("SELECT * FROM [Lab results]");
+  ASSERT_TRUE(results->Updatable());
+  const std::string longText(10000, 'x');
+  for (const std::string name : {"a", "Å'1"}) {
+    results->AddNew();
+    results->SetValue("SampleNo", name);
+    results->SetValue("Cu %", "0.5");
+    results->SetValue("n", std::int64_t{7});
+    results->SetValue("w", 0.1);
+    results->SetValue("Day", "2020-01-31 12:30:00");
+    results->SetValue("Ok", "True");
+    results->SetValue("Note", longText + "\nÄ☃");
+    results->SetValue("Cost", 1.25);
+    results->Update();
+  }
+  auto stored = connection_.OpenRecordset(
+      "SELECT * FROM [Lab results] WHERE [SampleNo] Like 'å*' AND [Day] > #1/1/2020#");
+  ASSERT_EQ(stored->RecordCount(), 1);
+  EXPECT_EQ(stored->Text("SampleNo"), "Å'1");
+  EXPECT_EQ(stored->Value("w"), FieldValue(0.1));
+  EXPECT_EQ(stored->Value("n"), FieldValue(std::int64_t{7}));
+  EXPECT_EQ(stored->Text("Day"), "2020-01-31 12:30:00");
+  EXPECT_EQ(stored->Text("Ok"), "True");
+  EXPECT_EQ(stored->Text("Note"), longText + "\nÄ☃");
+  EXPECT_EQ(stored->Text("Cost"), "1.25");
+  stored->SetValue("Cu %", FieldValue());
+  stored->Update();
+  EXPECT_EQ(records("SELECT [SampleNo] FROM [Lab results] WHERE [Cu %] Is Null"), "Å'1");
+  stored->AddNew();
+  stored->SetValue("SampleNo", "a");
+  EXPECT_THAT(errorOf([&] { stored->Update(); }), HasSubstr("duplicate key"));
+  stored->CancelUpdate();
+
+  {
+    Transaction work(connection_);
+    EXPECT_EQ(connection_.Execute("UPDATE [Lab results] SET [n] = ? WHERE [SampleNo] = ?",
+                                  {std::int64_t{9}, "a"}),
+              1);
+  }
+  EXPECT_EQ(records("SELECT Max([n]) AS m FROM [Lab results]"), "7") << "not rolled back";
+  EXPECT_EQ(show("TRANSFORM Sum([w]) SELECT [n] FROM [Lab results] GROUP BY [n] PIVOT [SampleNo]"),
+            "n|a|Å'1\n7|0.1|0.1");
+
+  const auto schema = [&](SchemaKind kind, int field) {
+    auto records = connection_.OpenSchema(kind);
+    records->Filter("TABLE_NAME='Lab results'");
+    std::string text;
+    for (; !records->Eof(); records->MoveNext()) text += records->Text(field) + ";";
+    return text;
+  };
+  EXPECT_EQ(schema(SchemaKind::Tables, 1), "TABLE;");
+  EXPECT_EQ(schema(SchemaKind::Columns, 1), "SampleNo;Cu %;n;w;Day;Ok;Note;Cost;");
+  EXPECT_EQ(schema(SchemaKind::Columns, 3), "202;4;3;5;7;11;203;131;");
+  EXPECT_EQ(schema(SchemaKind::Indexes, 2), "True;False;");
+  EXPECT_EQ(schema(SchemaKind::Indexes, 5), "SampleNo;n;");
+  results->MoveFirst();
+  results->Delete();
+  EXPECT_EQ(records("SELECT Count(*) FROM [Lab results]"), "1");
+  EXPECT_THAT(errorOfSql("SELECT * FROM [nowhere]"), HasSubstr("nowhere"));
+  run("DROP TABLE [Lab results]");
+}
+
+}  // namespace
+}  // namespace lodex
