@@ -29,5 +29,6 @@ void addMethodsCommand(CLI::App& app, CommandContext& context);
 void addMineralsCommand(CLI::App& app, CommandContext& context);
 void addMapCommand(CLI::App& app, CommandContext& context);
 void addModalCommand(CLI::App& app, CommandContext& context);
+void addSqlCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace lodex

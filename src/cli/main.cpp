@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
   addMethodsCommand(app, context);
   addModalCommand(app, context);
   addMineralsCommand(app, context);
+  addSqlCommand(app, context);
   addMapCommand(app, context);
   addCellsCommand(app, context);
   addConvertCommand(app, context);
