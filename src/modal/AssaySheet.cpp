@@ -33,11 +33,15 @@ std::vector<int> sampleRows(const AssaySheet& source, const std::vector<int>& co
   return rows;
 }
 
+// Laboratories also send numbers in cells of text.
+bool isNumeric(const Value& value) {
+  return value.isNumber() || (value.isText() && isNumericText(value.textView()));
+}
+
 bool holdsNumbers(const AssaySheet& source, int column) {
   const int first = source.firstDataRow > 0 ? source.firstDataRow : lastSystemRow(source) + 1;
   for (int row = first; row <= source.sheet->LastRow(); ++row) {
-    const Value value = source.sheet->ValueRC(row, column);
-    if (value.isNumber() || value.kind() == ValueKind::NumericText) return true;
+    if (isNumeric(source.sheet->ValueRC(row, column))) return true;
   }
   return false;
 }
@@ -67,7 +71,7 @@ int copyColumn(const AssaySheet& source, int column, double factor, const std::v
     }
     const Value value = CellStore::valueOf(cell);
     if (value.isEmpty() || (value.isText() && trimBlanks(value.textView()).empty())) continue;
-    const bool numeric = value.isNumber() || value.kind() == ValueKind::NumericText;
+    const bool numeric = isNumeric(value);
     if (!numeric) ++texts;
     out.setNumber(row, targetColumn, numeric ? value.asNumber() * factor : 0);
   }

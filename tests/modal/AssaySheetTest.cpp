@@ -85,6 +85,16 @@ TEST(AssaySheet, CellsThatAreNoNumbers) {
   EXPECT_EQ(r.log, "ID empty on row 7\nText counts as 0 in 1 cells of column 3 (Cu)\n");
 }
 
+TEST(AssaySheet, NumbersInCellsOfTextCount) {
+  Sheet s;
+  s.column({"Sample", "Sample", "", "", "S1", "S2"});
+  s.column({"Cu", "Cu", "", "%", "1", "2"});
+  s.sheet.ValueRC(5, s.columns, Value::text("12.50"));
+  Retrieved r(s);
+  EXPECT_EQ(r.result.F1Ini.NumberRC(1, 2), 12.5);
+  EXPECT_EQ(r.log, "");
+}
+
 TEST(AssaySheet, NothingIsIgnoredInSilence) {
   Sheet s;
   s.column({"Sample", "Sample", "", "", "S1"});
