@@ -28,6 +28,7 @@ void addIdentifyCommand(CLI::App& app, CommandContext& context);
 void addMethodsCommand(CLI::App& app, CommandContext& context);
 void addMineralsCommand(CLI::App& app, CommandContext& context);
 void addMapCommand(CLI::App& app, CommandContext& context);
+void addSaveCommand(CLI::App& app, CommandContext& context);
 void addModalCommand(CLI::App& app, CommandContext& context);
 void addSqlCommand(CLI::App& app, CommandContext& context);
 

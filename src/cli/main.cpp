@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
   addMineralsCommand(app, context);
   addSqlCommand(app, context);
   addMapCommand(app, context);
+  addSaveCommand(app, context);
   addCellsCommand(app, context);
   addConvertCommand(app, context);
   addRecalcCommand(app, context);

@@ -1,0 +1,73 @@
+// lodex save: identified analyses into a database.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <ostream>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Text.h"
+#include "cli/ImportConsole.h"
+#include "import/SaveInDB.h"
+
+namespace lodex {
+namespace {
+
+struct SaveOptions {
+  std::vector<std::string> files;
+  std::string database;
+  std::string thesaurus;
+  bool noThesaurus = false;
+  bool merge = false;
+  bool overwrite = false;
+  bool showLog = false;
+};
+
+void runSave(const SaveOptions& options, CommandContext& context) {
+  ImportConsole console(context, {options.thesaurus, options.noThesaurus});
+  const int failed = console.open(options.files);
+  // Half of the files is not what was asked for.
+  requireAllOpened(failed, options.files.size());
+  console.identify();
+  console.printLines(console.session().log.txtErr.text(), "lodex: ");
+
+  frmDDB destination(console.session());
+  if (!destination.openDestination(options.database, true)) {
+    console.printLines(console.session().log.txtErr.text(), "lodex: ");
+    throw Error("Error in opening database " + options.database);
+  }
+  DataSheets& sheets = console.sheets();
+  SavingStage stage(console.shell(), console.session(), sheets, destination);
+  stage.chkMerge.setChecked(options.merge || options.overwrite);
+  stage.chkOverWrite.setChecked(options.overwrite);
+  sheets.lstSrcD.selectAll(true);
+  const bool finished = stage.SaveInDB(false);
+
+  const frmLog& log = console.session().log;
+  if (options.showLog) context.out << replaceAll(log.txtLog.text(), "\r\n", "\n") << '\n';
+  console.printLines(log.txtErr.text(), "lodex: ");
+  if (!finished) throw Error("saving was cancelled");
+  if (stage.SaveErrors() > 0) {
+    throw Error(std::to_string(stage.SaveErrors()) + " values or records were not saved");
+  }
+}
+
+}  // namespace
+
+void addSaveCommand(CLI::App& app, CommandContext& context) {
+  auto options = std::make_shared<SaveOptions>();
+  CLI::App* command =
+      app.add_subcommand("save", "Identify analysis files and save them in a database");
+  command->add_option("files", options->files, "workbooks and text files")->required();
+  command->add_option("--db", options->database, "database file; made if it is not there")
+      ->required();
+  command->add_flag("--merge", options->merge,
+                    "look samples up by their key; fill fields that are empty");
+  command->add_flag("--overwrite", options->overwrite, "merge, and replace values that are there");
+  auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");
+  command->add_flag("--no-thesaurus", options->noThesaurus, "understand only headings with a unit")
+      ->excludes(thesaurus);
+  command->add_flag("--log", options->showLog, "print the log of the saving");
+  command->callback([options, &context] { runSave(*options, context); });
+}
+
+}  // namespace lodex

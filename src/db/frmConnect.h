@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+
+#include "form/Form.h"
+#include "session/Session.h"
+
+namespace lodex {
+
+/// The dialogue that picks a database: by drive, folder and file, by a file dialogue, or from the
+/// last ten.
+class frmConnect : public Form {
+ public:
+  explicit frmConnect(Session& session);
+
+  ComboBox ListDBTypes{*this, "ListDBTypes"};
+  TextBox txtFolder{*this, "txtFolder"};    // the folder on show
+  TextBox txtPattern{*this, "txtPattern"};  // the mask of the files on show
+  ListBox lstFiles{*this, "lstFiles"};
+  TextBox txtFile{*this, "txtFile"};
+  ListBox lstLast{*this, "lstLast"};
+  CheckBox chkMapE{*this, "chkMapE", "Map database"};
+  CheckBox chkMapLast{*this, "chkMapLast", "Map database"};
+  Button Command2{*this, "Command2", "Open"};
+  Button cmdBrowse{*this, "cmdBrowse", "Browse..."};
+  Button cmdOpenLast{*this, "cmdOpenLast", "Open"};
+  Button cmdCancel{*this, "cmdCancel", "Cancel"};
+  Button cmdCanc{*this, "cmdCanc", "Cancel"};
+  Button cmdLinkDone{*this, "cmdLinkDone", "Close"};
+
+  /// The chosen path; "" when cancelled.
+  const std::string& ConnectResult() const { return result_; }
+  /// Take the stored map, or map afresh and store the map.
+  bool ReadMapFile() const { return !mapAfresh_; }
+  bool SaveMapFile() const { return mapAfresh_; }
+
+  /// A double click on a file and on a database of the list of last ones.
+  void openFile();
+  void openLast();
+
+ private:
+  void fillFiles();
+  void chooseType();
+  void browse();
+  void take(const std::string& path, bool mapAfresh);
+
+  Session& session_;
+  std::string result_;
+  bool mapAfresh_ = false;
+};
+
+}  // namespace lodex

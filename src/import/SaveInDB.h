@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+#include "db/frmDDB.h"
+#include "import/DataSheets.h"
+#include "import/SaveSheets.h"
+
+namespace lodex {
+
+/// The saving stage of the shell's panel: its options, and the command that carries the selected
+/// sheets into the destination database. The controls are made on the shell's form.
+class SavingStage {
+ public:
+  SavingStage(Form& shell, Session& session, DataSheets& sheets, frmDDB& destination);
+
+  CheckBox chkMerge;      // look samples up by their key
+  CheckBox chkOverWrite;  // with merge: values may be replaced
+  CheckBox chkAndSave;
+  Button cmdDefine;
+  Button cmdSaveInDBNow;
+  Label lblDB;  // the destination's file name
+
+  /// Saves the sheets selected in lstSrcD, or the calculation result alone and silently. False when
+  /// nothing was saved to the end; what went wrong has been told.
+  bool SaveInDB(bool resultOnly);
+  /// Of the last saving.
+  int SaveErrors() const { return errors_; }
+
+ private:
+  void showDestination();
+  SaveRequest request(bool resultOnly);
+  void guarded();
+
+  Session& session_;
+  DataSheets& sheets_;
+  frmDDB& destination_;
+  int errors_ = 0;
+};
+
+}  // namespace lodex
