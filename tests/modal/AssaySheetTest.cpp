@@ -89,7 +89,7 @@ TEST(AssaySheet, NumbersInCellsOfTextCount) {
   Sheet s;
   s.column({"Sample", "Sample", "", "", "S1", "S2"});
   s.column({"Cu", "Cu", "", "%", "1", "2"});
-  s.sheet.ValueRC(5, s.columns, Value::text("12.50"));
+  s.sheet.ValueSRC(1, 5, s.columns, Value::text("12.50"));
   Retrieved r(s);
   EXPECT_EQ(r.result.F1Ini.NumberRC(1, 2), 12.5);
   EXPECT_EQ(r.log, "");
