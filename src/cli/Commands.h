@@ -29,6 +29,7 @@ void addMethodsCommand(CLI::App& app, CommandContext& context);
 void addMineralsCommand(CLI::App& app, CommandContext& context);
 void addMapCommand(CLI::App& app, CommandContext& context);
 void addSaveCommand(CLI::App& app, CommandContext& context);
+void addCombineCommand(CLI::App& app, CommandContext& context);
 void addModalCommand(CLI::App& app, CommandContext& context);
 void addSqlCommand(CLI::App& app, CommandContext& context);
 

@@ -30,6 +30,7 @@ int main(int argc, char** argv) {
   addSqlCommand(app, context);
   addMapCommand(app, context);
   addSaveCommand(app, context);
+  addCombineCommand(app, context);
   addCellsCommand(app, context);
   addConvertCommand(app, context);
   addRecalcCommand(app, context);

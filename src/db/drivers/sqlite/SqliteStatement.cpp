@@ -1,5 +1,6 @@
 #include "db/drivers/sqlite/SqliteStatement.h"
 
+#include <algorithm>
 #include <climits>
 
 #include "basic/Error.h"
@@ -9,6 +10,8 @@
 namespace lodex {
 
 namespace {
+
+constexpr size_t kIdleStatements = 16;
 
 // "table.field, table.field" as [field] and [field] of the table [table].
 std::string fieldsOfTable(std::string_view list) {
@@ -91,10 +94,51 @@ std::string validSqliteText(std::string_view text) {
   return isValidUtf8(text) ? std::string(text) : fromWindows1252(text);
 }
 
+SqliteFile::~SqliteFile() {
+  for (const auto& statement : idle) sqlite3_finalize(statement.second);
+  sqlite3_close_v2(handle);
+}
+
 SqliteStatement::SqliteStatement(std::shared_ptr<SqliteFile> file, std::string_view sql,
                                  const Row& parameters, std::string_view shown)
     : file_(std::move(file)), sql_(sql), shown_(shown.empty() ? sql : shown) {
   if (sql.size() > INT_MAX) throw Error("The database statement is too long");
+  if (!takeIdle()) compile();
+  try {
+    bind(parameters);
+  } catch (...) {
+    sqlite3_finalize(handle_);
+    throw;
+  }
+}
+
+SqliteStatement::~SqliteStatement() {
+  const bool runsOften =
+      sql_.starts_with("SELECT") || sql_.starts_with("INSERT") || sql_.starts_with("UPDATE");
+  if (!runsOften || !file_) {
+    sqlite3_finalize(handle_);
+    return;
+  }
+  sqlite3_reset(handle_);
+  sqlite3_clear_bindings(handle_);
+  auto& idle = file_->idle;
+  idle.emplace_front(std::move(sql_), handle_);
+  if (idle.size() <= kIdleStatements) return;
+  sqlite3_finalize(idle.back().second);
+  idle.pop_back();
+}
+
+bool SqliteStatement::takeIdle() {
+  auto& idle = file_->idle;
+  const auto known = std::find_if(idle.begin(), idle.end(),
+                                  [&](const auto& entry) { return entry.first == sql_; });
+  if (known == idle.end()) return false;
+  handle_ = known->second;
+  idle.erase(known);
+  return true;
+}
+
+void SqliteStatement::compile() {
   const char* rest = nullptr;
   checkSqlite(*file_,
               sqlite3_prepare_v2(file_->handle, sql_.data(), static_cast<int>(sql_.size()),
@@ -103,7 +147,6 @@ SqliteStatement::SqliteStatement(std::shared_ptr<SqliteFile> file, std::string_v
   if (!handle_) throw Error("The database statement is empty", dberror::BadStatement);
   try {
     refuseFurtherStatement(rest);
-    bind(parameters);
   } catch (...) {
     sqlite3_finalize(handle_);
     throw;

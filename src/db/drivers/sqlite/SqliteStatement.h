@@ -2,9 +2,11 @@
 
 #include <sqlite3.h>
 
+#include <list>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "db/Driver.h"
 
@@ -14,11 +16,13 @@ namespace lodex {
 struct SqliteFile {
   sqlite3* handle = nullptr;
   std::string path;
+  /// Statements that ran lately, ready to run again: compiling one takes longer than running it.
+  std::list<std::pair<std::string, sqlite3_stmt*>> idle;
 
   SqliteFile() = default;
   SqliteFile(const SqliteFile&) = delete;
   SqliteFile& operator=(const SqliteFile&) = delete;
-  ~SqliteFile() { sqlite3_close_v2(handle); }
+  ~SqliteFile();
 };
 
 /// Throws the error of a result code, if it is one; `sql` is shown with faults of a statement.
@@ -33,7 +37,7 @@ class SqliteStatement {
   /// `shown` is the statement as its user wrote it, for messages; "" for `sql` itself.
   SqliteStatement(std::shared_ptr<SqliteFile> file, std::string_view sql, const Row& parameters,
                   std::string_view shown = {});
-  ~SqliteStatement() { sqlite3_finalize(handle_); }
+  ~SqliteStatement();
   SqliteStatement(const SqliteStatement&) = delete;
   SqliteStatement& operator=(const SqliteStatement&) = delete;
 
@@ -49,6 +53,8 @@ class SqliteStatement {
   sqlite3_stmt* handle() const { return handle_; }
 
  private:
+  bool takeIdle();
+  void compile();
   void refuseFurtherStatement(const char* rest) const;
   void bind(const Row& parameters);
   void bindOne(int place, const FieldValue& value);

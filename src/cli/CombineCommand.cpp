@@ -1,0 +1,47 @@
+// lodex combine: several databases into one.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <ostream>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Text.h"
+#include "cli/CliSession.h"
+#include "db/CombineDatabases.h"
+#include "db/Connection.h"
+
+namespace lodex {
+namespace {
+
+struct CombineOptions {
+  std::vector<std::string> sources;
+  std::string into;
+};
+
+void runCombine(const CombineOptions& options, CommandContext& context) {
+  CliSession console(context);
+  for (const std::string& source : options.sources) {
+    if (!pathExists(source)) throw FileError("Database " + source + " does not exist");
+  }
+  if (!pathExists(options.into)) createDatabase(options.into);
+  const CombineOutcome outcome = combineDatabases(console.session(), options.sources, options.into);
+  context.out << replaceAll(console.session().log.txtLog.text(), "\r\n", "\n") << '\n';
+  if (outcome.errors > 0) {
+    throw Error(std::to_string(outcome.errors) + " records were not written, " +
+                std::to_string(outcome.written) + " were");
+  }
+}
+
+}  // namespace
+
+void addCombineCommand(CLI::App& app, CommandContext& context) {
+  auto options = std::make_shared<CombineOptions>();
+  CLI::App* command =
+      app.add_subcommand("combine", "Merge databases: their tables, fields, indexes and records");
+  command->add_option("sources", options->sources, "database files")->required();
+  command->add_option("--into", options->into, "the database to add to; made if it is not there")
+      ->required();
+  command->callback([options, &context] { runCombine(*options, context); });
+}
+
+}  // namespace lodex

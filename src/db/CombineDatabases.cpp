@@ -1,0 +1,254 @@
+#include "db/CombineDatabases.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Text.h"
+#include "db/Connection.h"
+#include "db/Recordset.h"
+
+namespace lodex {
+
+namespace {
+
+// Rows after which the progress is shown again.
+constexpr int kRowsPerStep = 200;
+
+// The SQL type of a field, for the types of every driver.
+std::string sqlType(FieldCode code, int size) {
+  switch (code) {
+    case FieldCode::SmallInt:
+      return "SHORT";
+    case FieldCode::Integer:
+      return "LONG";
+    case FieldCode::Single:
+      return "SINGLE";
+    case FieldCode::Double:
+      return "DOUBLE";
+    case FieldCode::Numeric:
+      return "DECIMAL";
+    case FieldCode::Currency:
+      return "CURRENCY";
+    case FieldCode::Date:
+      return "DATE";
+    case FieldCode::Boolean:
+      return "BOOLEAN";
+    case FieldCode::Byte:
+      return "BYTE";
+    case FieldCode::Memo:
+      return "MEMO";
+    case FieldCode::Binary:
+      return "LONGBINARY";
+    case FieldCode::Text:
+    case FieldCode::VarText:
+      break;
+  }
+  return "TEXT (" + std::to_string(size > 0 ? size : 255) + ")";
+}
+
+struct SourceDatabase {
+  std::string path;
+  Connection connection;
+  std::vector<std::string> tables;
+};
+
+bool samePath(const std::string& a, const std::string& b) {
+  std::error_code failed;
+  return a == b || std::filesystem::equivalent(nativePath(a), nativePath(b), failed);
+}
+
+std::vector<std::string> plainTables(Connection& connection) {
+  std::vector<std::string> names;
+  const auto tables = connection.OpenSchema(SchemaKind::Tables);
+  for (; !tables->Eof(); tables->MoveNext()) {
+    if (tables->Text("TABLE_TYPE") == "TABLE") names.push_back(tables->Text("TABLE_NAME"));
+  }
+  return names;
+}
+
+std::string ofTable(const std::string& table) {
+  return "[TABLE_NAME] = " + quoteText(table);
+}
+
+class Combining {
+ public:
+  Combining(Session& session, const std::string& destination) : session_(session) {
+    destination_.Open(ConnectionString(destination, "", ""));
+  }
+
+  CombineOutcome run(const std::vector<std::string>& paths, const std::string& destination) {
+    for (const std::string& path : paths) {
+      if (samePath(path, destination)) continue;
+      auto source = std::make_unique<SourceDatabase>();
+      source->path = path;
+      source->connection.Open(ConnectionString(path, "", ""));
+      source->tables = plainTables(source->connection);
+      sources_.push_back(std::move(source));
+    }
+    session_.progress.ShowStop(true);
+    for (const auto& source : sources_) {
+      if (!outcome_.aborted) createTables(*source);
+    }
+    for (size_t i = 0; i < sources_.size() && !outcome_.aborted; ++i) copyTables(i);
+    if (!outcome_.aborted) log("Ready");
+    session_.progress.ShowProgress("", 0);
+    return outcome_;
+  }
+
+ private:
+  void log(const std::string& text) { session_.log.LisaaLog(text, LogKind::Log); }
+
+  bool stopped() {
+    session_.pumpEvents();
+    if (!session_.progress.AbortFlag) return false;
+    session_.progress.AbortFlag = false;
+    log("!! Aborted!!");
+    outcome_.aborted = true;
+    return true;
+  }
+
+  void execute(const std::string& statement) {
+    try {
+      destination_.Execute(statement);
+      log(" -EXECUTED: " + statement);
+    } catch (const Error& failure) {
+      log("!! ERROR " + std::to_string(failure.number()) + " " + failure.what() +
+          "(Command: " + statement + ")");
+    }
+  }
+
+  // --- Structure ---
+
+  void createTables(SourceDatabase& source) {
+    const auto columns = source.connection.OpenSchema(SchemaKind::Columns);
+    const auto indexes = source.connection.OpenSchema(SchemaKind::Indexes);
+    session_.progress.bar.setMaximum(static_cast<int>(source.tables.size()));
+    int number = 0;
+    for (const std::string& table : source.tables) {
+      if (stopped()) return;
+      const std::string text = "Creating table  " + table + " ...";
+      session_.progress.ShowProgress(text, ++number);
+      log(text);
+      execute("CREATE TABLE " + quoteName(table));
+      createFields(*columns, table);
+      createIndexes(*indexes, table);
+    }
+  }
+
+  void createFields(Recordset& columns, const std::string& table) {
+    for (columns.Filter(ofTable(table)); !columns.Eof(); columns.MoveNext()) {
+      const auto code =
+          static_cast<FieldCode>(static_cast<int>(fieldNumber(columns.Value("DATA_TYPE"))));
+      const int size = static_cast<int>(fieldNumber(columns.Value("CHARACTER_MAXIMUM_LENGTH")));
+      execute("ALTER TABLE " + quoteName(table) + " ADD COLUMN " +
+              quoteName(columns.Text("COLUMN_NAME")) + " " + sqlType(code, size));
+    }
+  }
+
+  struct Index {
+    std::string name;
+    std::string columns;
+    bool unique = false;
+    bool primary = false;
+  };
+
+  void createIndexes(Recordset& schema, const std::string& table) {
+    std::vector<Index> indexes;
+    for (schema.Filter(ofTable(table)); !schema.Eof(); schema.MoveNext()) {
+      const std::string name = schema.Text("INDEX_NAME");
+      if (indexes.empty() || indexes.back().name != name) {
+        indexes.push_back({name, "", fieldNumber(schema.Value("UNIQUE")) != 0,
+                           fieldNumber(schema.Value("PRIMARY_KEY")) != 0});
+      }
+      std::string& columns = indexes.back().columns;
+      columns += (columns.empty() ? "" : ",") + quoteName(schema.Text("COLUMN_NAME"));
+    }
+    for (const Index& index : indexes) {
+      execute(std::string(index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+              quoteName(index.name) + " ON " + quoteName(table) + " (" + index.columns + ")" +
+              (index.primary ? " WITH PRIMARY" : ""));
+    }
+  }
+
+  // --- Records ---
+
+  void copyTables(size_t sourceNumber) {
+    SourceDatabase& source = *sources_[sourceNumber];
+    const size_t count = source.tables.size();
+    session_.progress.bar.setMaximum(static_cast<int>(count));
+    for (size_t i = 0; i < count; ++i) {
+      if (stopped()) return;
+      session_.progress.ShowProgress("DB " + std::to_string(sourceNumber + 1) + " of " +
+                                         std::to_string(sources_.size()) + " ; Table " +
+                                         std::to_string(i + 1) + " of " + std::to_string(count),
+                                     static_cast<int>(i) + 1);
+      copyRecords(source.connection, source.tables[i], static_cast<int>(i) + 1);
+    }
+  }
+
+  void copyRecords(Connection& source, const std::string& table, int place) {
+    int written = 0;
+    try {
+      const auto records =
+          source.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
+      std::string fields;
+      std::string marks;
+      for (const Field& field : records->Fields()) {
+        fields += (fields.empty() ? "" : ", ") + quoteName(field.name);
+        marks += marks.empty() ? "?" : ", ?";
+      }
+      const std::string insert =
+          "INSERT INTO " + quoteName(table) + " (" + fields + ") VALUES (" + marks + ")";
+      const int fieldCount = static_cast<int>(records->Fields().size());
+      Transaction work(destination_);
+      std::vector<FieldValue> values(static_cast<size_t>(fieldCount));
+      for (int record = 1; !records->Eof(); records->MoveNext(), ++record) {
+        for (int i = 0; i < fieldCount; ++i) values[static_cast<size_t>(i)] = records->Value(i);
+        writeRecord(insert, values, written);
+        if (record % kRowsPerStep != 0) continue;
+        session_.progress.ShowProgress("Writing in Table " + table + " ; Rec " +
+                                           std::to_string(record) +
+                                           " (Errors:" + std::to_string(outcome_.errors) + ") ...",
+                                       place);
+        session_.pumpEvents();
+      }
+      work.commit();
+    } catch (const Error& failure) {
+      // The table as a whole: it cannot be read, or the destination is in use.
+      ++outcome_.errors;
+      written = 0;
+      log("!! ERROR " + std::to_string(failure.number()) + " " + failure.what());
+    }
+    outcome_.written += written;
+    log(" -" + std::to_string(written) + " records written in " + table);
+  }
+
+  void writeRecord(const std::string& insert, const std::vector<FieldValue>& values, int& written) {
+    try {
+      destination_.Execute(insert, values);
+      ++written;
+    } catch (const Error&) {
+      ++outcome_.errors;
+    }
+  }
+
+  Session& session_;
+  Connection destination_;
+  std::vector<std::unique_ptr<SourceDatabase>> sources_;
+  CombineOutcome outcome_;
+};
+
+}  // namespace
+
+CombineOutcome combineDatabases(Session& session, const std::vector<std::string>& sources,
+                                const std::string& destination) {
+  session.log.clear();
+  session.log.show();
+  session.log.LisaaLog(combiningTitle, LogKind::Log);
+  return Combining(session, destination).run(sources, destination);
+}
+
+}  // namespace lodex
