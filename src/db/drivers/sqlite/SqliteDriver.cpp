@@ -337,6 +337,8 @@ std::shared_ptr<SqliteFile> openFile(const fs::path& native, std::string_view pa
   sqlite3_extended_result_codes(file->handle, 1);
   sqlite3_busy_timeout(file->handle, kBusyTimeoutAtOpen);
   addJetFunctions(file->handle);
+  // A unit of work that outgrows its memory is written page by page, each waited for.
+  SqliteStatement(file, "PRAGMA cache_size = -65536", {}).run();
   return file;
 }
 
