@@ -24,6 +24,7 @@ void addCellsCommand(CLI::App& app, CommandContext& context);
 void addCalcCommand(CLI::App& app, CommandContext& context);
 void addConvertCommand(CLI::App& app, CommandContext& context);
 void addRecalcCommand(CLI::App& app, CommandContext& context);
+void addExportCommand(CLI::App& app, CommandContext& context);
 void addIdentifyCommand(CLI::App& app, CommandContext& context);
 void addMethodsCommand(CLI::App& app, CommandContext& context);
 void addMineralsCommand(CLI::App& app, CommandContext& context);

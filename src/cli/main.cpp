@@ -31,6 +31,7 @@ int main(int argc, char** argv) {
   addMapCommand(app, context);
   addSaveCommand(app, context);
   addCombineCommand(app, context);
+  addExportCommand(app, context);
   addCellsCommand(app, context);
   addConvertCommand(app, context);
   addRecalcCommand(app, context);
