@@ -104,6 +104,13 @@ TEST(AccessQueries, ArePutTogetherFromTheirParts) {
                                             {5, 0, "SELECT 2", "", "X2", "2"}};
   EXPECT_EQ(buildAccessQuery("q", united).sql, "SELECT 1 UNION ALL SELECT 2");
 
+  const std::vector<AccessQueryPart> truths{
+      {5, 0, "", "A", "", ""},
+      {8, 0, "A.d = no And b=\"= Yes\" And No=Yes And [x]=[= No] And c=No.e", "", "", ""}};
+  EXPECT_EQ(buildAccessQuery("q", truths).sql,
+            "SELECT * FROM [A] WHERE A.d = False And b=\"= Yes\" And No=True And [x]=[= No] And "
+            "c=No.e");
+
   EXPECT_THAT(buildAccessQuery("q", {{1, 5, "", "", "", ""}}).obstacle, HasSubstr("changes data"));
   EXPECT_THAT(buildAccessQuery("q", {{2, 8, "", "p", "", ""}}).obstacle, HasSubstr("parameters"));
 }
@@ -200,6 +207,7 @@ TEST_F(JetTest, KeysRelationshipsAndQueriesComeAlong) {
   tables->Filter("TABLE_NAME LIKE 'MSys*'");
   EXPECT_EQ(tables->RecordCount(), 0);
 
+  EXPECT_GT(std::stoi(first(connection, "SELECT COUNT(*) FROM [Current Product List]")), 0);
   EXPECT_THROW(connection.Execute("INSERT INTO Orders (OrderID) VALUES (10249)"), Error);
   EXPECT_THAT(connection.Warnings(), Contains(HasSubstr("Sales by Year")));
 }

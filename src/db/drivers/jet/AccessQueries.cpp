@@ -28,12 +28,47 @@ std::string bracketed(const std::string& name) {
   return name.starts_with("[") ? name : "[" + name + "]";
 }
 
+bool isWordLetter(char letter) {
+  return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+         (letter >= '0' && letter <= '9') || letter == '_' || (letter & 0x80);
+}
+
+// Access also writes "= Yes" and "= No" for truth values. Elsewhere these words may be fields, and
+// between quotes and brackets anything.
+std::string withTruthWords(const std::string& expression) {
+  std::string result;
+  bool afterEqual = false;
+  for (size_t at = 0; at < expression.size();) {
+    size_t end = at + 1;
+    const char first = expression[at];
+    if (first == '\'' || first == '"' || first == '[') {
+      end = std::min(expression.find(first == '[' ? ']' : first, end), expression.size() - 1) + 1;
+    } else if (isWordLetter(first)) {
+      while (end < expression.size() && isWordLetter(expression[end])) ++end;
+    }
+    const std::string piece = expression.substr(at, end - at);
+    const bool isPrefix =
+        end < expression.size() && (expression[end] == '.' || expression[end] == '!');
+    if (afterEqual && !isPrefix && equalsNoCase(piece, "Yes")) {
+      result += "True";
+    } else if (afterEqual && !isPrefix && equalsNoCase(piece, "No")) {
+      result += "False";
+    } else {
+      result += piece;
+    }
+    if (piece != " ") afterEqual = piece == "=";
+    at = end;
+  }
+  return result;
+}
+
 // A query's parts by attribute, and the clauses made of them.
 class Parts {
  public:
   explicit Parts(std::vector<AccessQueryPart> parts) : parts_(std::move(parts)) {
     std::stable_sort(parts_.begin(), parts_.end(),
                      [](const auto& a, const auto& b) { return a.order < b.order; });
+    for (AccessQueryPart& part : parts_) part.expression = withTruthWords(part.expression);
   }
 
   std::vector<const AccessQueryPart*> all(int attribute) const {
