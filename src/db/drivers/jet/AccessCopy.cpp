@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::uint32_t kCatalogPage = 2;
 constexpr int kRecordsPerReport = 2000;
+constexpr int kStepsPerReport = 1'000'000;  // of the database engine, while it makes an index
 // Bits of the flags of a catalogue entry that mark what Access keeps for itself.
 constexpr std::uint32_t kSystemFlags = 0x80000002;
 enum ObjectType { kTableObject = 1, kOdbcLink = 4, kQueryObject = 5, kLink = 6 };
@@ -421,6 +422,13 @@ void copyAccessFile(const std::string& source, const std::string& target,
     report.warning("The Access file does not end with a whole page: it may have been cut short");
   }
   Target copy(target);
+  sqlite3_progress_handler(
+      copy.handle(), kStepsPerReport,
+      [](void* to) {
+        static_cast<AccessCopyReport*>(to)->progress();
+        return 0;
+      },
+      &report);
   copy.run("CREATE TABLE " + quoted(kQueriesTable) + " (name TEXT, sql TEXT, obstacle TEXT)");
   for (const Object& object : objects) {
     if (object.type == kLink || object.type == kOdbcLink) {
