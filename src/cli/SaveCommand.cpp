@@ -44,7 +44,7 @@ void runSave(const SaveOptions& options, CommandContext& context) {
 
   const frmLog& log = console.session().log;
   if (options.showLog) context.out << replaceAll(log.txtLog.text(), "\r\n", "\n") << '\n';
-  console.printLines(log.txtErr.text(), "lodex: ");
+  if (!finished || stage.SaveErrors() > 0) console.printLines(log.txtErr.text(), "lodex: ");
   if (!finished) throw Error("saving was cancelled");
   if (stage.SaveErrors() > 0) {
     throw Error(std::to_string(stage.SaveErrors()) + " values or records were not saved");

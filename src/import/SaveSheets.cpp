@@ -178,6 +178,16 @@ class Saving {
     return length ? "TEXT(" + std::to_string(*length) + ")" : kStandardType;
   }
 
+  // By column. Questions come before the work: nobody else is kept waiting meanwhile.
+  std::vector<std::string> typesOf(const Source& source) {
+    std::vector<std::string> types(static_cast<size_t>(source.lastColumn()) + 1);
+    for (int column = source.idColumn(); column <= source.lastColumn(); ++column) {
+      if (source.table(column).empty() || source.field(column).empty()) continue;
+      types[static_cast<size_t>(column)] = typeOf(source, column);
+    }
+    return types;
+  }
+
   bool ensureField(const std::string& table, const std::string& field, const std::string& type,
                    bool isKey) {
     return CheckAndAddField(session_, destination_.connection, destination_.map, key_, table, field,
@@ -187,6 +197,7 @@ class Saving {
   // Makes the tables and fields of a sheet; returns the tables in the order of the columns.
   std::vector<std::string> prepareTables(const Source& source) {
     std::vector<std::string> tables;
+    const std::vector<std::string> types = typesOf(source);
     Transaction work(destination_.connection);
     key_ = {};
     for (int column = source.idColumn(); column <= source.lastColumn(); ++column) {
@@ -197,7 +208,7 @@ class Saving {
         if (isId) key_ = keyOf(field, source.described(sysrow::Type, column));
         continue;
       }
-      const std::string type = typeOf(source, column);
+      const std::string& type = types[static_cast<size_t>(column)];
       if (isId) key_ = keyOf(field, type);
       if (!ensureField(table, field, type, isId)) continue;
       const auto known = std::find_if(tables.begin(), tables.end(), [&](const std::string& other) {
@@ -267,6 +278,7 @@ class Saving {
       work = std::make_unique<Transaction>(destination_.connection);
     }
     work->commit();
+    if (!goOn) tellAborted();
     return goOn;
   }
 
@@ -274,11 +286,14 @@ class Saving {
     session_.pumpEvents();
     if (!session_.progress.AbortFlag) return false;
     session_.progress.AbortFlag = false;
+    return true;
+  }
+
+  void tellAborted() {
     session_.dialogs().messageBox("Aborted!");
     log("!! Aborted !!");
     session_.progress.txtInfo.setCaption("");
     session_.log.show();
-    return true;
   }
 
   void writeRecord(const Source& source, int row, const std::string& id, TargetTable& table) {

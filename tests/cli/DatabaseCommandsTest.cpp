@@ -1,0 +1,42 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "basic/Files.h"
+#include "cli/RunLodex.h"
+
+namespace lodex {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(DatabaseCommands, SaveMapAndCombine) {
+  const std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("lodex databases " + std::to_string(::getpid()));
+  std::filesystem::create_directories(folder);
+  const auto quoted = [&](const char* name) { return "'" + (folder / name).string() + "' "; };
+  writeFileWhole((folder / "good.txt").string(), "Sample\tFe_XRF %\nS1\t5.5\nS2\t6\n");
+  writeFileWhole((folder / "bad.txt").string(), "Sample\tFe_XRF %\nS3\t<5\n");
+  const std::string db = "--db " + quoted("a.mdb");
+  const Outcome saved = runLodex("save " + quoted("good.txt") + db + "--log");
+  EXPECT_EQ(saved.status, 0);
+  EXPECT_THAT(saved.text, HasSubstr("  -EXECUTED: CREATE TABLE [ANALYSES]"));
+  EXPECT_EQ(runLodex("save " + quoted("bad.txt") + db + "2>/dev/null").status, 1);
+  EXPECT_EQ(runLodex("save " + quoted("good.txt") + db + "--overwrite 2>/dev/null").status, 0);
+  EXPECT_EQ(runLodex("save " + quoted("missing.txt") + db + "2>/dev/null").status, 1);
+  const Outcome map = runLodex("map --refresh " + quoted("a.mdb"));
+  EXPECT_EQ(map.status, 0);
+  EXPECT_THAT(map.text, HasSubstr("table\tANALYSES\tSample\tFe/XRF/%\n"));
+  EXPECT_THAT(map.text, HasSubstr("key\tANALYSES\tSample\n"));
+  EXPECT_TRUE(std::filesystem::exists(folder / "a.ake"));
+  EXPECT_EQ(runLodex("map " + quoted("missing.mdb") + "2>/dev/null").status, 1);
+  const Outcome combined = runLodex("combine " + quoted("a.mdb") + "--into " + quoted("b.mdb"));
+  EXPECT_EQ(combined.status, 0);
+  EXPECT_THAT(combined.text, HasSubstr(" -3 records written in ANALYSES"));
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace lodex
