@@ -112,6 +112,7 @@ void runStatement(const SqlRequest& request, CommandContext& context) {
   }
   Connection connection;
   connection.Open(target);
+  for (const auto& warning : connection.Warnings()) context.err << "lodex: " << warning << '\n';
   std::ostream& out = context.out;
   const auto records = connection.OpenRecordset(request.statement, CursorKind::ForwardOnly);
   if (records->Fields().empty()) return;
