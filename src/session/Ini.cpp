@@ -1,5 +1,8 @@
 #include "session/Ini.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <vector>
 
@@ -66,6 +69,14 @@ std::string cutValue(std::string value) {
   return value;
 }
 
+// Users' data must not end up at the root of the disk where HOME is not set, as under a service.
+std::string environmentValue(const std::string& name) {
+  const char* value = std::getenv(name.c_str());
+  if (value != nullptr && *value != '\0') return value;
+  const passwd* entry = name == "HOME" ? ::getpwuid(::geteuid()) : nullptr;
+  return entry != nullptr && entry->pw_dir != nullptr ? entry->pw_dir : "";
+}
+
 }  // namespace
 
 std::string GetIni(std::string_view file, std::string_view section, std::string_view key) {
@@ -123,8 +134,7 @@ std::string ExpandEnv(std::string_view text) {
     const size_t close = open == std::string_view::npos ? open : text.find('%', open + 1);
     if (close == std::string_view::npos) return out += text.substr(start);
     out += text.substr(start, open - start);
-    const std::string name(text.substr(open + 1, close - open - 1));
-    if (const char* value = std::getenv(name.c_str())) out += value;
+    out += environmentValue(std::string(text.substr(open + 1, close - open - 1)));
     start = close + 1;
   }
 }

@@ -20,7 +20,8 @@ std::string GetIni2(std::string_view userFile, std::string_view mainFile, std::s
                     std::string_view key, std::string_view otherwise);
 
 /// Replaces each pair of "%" marks, from the left, by the environment variable named between them;
-/// an unknown variable gives nothing, and a single "%" stays.
+/// an unknown variable gives nothing (but %HOME% the home folder of the account), and a single "%"
+/// stays.
 std::string ExpandEnv(std::string_view text);
 
 }  // namespace lodex

@@ -66,6 +66,10 @@ TEST_F(SessionTest, IniValuesExpandTheEnvironmentButNotQueries) {
   EXPECT_EQ(GetIni(ini, "s", "b"), "50% of it");
   EXPECT_EQ(GetIni(ini, "s", "c"), "SELECT * LIKE '%a%'");
   EXPECT_EQ(GetIni(ini, "s", "d"), "z");
+  const std::string home = ExpandEnv("%HOME%");
+  ::setenv("HOME", "", 1);
+  EXPECT_NE(ExpandEnv("%HOME%"), "");
+  ::setenv("HOME", home.c_str(), 1);
   EXPECT_EQ(ExpandEnv("%LODEX_TEST_VARIABLE%%LODEX_TEST_VARIABLE%%"), "valuevalue%");
 }
 
