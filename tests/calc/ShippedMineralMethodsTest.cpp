@@ -186,6 +186,29 @@ TEST(MineralFormulaTest, ReproducesPublishedFormulae) {
   }
 }
 
+// Northern Arizona University, electron microprobe laboratory, example calculations: phlogopite of
+// the Hickey Formation, printed for 11 oxygens.
+TEST(MineralFormulaTest, ReproducesAPublishedMica) {
+  ShippedMethod biotite("MINERAL/BIOTITE");
+  biotite.calculate({{"SiO2", 37.7},
+                     {"TiO2", 2.26},
+                     {"Al2O3", 14.45},
+                     {"Cr2O3", .60},
+                     {"FeO", 10.1},
+                     {"MnO", .08},
+                     {"MgO", 20.4},
+                     {"BaO", .50},
+                     {"Na2O", .71},
+                     {"K2O", 9.16},
+                     {"F", 3.02}});
+  const Analysis printed = {{"nSi", 2.752}, {"nTi", .124}, {"nAl", 1.243}, {"nCr", .035},
+                            {"nFe2", .617}, {"nMn", .005}, {"nMg", 2.220}, {"nBa", .014},
+                            {"nNa", .100},  {"nK", .853}};
+  for (const auto& [ion, atoms] : printed) {
+    EXPECT_NEAR(biotite.number(ion) / 2, atoms, .00055) << ion;
+  }
+}
+
 TEST(MineralFormulaTest, LetsTheUserChooseTheIron) {
   ShippedMethod garnet("MINERAL/GARNET");
   const Analysis andradite = analysisOf({{"nSi", 3}, {"nCa", 3}, {"nFe3", 2}}, Iron::AllAsFeO);
