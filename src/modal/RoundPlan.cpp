@@ -44,12 +44,13 @@ std::vector<double> readXFile(const PlannedEquation& equation, const XLine& x,
 int methodIndex(const ModalData& data, int element, const std::string& method) {
   const auto& names = data.methodNames;
   const auto hit = std::find(names.begin(), names.end(), method);
-  if (hit != names.end()) return static_cast<int>(hit - names.begin());
-  if (!method.empty() && method != firstMethod) return -1;
+  const int named = hit == names.end() ? -1 : static_cast<int>(hit - names.begin());
+  const bool anyWillDo = method.empty() || method == firstMethod;
+  if (!anyWillDo || data.assayOf(element, named) >= 0) return named;
   for (int k = 0; k < data.methods(); ++k) {
     if (data.assayOf(element, k) >= 0) return k;
   }
-  return -1;
+  return named;
 }
 
 PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalData& data,

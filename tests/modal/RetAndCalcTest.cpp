@@ -130,6 +130,23 @@ TEST(RetAndCalc, MissingAssaysStayMissing) {
   EXPECT_TRUE(g.logged("Equation S (3) / XRF of round 2 has no assay"));
 }
 
+// Columns without a method stand under a method of that name, which other elements need not have.
+TEST(RetAndCalc, FirstMethodIsTheElementsOwn) {
+  for (const char* method : {firstMethod, ""}) {
+    ModalFixture f;
+    f.round({{"M/Qz/1"}}, {{assayItem("Si", 4, method), {}}});
+    f.assays({"1"}, {4, 3}, {{50, 8}});
+    f.result.F1Kirja.ColText(2, firstMethod);
+    f.result.F1Kirja.TextRC(3, 1, "");
+    f.result.F1Kirja.NumberRC(3, 2, 3);  // S has no method
+    for (int row = 1; row <= f.F1ELoc.LastRow(); ++row) f.result.F1Disso.NumberRC(row, 2, 1);
+    f.mineral(1, {{4, 100}});
+    f.run();
+    EXPECT_EQ(f.result.F1MC.TextRC(1, 2), "50.000") << method;
+    EXPECT_FALSE(f.logged("has no assay")) << method;
+  }
+}
+
 TEST(RetAndCalc, DissolutionScalesTheEquations) {
   Sulphides f;
   f.mineral(1, {}, 0.5);  // half of the chalcopyrite dissolves
