@@ -5,6 +5,7 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "basic/Text.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/ZipFile.h"
 #include "worksheet/files/BuiltinFormats.h"
@@ -92,6 +93,32 @@ TEST(XlsxReader, ReadsEveryKindOfValue) {
   // Rows and cells without addresses follow one another.
   EXPECT_EQ(book.NumberRC(4, 2), 5);
   EXPECT_EQ(book.LastRow(), 4);
+}
+
+// What other writers leave behind: an empty table of texts, a module without a part among the
+// sheets, and paths parted by "\\".
+TEST(XlsxReader, OpensUnusualPackages) {
+  for (const std::string slash : {"/", "\\"}) {
+    SCOPED_TRACE(slash);
+    const auto path = [&](std::string text) { return replaceAll(text, "/", slash); };
+    const Worksheet book = readPackage(zipOf({
+        {path("_rels/.rels"), "<Relationships>" +
+                                  relation("r1", "officeDocument", "xl/workbook.xml") +
+                                  "</Relationships>"},
+        {path("xl/workbook.xml"),
+         "<workbook xmlns:r=\"r\"><sheets><sheet name=\"Module\" r:id=\"\"/>"
+         "<sheet name=\"Data\" r:id=\"rId1\"/></sheets></workbook>"},
+        {path("xl/_rels/workbook.xml.rels"),
+         "<Relationships>" + relation("rId1", "worksheet", "sheet1.xml") +
+             relation("rId2", "sharedStrings", "sharedStrings.xml") + "</Relationships>"},
+        {path("xl/sharedStrings.xml"), "<?xml version=\"1.0\"?>\r\n<sst/>"},
+        {path("xl/sheet1.xml"),
+         "<worksheet><sheetData><row><c><v>3</v></c></row></sheetData></worksheet>"},
+    }));
+    EXPECT_EQ(book.NumSheets(), 1);
+    EXPECT_EQ(book.SheetName(1), "Data");
+    EXPECT_EQ(book.NumberRC(1, 1), 3);
+  }
 }
 
 TEST(XlsxReader, SharedAndArrayFormulas) {
@@ -219,6 +246,9 @@ TEST(XlsxWriter, WhatIsWrittenReadsBack) {
   book.setCachedValue(1, 3, 1, Value(0.6));
   book.setCachedValue(1, 3, 2, Value::text("seven"));
   book.ValueSRC(1, 3, 3, Value::text("_x000D_\r\x01"));
+  book.setFormulaWithValue(1, 4, 1, "\"TR\"&\"UE\"", Value::text("TRUE"));
+  book.setFormulaWithValue(1, 4, 2, "#REF!", Value::error(ErrorCode::Ref));
+  book.setFormulaWithValue(1, 4, 3, "\"a\r\nb\"", Value::text("a\r\nb"));
   CellFormat format;
   format.numberFormat = "0.000";
   format.bold = true;
@@ -247,7 +277,7 @@ TEST(XlsxWriter, WhatIsWrittenReadsBack) {
     EXPECT_EQ(back.SheetName(sheet), book.SheetName(sheet));
     EXPECT_EQ(back.sheetVisibility(sheet), book.sheetVisibility(sheet));
   }
-  for (int row = 1; row <= 3; ++row) {
+  for (int row = 1; row <= 4; ++row) {
     for (int column = 1; column <= 5; ++column) {
       EXPECT_EQ(back.ValueRC(row, column), book.ValueRC(row, column)) << row << "," << column;
       EXPECT_EQ(back.HasFormula(1, row, column), book.HasFormula(1, row, column));

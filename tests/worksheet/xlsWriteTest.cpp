@@ -50,7 +50,11 @@ TEST(XlsWriter, BringsFormulasBackAsTheyWere) {
       {"A1;", ""},
       {"A70000", ""},
       {"IW1", ""},
-      {"[Other.xls]Tab!A1", ""},
+      {"[Other.xls]Tab!A1", nullptr},
+      {"SUM('C:\\data\\[Other 2.xls]Tab:Zab'!$A$1:B2)+EDATE(1,2)", nullptr},
+      {"'\\\\server\\share\\[a.xls]T t'!A1+'..\\[b.xls]T'!A1", nullptr},
+      {"'http://example.org/[c.xls]T'!A1", nullptr},
+      {"[Other.xls]!Rate*[Other.xls]Tab!Rate", nullptr},
       {"SUM(1,2,3,4,5,6,7,8,9,0,1,2,3,4,5,6,7,8,9,0,1,2,3,4,5,6,7,8,9,0,1)", ""},
       {"ROUND(1)", ""},
   };
@@ -91,7 +95,18 @@ TEST(XlsWriter, BringsFormulasBackAsTheyWere) {
     EXPECT_EQ(after.sheet, before.sheet);
     EXPECT_EQ(after.hidden, before.hidden);
   }
-  EXPECT_EQ(copy.definedNames()[4].formula, "#REF!");
+  EXPECT_EQ(copy.definedNames()[4].formula, "[x.xls]T!A1");
+}
+
+// On sheets of 256 columns PRA1 is a name; elsewhere it would be a cell.
+TEST(XlsWriter, NamesThatLookLikeCellsComeBackMarked) {
+  Worksheet sheet;
+  sheet.NumberRC(1, 1, 2.5);
+  sheet.setDefinedNames({{"PRA1", "Sheet1!$A$1", 0, false}, {"PRA_1", "Sheet1!$A$1", 0, false}});
+  const Worksheet copy = throughFile(sheet);
+  ASSERT_EQ(copy.definedNames().size(), 2u);
+  EXPECT_EQ(copy.definedNames()[0].name, "_PRA1");
+  EXPECT_EQ(copy.definedNames()[1].name, "PRA_1");
 }
 
 // The token classes decide what other programs compute.

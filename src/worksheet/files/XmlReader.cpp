@@ -65,17 +65,14 @@ class Reader {
   Reader(std::string_view document, XmlHandler& handler) : rest_(document), handler_(handler) {}
 
   void run() {
-    bool started = false;
     while (!rest_.empty()) {
       const size_t tag = rest_.find('<');
       if (!open_.empty()) emitText(rest_.substr(0, tag));
       if (tag == std::string_view::npos) break;
       rest_.remove_prefix(tag);
       markup();
-      started = started || !open_.empty();
-      if (started && open_.empty()) return;
+      if (started_ && open_.empty()) return;
     }
-    if (open_.empty() && started) return;
     fail("it ends too early");
   }
 
@@ -153,6 +150,7 @@ class Reader {
   void startTag() {
     constexpr size_t deepest = 10000;
     open_.push_back(takeName());
+    started_ = true;
     if (open_.size() > deepest) fail("its elements are nested too deeply");
     attributes_.clear();
     values_.clear();
@@ -192,6 +190,7 @@ class Reader {
   std::string_view rest_;
   XmlHandler& handler_;
   std::vector<std::string_view> open_;
+  bool started_ = false;  // the outermost element has been met
   std::vector<XmlAttribute> attributes_;
   std::deque<std::string> values_;  // decoded values, at fixed addresses
 };

@@ -61,9 +61,14 @@ struct ZipArchive::Impl {
     Input at(GSF_INPUT(g_object_ref(root.get())));
     for (const std::string& piece : split(path, "/")) {
       if (piece.empty()) continue;
-      if (!at || !GSF_IS_INFILE(at.get())) return nullptr;
+      if (!at || !GSF_IS_INFILE(at.get())) {
+        at.reset();
+        break;
+      }
       at = child(GSF_INFILE(at.get()), piece);
     }
+    // Some writers part their folders by "\\", which makes one long name of a path.
+    if (!at) at = child(GSF_INFILE(root.get()), replaceAll(path, "/", "\\"));
     return at;
   }
 };

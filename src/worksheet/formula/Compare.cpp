@@ -197,8 +197,9 @@ bool Criterion::matches(const Operand& value) const {
     case Kind::Number: {
       double number = value.number;
       bool comparable = value.isNumber();
-      // Text that reads as the number fits an equality, as it does when typed as a criterion.
-      if (value.isText() && (operator_ == "=" || negated)) {
+      // Text that reads as the number fits an equality, as it does when typed as a criterion; it
+      // fits the opposite as well, being text.
+      if (value.isText() && operator_ == "=") {
         if (const auto read = numberOfText(value.view(), dates1904_)) {
           number = *read;
           comparable = true;

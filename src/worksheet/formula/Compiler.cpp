@@ -231,7 +231,8 @@ class Compiler {
     --depth_;
     for (size_t i = 0; i < node.children.size(); ++i) {
       Context inner = context;
-      if (i == 0 && letterOf(function, 1) == 'R') inner.wantsReference = inner.last = false;
+      inner.last = false;
+      if (i == 0 && letterOf(function, 1) == 'R') inner.wantsReference = false;
       if (letterOf(function, 1) != 'R') inner.wantsReference = false;
       const std::uint32_t begin = size();
       compile(node.children[i], inner);

@@ -381,8 +381,10 @@ Operand Evaluator::binary(const Instruction& in, const Operand& left, const Oper
 }
 
 Operand Evaluator::binarySingle(Operator op, const Operand& left, const Operand& right) {
+  const bool arithmetic = op >= Operator::Add && op <= Operator::Power;
   if (left.isError()) return left;
-  if (right.isError()) return right;
+  // The left side comes first: what is no number there wins over an error on the right.
+  if (right.isError() && !arithmetic) return right;
   switch (op) {
     case Operator::Concatenate: {
       std::string joined = toText(left);

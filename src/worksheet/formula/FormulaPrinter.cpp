@@ -174,8 +174,8 @@ std::string prefixText(const SheetPrefix& prefix) {
   }
   inner += prefix.first;
   if (!prefix.last.empty()) inner += ":" + prefix.last;
-  const bool simpleBook =
-      std::all_of(prefix.book.begin(), prefix.book.end(), [](char c) { return isNamePart(c); });
+  const bool simpleBook = std::all_of(prefix.book.begin(), prefix.book.end(),
+                                      [](char c) { return isNamePart(c) && c != '\\'; });
   std::string out;
   if (!simpleBook || needsQuotes(prefix.first) || needsQuotes(prefix.last)) {
     appendQuoted(out, inner, '\'');

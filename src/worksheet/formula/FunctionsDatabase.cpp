@@ -56,7 +56,9 @@ std::vector<std::vector<ColumnCriterion>> readCriteria(Evaluator& ev, const Oper
       // A plain text fits all texts that begin with it.
       const bool plain = value.isText() && !value.view().empty() &&
                          std::string_view("=<>").find(value.view()[0]) == std::string_view::npos &&
-                         !numberOfText(value.view(), ev.dates1904());
+                         !numberOfText(value.view(), ev.dates1904()) &&
+                         !equalsNoCase(value.view(), "TRUE") &&
+                         !equalsNoCase(value.view(), "FALSE");
       const Operand condition = plain ? ev.text(std::string(value.view()) + "*") : value;
       all.push_back({target, Criterion(condition, ev.dates1904())});
     }

@@ -203,7 +203,14 @@ Operand fnDateDif(Evaluator& ev, Arguments a) {
 bool readHolidays(Evaluator& ev, Arguments a, size_t index, std::set<double>& days,
                   Operand& error) {
   if (!given(a, index)) return true;
-  return visitNumbers(ev, a[index], error, [&](double day) { days.insert(std::floor(day)); });
+  return ev.visitValues(a[index], [&](const Operand& value, bool) {
+    double day = 0;
+    // Dates may stand as text here, in cells and in arrays.
+    if (value.isEmpty()) return true;
+    if (!ev.toNumber(value, day, error)) return false;
+    days.insert(std::floor(day));
+    return true;
+  });
 }
 
 bool isWorkday(Evaluator& ev, double day, const std::set<double>& holidays) {

@@ -156,7 +156,10 @@ Operand fnMirr(Evaluator& ev, Arguments a) {
   std::vector<double> flows;
   Operand error;
   if (!numbersOf(ev, a.first(1), flows, error)) return error;
-  if (!changesSign(flows)) return ErrorCode::DivisionByZero;
+  // Without earnings the rate is -1.
+  if (std::none_of(flows.begin(), flows.end(), [](double x) { return x < 0; })) {
+    return ErrorCode::DivisionByZero;
+  }
   const double financing = a[1].number;
   const double investing = a[2].number;
   const auto n = static_cast<double>(flows.size());

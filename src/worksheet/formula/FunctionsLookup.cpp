@@ -67,9 +67,25 @@ int findExact(Evaluator& ev, const Operand& wanted, const Line& line, bool wildc
   return -1;
 }
 
-// The last position whose value is not above the wanted one, in a line in ascending order (or not
-// below it in a descending one); -1 if none. Values of another kind are passed over.
-int findSorted(Evaluator& ev, const Operand& wanted, const Line& line, bool descending) {
+// The last position in a descending line before a value falls below the wanted one, or the first
+// equal one; -1 if none. Values of another kind are passed over.
+int findDescending(Evaluator& ev, const Operand& wanted, const Line& line) {
+  int best = -1;
+  for (int i = 0; i < line.length; ++i) {
+    const Operand value = line.at(ev, i);
+    if (!sameKind(wanted, value)) continue;
+    const int order = compareValues(value, wanted);
+    if (order < 0) break;
+    best = i;
+    if (order == 0) break;
+  }
+  return best;
+}
+
+// The last position whose value is not above the wanted one, in a line in ascending order; -1 if
+// none. Values of another kind are passed over. People look up in unsorted lines too and rely on
+// what the search then finds: it halves, and from an equal value only passes over its repetitions.
+int findAscending(Evaluator& ev, const Operand& wanted, const Line& line) {
   int low = 0;
   int high = line.length - 1;
   int best = -1;
@@ -83,10 +99,13 @@ int findSorted(Evaluator& ev, const Operand& wanted, const Line& line, bool desc
       continue;
     }
     const int order = compareValues(line.at(ev, probe), wanted);
-    if (descending ? order >= 0 : order <= 0) {
+    if (order == 0) {
+      while (probe < high && isEqual(wanted, line.at(ev, probe + 1), false)) ++probe;
+      return probe;
+    }
+    if (order < 0) {
       best = probe;
       low = probe + 1;
-      if (descending && order == 0) return probe;
     } else {
       high = middle - 1;
     }
@@ -118,8 +137,7 @@ Operand lookInTable(Evaluator& ev, Arguments a, bool vertical) {
   const bool sorted = !given(a, 3) ? a.size() < 4 : a[3].number != 0;
   const Operand wanted = wantedValue(a[0]);
   const Line line = lineOf(ev, a[1], vertical, 0);
-  const int found =
-      sorted ? findSorted(ev, wanted, line, false) : findExact(ev, wanted, line, true);
+  const int found = sorted ? findAscending(ev, wanted, line) : findExact(ev, wanted, line, true);
   if (found < 0) return ErrorCode::NotAvailable;
   return vertical ? ev.element(a[1], found, taken) : ev.element(a[1], taken, found);
 }
@@ -135,8 +153,9 @@ Operand fnMatch(Evaluator& ev, Arguments a) {
   const bool vertical = Evaluator::columnsOf(a[1]) == 1;
   const Line line = lineOf(ev, a[1], vertical, 0);
   const Operand wanted = wantedValue(a[0]);
-  const int found =
-      type == 0 ? findExact(ev, wanted, line, true) : findSorted(ev, wanted, line, type < 0);
+  const int found = type == 0  ? findExact(ev, wanted, line, true)
+                    : type > 0 ? findAscending(ev, wanted, line)
+                               : findDescending(ev, wanted, line);
   return found < 0 ? Operand(ErrorCode::NotAvailable) : Operand(found + 1.0);
 }
 
@@ -146,7 +165,7 @@ Operand fnLookup(Evaluator& ev, Arguments a) {
     if (a[i].tag == Tag::Areas) return ErrorCode::Value;
   }
   const bool vertical = Evaluator::rowsOf(a[1]) >= Evaluator::columnsOf(a[1]);
-  const int found = findSorted(ev, wantedValue(a[0]), lineOf(ev, a[1], vertical, 0), false);
+  const int found = findAscending(ev, wantedValue(a[0]), lineOf(ev, a[1], vertical, 0));
   if (found < 0) return ErrorCode::NotAvailable;
   if (a.size() < 3) {
     return vertical ? ev.element(a[1], found, Evaluator::columnsOf(a[1]) - 1)
@@ -397,13 +416,18 @@ Operand fnAddress(Evaluator& ev, Arguments a) {
       !wholeBetween(a[1].number, 1, maxColumns, column)) {
     return ErrorCode::Value;
   }
-  if (given(a, 2) && !wholeBetween(a[2].number, 1, 4, kind)) return ErrorCode::Value;
+  if (given(a, 2) && !wholeBetween(a[2].number, 1, 8, kind)) return ErrorCode::Value;
+  if (kind > 4) kind -= 4;  // an old way to ask for R1C1 that only the fourth argument decides now
   const bool rowFixed = kind == 1 || kind == 2;
   const bool columnFixed = kind == 1 || kind == 3;
   std::string out;
   if (given(a, 4) && !a[4].view().empty()) {
     SheetPrefix prefix;
-    prefix.first = a[4].view();
+    // A workbook in brackets may stand before the sheet.
+    const std::string_view sheet = a[4].view();
+    const size_t close = sheet.starts_with('[') ? sheet.find(']') : std::string_view::npos;
+    if (close != std::string_view::npos) prefix.book = sheet.substr(1, close - 1);
+    prefix.first = close == std::string_view::npos ? sheet : sheet.substr(close + 1);
     out = prefixText(prefix);
   }
   if (given(a, 3) && a[3].number == 0) {
@@ -433,7 +457,7 @@ Operand placeNumbers(Evaluator& ev, Arguments a, bool rows) {
 
 Operand sizeOf(Arguments a, bool rows) {
   if (a[0].isError()) return a[0];
-  if (a[0].isScalar()) return ErrorCode::Value;
+  if (a[0].isScalar()) return 1.0;
   return static_cast<double>(rows ? Evaluator::rowsOf(a[0]) : Evaluator::columnsOf(a[0]));
 }
 

@@ -12,6 +12,30 @@ namespace {
 constexpr double pi = 3.14159265358979323846;
 constexpr double largestWhole = 9007199254740992.0;
 
+// Spreadsheet programs take pi rounded to 64 bits where they take half turns off an angle. Sines
+// and cosines that should be 0 are then the tiny numbers that workbooks hold: SIN(PI()) is
+// 1.22514845490862E-16.
+double angleLeft(double angle, double halfTurns) {
+  constexpr double piRest = 1.2251484549086200e-16;  // pi rounded to 64 bits, less pi to 53 bits
+  return std::fma(-halfTurns, pi, angle) - halfTurns * piRest;
+}
+
+constexpr double nearZeroAngle = 1e-3;
+
+double sine(double angle) {
+  const double turns = std::round(angle / pi);
+  const double left = angleLeft(angle, turns);
+  if (std::abs(left) > nearZeroAngle) return std::sin(angle);
+  return std::fmod(turns, 2) == 0 ? std::sin(left) : -std::sin(left);
+}
+
+double cosine(double angle) {
+  const double turns = std::floor(angle / pi);
+  const double left = angleLeft(angle, turns + 0.5);
+  if (std::abs(left) > nearZeroAngle) return std::cos(angle);
+  return std::fmod(turns, 2) == 0 ? -std::sin(left) : std::sin(left);
+}
+
 // The value of x * 10^digits, moved to a whole or half number when it misses it by rounding only.
 double scaled(double value, int digits) {
   const double power = std::pow(10.0, std::abs(digits));
@@ -288,8 +312,8 @@ constexpr FunctionInfo table[] = {
      [](Evaluator&, Arguments a) { return Operand(a[0].number / pi * 180); }},
     {"RADIANS", 1, 1, 342, "N",
      [](Evaluator&, Arguments a) { return Operand(a[0].number / 180 * pi); }},
-    {"SIN", 1, 1, 15, "N", [](Evaluator&, Arguments a) { return Operand(std::sin(a[0].number)); }},
-    {"COS", 1, 1, 16, "N", [](Evaluator&, Arguments a) { return Operand(std::cos(a[0].number)); }},
+    {"SIN", 1, 1, 15, "N", [](Evaluator&, Arguments a) { return Operand(sine(a[0].number)); }},
+    {"COS", 1, 1, 16, "N", [](Evaluator&, Arguments a) { return Operand(cosine(a[0].number)); }},
     {"TAN", 1, 1, 17, "N", [](Evaluator&, Arguments a) { return Operand(std::tan(a[0].number)); }},
     {"ASIN", 1, 1, 98, "N",
      [](Evaluator&, Arguments a) { return Operand(std::asin(a[0].number)); }},

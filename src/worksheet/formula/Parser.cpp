@@ -411,6 +411,8 @@ class Parser {
   }
 
   Node afterPrefix(std::shared_ptr<const SheetPrefix> prefix, size_t start) {
+    // Book number 0 is the formula's own workbook.
+    if (prefix->book == "0" && prefix->first.empty()) prefix = nullptr;
     if (startsWithNoCase(text_.substr(pos_), "#REF!")) {
       pos_ += 5;
       return dead(std::move(prefix), start);

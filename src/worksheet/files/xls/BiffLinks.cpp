@@ -1,6 +1,7 @@
 #include "worksheet/files/xls/BiffLinks.h"
 
 #include <array>
+#include <cctype>
 
 #include "basic/Text.h"
 #include "worksheet/formula/Parser.h"
@@ -34,13 +35,26 @@ std::string decodedPath(std::string_view encoded) {
       path += '\\';
     } else if (c == '\4') {
       path += "..\\";
-    } else if (c >= '\5' && c <= '\10') {
+    } else if (c == '\5') {  // an address of the web, after its length
+      if (!encoded.empty()) encoded.remove_prefix(1);
+    } else if (c > '\5' && c <= '\10') {
       continue;  // start-up folders, whose place only the writing program knows
     } else {
       path += c;
     }
   }
   return path;
+}
+
+// Sheets of these files end at column IV, so that a name such as "PRA1" was no cell then. It is one
+// on wider sheets, where an underscore keeps it a name.
+bool looksLikeCell(std::string_view name) {
+  size_t letters = 0;
+  while (letters < name.size() && std::isalpha(static_cast<unsigned char>(name[letters])) != 0)
+    ++letters;
+  const std::string_view digits = name.substr(letters);
+  return letters >= 1 && letters <= 3 && !digits.empty() && digits.size() <= 7 &&
+         digits.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 std::string prefixFor(const std::string& book, const std::string& first, const std::string& last) {
@@ -174,6 +188,7 @@ void Links::addName(std::string_view data) {
     in.skip(4);
   }
   name.name = version >= 8 ? readUnicodeCharacters(in, length) : codePage.toUtf8(in.bytes(length));
+  if (looksLikeCell(name.name)) name.name.insert(0, 1, '_');
   name.hidden = (flags & 0x0001) != 0;
   name.macro = (flags & 0x000E) != 0;
   if ((flags & 0x0020) != 0 && name.name.size() == 1) {

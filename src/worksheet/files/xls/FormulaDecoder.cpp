@@ -267,11 +267,11 @@ class Decoder {
     return push(prefix + names[index - 1].name);
   }
 
-  bool pushName(const Book& book, size_t index) {
+  bool pushName(const Book& book, size_t index, const std::string& sheet = {}) {
     if (index == 0 || index > book.names.size()) return push("#NAME?");
     const std::string& text = book.names[index - 1];
     if (book.kind != Book::Kind::Other || book.name.empty()) return push(text);
-    return push(formula::prefixText({book.name, {}, {}}) + text);
+    return push(formula::prefixText({book.name, sheet, {}}) + text);
   }
 
   bool name() {
@@ -288,7 +288,13 @@ class Decoder {
       if (range >= links_.ranges.size()) return false;
       const size_t book = links_.ranges[range].book;
       if (book >= links_.books.size()) return false;
-      if (links_.books[book].kind != Book::Kind::Own) return pushName(links_.books[book], index);
+      if (links_.books[book].kind != Book::Kind::Own) {
+        const std::vector<std::string>& sheets = links_.books[book].sheets;
+        const int sheet = links_.ranges[range].first;
+        const bool known = sheet >= 0 && static_cast<size_t>(sheet) < sheets.size();
+        return pushName(links_.books[book], index,
+                        known ? sheets[static_cast<size_t>(sheet)] : std::string());
+      }
       // A name of a sheet shows which one; the workbook's own names need not.
       std::string prefix;
       const bool ofSheet =

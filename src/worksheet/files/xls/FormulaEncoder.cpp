@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <tuple>
 
 #include "basic/Text.h"
 #include "worksheet/files/xls/BiffFunctions.h"
@@ -275,8 +276,9 @@ class Encoder {
   bool reference(Reference reference, Class wanted) {
     int range = -1;
     if (reference.sheets) {
-      if (!reference.sheets->book.empty()) return false;
-      range = links_.range(reference.sheets->first, reference.sheets->last);
+      const formula::SheetPrefix& prefix = *reference.sheets;
+      range = prefix.book.empty() ? links_.range(prefix.first, prefix.last)
+                                  : links_.foreignRange(prefix.book, prefix.first, prefix.last);
       if (range < 0) return false;
     }
     const bool far = range >= 0;
@@ -309,11 +311,16 @@ class Encoder {
   bool name(const Node& node, Class wanted) {
     const auto& sheets = node.reference.sheets;
     if (!sheets) return nameToken(links_.name(node.text, sheet_), wanted);
-    if (!sheets->book.empty() || !sheets->last.empty()) return false;
-    const int range = links_.range(sheets->first, {});
-    if (range < 0) return false;
-    const int index = links_.nameOfSheet(node.text, links_.sheetNumber(sheets->first));
-    if (index == 0) return false;
+    if (!sheets->last.empty()) return false;
+    int range = -1;
+    int index = 0;
+    if (sheets->book.empty()) {
+      range = links_.range(sheets->first, {});
+      index = links_.nameOfSheet(node.text, links_.sheetNumber(sheets->first));
+    } else {
+      std::tie(range, index) = links_.foreignName(sheets->book, sheets->first, node.text);
+    }
+    if (range < 0 || index == 0) return false;
     token(0x19, wanted);
     u16(static_cast<unsigned>(range));
     u16(static_cast<unsigned>(index));

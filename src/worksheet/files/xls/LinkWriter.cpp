@@ -12,7 +12,57 @@ namespace {
 constexpr size_t maxNumbers = 1300;  // ranges that fit into one record
 constexpr size_t maxNameLength = 255;
 constexpr size_t maxNames = 32000;
-constexpr std::pair<int, int> addInMark{-2, -2};
+constexpr size_t maxForeign = 4000;       // sheets and names of one other workbook, and workbooks
+constexpr size_t maxForeignSheets = 100;  // their names stand in one record
+constexpr int noSheet = -2;
+constexpr int addInBook = 1, firstForeignBook = 2;
+
+// A path with the marks that files hold instead of volumes and folders.
+std::u16string encodedPath(const std::string& path) {
+  const std::u16string plain = toUtf16(path);
+  std::u16string out = u"\1";
+  if (path.find("://") != std::string::npos) {
+    out += u'\5';
+    out += static_cast<char16_t>(plain.size());
+    return out + plain;
+  }
+  size_t at = 0;
+  if (path.starts_with("\\\\")) {
+    out += u"\1@";
+    at = 2;
+  } else if (path.size() > 2 && path[1] == ':' && path[2] == '\\') {
+    out += u'\1';
+    out += plain[0];
+    at = 3;
+  }
+  for (; at < plain.size(); ++at) {
+    if (plain.compare(at, 3, u"..\\") == 0) {
+      out += u'\4';
+      at += 2;
+    } else {
+      out += plain[at] == u'\\' ? u'\3' : plain[at];
+    }
+  }
+  return out;
+}
+
+void writeLongText(RecordWriter& out, std::u16string_view text) {
+  out.u16(static_cast<unsigned>(text.size()));
+  writeUnicodeCharacters(out, text);
+}
+
+// A name without content: its value is where it comes from.
+void writeExternName(RecordWriter& out, const std::string& name, int sheet) {
+  const std::u16string text = toUtf16(name);
+  out.begin(idExternName);
+  out.u16(0);
+  out.u16(static_cast<unsigned>(sheet));
+  out.u16(0);
+  out.u8(static_cast<unsigned>(text.size()));
+  writeUnicodeCharacters(out, text);
+  out.u16(2);
+  out.raw(std::string_view("\x1C\x17", 2));
+}
 
 }  // namespace
 
@@ -55,12 +105,61 @@ int LinkWriter::range(std::string_view first, std::string_view last) {
   const int from = worksheet_.SheetNumber(first);
   const int to = last.empty() ? from : worksheet_.SheetNumber(last);
   if (from == 0 || to == 0) return -1;
-  const std::pair<int, int> sheets{from - 1, to - 1};
-  const auto known = rangeNumbers_.find(sheets);
+  return addRange({0, from - 1, to - 1});
+}
+
+int LinkWriter::addRange(const Range& range) {
+  const auto known = rangeNumbers_.find(range);
   if (known != rangeNumbers_.end()) return known->second;
   if (ranges_.size() >= maxNumbers) return -1;
-  ranges_.push_back(sheets);
-  return rangeNumbers_[sheets] = static_cast<int>(ranges_.size()) - 1;
+  ranges_.push_back(range);
+  return rangeNumbers_[range] = static_cast<int>(ranges_.size()) - 1;
+}
+
+// Where the other workbook stands in foreign_; -1 when there is no room.
+int LinkWriter::foreignBook(const std::string& path) {
+  for (size_t i = 0; i < foreign_.size(); ++i) {
+    if (equalsNoCase(foreign_[i].path, path)) return static_cast<int>(i);
+  }
+  if (foreign_.size() >= maxForeign || toUtf16(path).size() > maxNameLength - 4) return -1;
+  foreign_.push_back({path, {}, {}});
+  return static_cast<int>(foreign_.size()) - 1;
+}
+
+// The number, from 0, of another workbook's sheet; -1 when there is no room.
+int LinkWriter::foreignSheet(ForeignBook& book, const std::string& sheet) {
+  for (size_t i = 0; i < book.sheets.size(); ++i) {
+    if (equalsNoCase(book.sheets[i], sheet)) return static_cast<int>(i);
+  }
+  if (book.sheets.size() >= maxForeignSheets || toUtf16(sheet).size() > 31) return -1;
+  book.sheets.push_back(sheet);
+  return static_cast<int>(book.sheets.size()) - 1;
+}
+
+int LinkWriter::foreignRange(const std::string& path, const std::string& first,
+                             const std::string& last) {
+  const int index = foreignBook(path);
+  if (index < 0) return -1;
+  if (first.empty()) return addRange({firstForeignBook + index, noSheet, noSheet});
+  ForeignBook& book = foreign_[static_cast<size_t>(index)];
+  const int from = foreignSheet(book, first);
+  const int to = last.empty() ? from : foreignSheet(book, last);
+  return from < 0 || to < 0 ? -1 : addRange({firstForeignBook + index, from, to});
+}
+
+std::pair<int, int> LinkWriter::foreignName(const std::string& path, const std::string& sheet,
+                                            const std::string& name) {
+  const int range = foreignRange(path, sheet, {});
+  if (range < 0 || toUtf16(name).size() > maxNameLength) return {-1, 0};
+  const Range& place = ranges_[static_cast<size_t>(range)];
+  ForeignBook& book = foreign_[static_cast<size_t>(place.book - firstForeignBook)];
+  const std::pair<std::string, int> wanted{name, std::max(0, place.first + 1)};
+  auto hit = std::find(book.names.begin(), book.names.end(), wanted);
+  if (hit == book.names.end()) {
+    if (book.names.size() >= maxForeign) return {-1, 0};
+    hit = book.names.insert(book.names.end(), wanted);
+  }
+  return {range, static_cast<int>(hit - book.names.begin()) + 1};
 }
 
 int LinkWriter::nameOfSheet(std::string_view text, int sheet) const {
@@ -92,13 +191,10 @@ int LinkWriter::laterFunction(std::string_view function) {
 }
 
 std::pair<int, int> LinkWriter::addInFunction(std::string_view function) {
-  if (addInRange_ < 0) {
-    addInRange_ = static_cast<int>(ranges_.size());
-    ranges_.push_back(addInMark);
-  }
+  const int range = addRange({addInBook, noSheet, noSheet});
   auto hit = std::find(addIns_.begin(), addIns_.end(), function);
   if (hit == addIns_.end()) hit = addIns_.insert(addIns_.end(), std::string(function));
-  return {addInRange_, static_cast<int>(hit - addIns_.begin()) + 1};
+  return {range, static_cast<int>(hit - addIns_.begin()) + 1};
 }
 
 void LinkWriter::writeName(RecordWriter& out, const Name& name) const {
@@ -119,31 +215,34 @@ void LinkWriter::writeName(RecordWriter& out, const Name& name) const {
   out.raw(name.extra);
 }
 
+void LinkWriter::writeForeignBook(RecordWriter& out, const ForeignBook& book) {
+  out.begin(idSupBook);
+  out.u16(static_cast<unsigned>(book.sheets.size()));
+  writeLongText(out, encodedPath(book.path));
+  for (const std::string& sheet : book.sheets) writeLongText(out, toUtf16(sheet));
+  for (const auto& [name, sheet] : book.names) writeExternName(out, name, sheet);
+}
+
 void LinkWriter::write(RecordWriter& out) {
   out.begin(idSupBook);
   out.u16(static_cast<unsigned>(worksheet_.NumSheets()));
   out.u16(0x0401);
-  if (addInRange_ >= 0) {
+  // Without add-ins their book is left out, and the others move up.
+  const int shift = addIns_.empty() ? 1 : 0;
+  if (!addIns_.empty()) {
     out.begin(idSupBook);
     out.u16(1);
     out.u16(0x3A01);
-    for (const std::string& function : addIns_) {
-      out.begin(idExternName);
-      out.u16(0);
-      out.u32(0);
-      out.u8(static_cast<unsigned>(function.size()));
-      writeUnicodeCharacters(out, toUtf16(function));
-      // The value of a function that is not loaded.
-      out.u16(2);
-      out.raw(std::string_view("\x1C\x17", 2));
-    }
+    for (const std::string& function : addIns_) writeExternName(out, function, 0);
   }
+  for (const ForeignBook& book : foreign_) writeForeignBook(out, book);
   out.begin(idExternSheet);
   out.u16(static_cast<unsigned>(ranges_.size()));
-  for (const auto& [first, last] : ranges_) {
-    out.u16(std::pair(first, last) == addInMark ? 1 : 0);
-    out.u16(static_cast<unsigned>(first) & 0xFFFF);
-    out.u16(static_cast<unsigned>(last) & 0xFFFF);
+  for (const Range& range : ranges_) {
+    const int book = range.book >= firstForeignBook ? range.book - shift : range.book;
+    out.u16(static_cast<unsigned>(book));
+    out.u16(static_cast<unsigned>(range.first) & 0xFFFF);
+    out.u16(static_cast<unsigned>(range.last) & 0xFFFF);
   }
   for (const Name& name : names_) writeName(out, name);
 }

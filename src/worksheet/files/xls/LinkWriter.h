@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <map>
 #include <string>
 #include <string_view>
@@ -30,6 +31,14 @@ class LinkWriter {
   /// Range and number, from 1, of an add-in's function.
   std::pair<int, int> addInFunction(std::string_view function);
 
+  /// The number of a range of sheets of another workbook, under its path; -1 when there are too
+  /// many. Without a `first` the workbook as a whole.
+  int foreignRange(const std::string& path, const std::string& first, const std::string& last);
+  /// Range and number, from 1, of a name of another workbook, or of one of its sheets; a range of
+  /// -1 when there are too many.
+  std::pair<int, int> foreignName(const std::string& path, const std::string& sheet,
+                                  const std::string& name);
+
   /// The sheet of that name, from 1; 0 if there is none.
   int sheetNumber(std::string_view sheet) const { return worksheet_.SheetNumber(sheet); }
 
@@ -45,16 +54,35 @@ class LinkWriter {
     std::string code, extra;
   };
 
+  // Another workbook, with those of its sheets and names that formulas mention.
+  struct ForeignBook {
+    std::string path;
+    std::vector<std::string> sheets;
+    std::vector<std::pair<std::string, int>> names;  // and their sheet, from 1; 0 for the workbook
+  };
+
+  // Sheets from 0 of a book: 0 is the own one, 1 the add-ins', then come the others.
+  struct Range {
+    int book = 0;
+    int first = 0;
+    int last = 0;
+    auto operator<=>(const Range&) const = default;
+  };
+
   void writeName(RecordWriter& out, const Name& name) const;
+  static void writeForeignBook(RecordWriter& out, const ForeignBook& book);
   int addName(std::string_view text, bool function);
+  int addRange(const Range& range);
+  int foreignBook(const std::string& path);
+  int foreignSheet(ForeignBook& book, const std::string& sheet);
 
   const Worksheet& worksheet_;
   std::vector<Name> names_;
   std::map<std::pair<std::string, int>, int> nameNumbers_;  // upper case and sheet -> from 1
-  std::vector<std::pair<int, int>> ranges_;                 // of sheets, from 0; own workbook
-  std::map<std::pair<int, int>, int> rangeNumbers_;
+  std::vector<Range> ranges_;
+  std::map<Range, int> rangeNumbers_;
+  std::vector<ForeignBook> foreign_;
   std::vector<std::string> addIns_;
-  int addInRange_ = -1;
 };
 
 /// Writes the characters of a text with the flag byte for their width in front.

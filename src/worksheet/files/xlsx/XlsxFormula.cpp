@@ -33,11 +33,11 @@ bool isYounger(const std::string& name) {
 
 std::string xlsxFormula(std::string_view text) {
   std::string formula(text);
-  if (formula.find("_xl") == std::string::npos) return formula;
+  if (formula.find("_x") == std::string::npos) return formula;
   for (const char* prefix : {"_xlfn.", "_xlws.", "_xlpm.", "_xludf."}) {
     formula = replaceAll(formula, prefix, "");
   }
-  return formula;
+  return xlsxText(formula);
 }
 
 std::string xlsxFileFormula(std::string_view formula) {

@@ -121,7 +121,8 @@ bool looksLikeXlsx(const ZipArchive& archive) {
   if (extensionOf(main) == "bin") {
     throw FileError("binary workbooks (.xlsb) cannot be read; save it as .xlsx first");
   }
-  return archive.has("xl") && !main.empty();
+  const bool named = fileNameOf(main) == "workbook.xml" && archive.has(main);
+  return !main.empty() && (named || archive.has("xl"));
 }
 
 void readXlsx(const ZipArchive& archive, Worksheet& into) {
@@ -143,8 +144,11 @@ void readXlsx(const ZipArchive& archive, Worksheet& into) {
   int count = 0;
   for (const SheetEntry& entry : book.sheets) {
     const auto relation = relations.find(entry.relation);
-    if (relation == relations.end()) throw FileError("the sheet " + entry.name + " has no part");
-    const bool hasCells = relation->second.type == "worksheet";
+    // A module of macros may stand among the sheets without a part of its own.
+    if (relation == relations.end() && !entry.relation.empty()) {
+      throw FileError("the sheet " + entry.name + " has no part");
+    }
+    const bool hasCells = relation != relations.end() && relation->second.type == "worksheet";
     numbers.push_back(hasCells ? ++count : 0);
     if (!hasCells) continue;
     if (count > 1) into.InsertSheets(count, 1);

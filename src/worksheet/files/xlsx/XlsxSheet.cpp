@@ -110,9 +110,8 @@ class SheetHandler : public XmlHandler {
     if (value_.empty()) return {};
     ErrorCode code = ErrorCode::Value;
     if (type_ == "str") {
-      // Some writers give the truth values and errors of formulas as texts.
+      // Some writers give the errors of formulas as texts.
       if (errorFromText(value_, code)) return Value::error(code);
-      if (value_ == "TRUE" || value_ == "FALSE") return Value::boolean(value_ == "TRUE");
       return Value::text(xlsxText(value_));
     }
     if (type_ == "b") return Value::boolean(value_ == "1" || value_ == "true");
@@ -145,11 +144,7 @@ class SheetHandler : public XmlHandler {
     if (!inCell_) return;
     inCell_ = false;
     const std::string formula = hasFormula_ ? formulaText() : std::string();
-    ErrorCode error;
-    if (errorFromText(formula, error)) {
-      // How some writers store a plain error value.
-      cells_.set(row_, column_, Value::error(error));
-    } else if (formula.empty() && cells_.at(row_, column_).kind == ValueKind::Formula) {
+    if (formula.empty() && cells_.at(row_, column_).kind == ValueKind::Formula) {
       // A cell of an array formula's block, which the block's first cell has filled.
       book_.setCachedValue(sheet_, row_, column_, cachedValue());
     } else if (formula.empty()) {
