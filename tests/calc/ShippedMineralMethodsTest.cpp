@@ -169,7 +169,7 @@ TEST(MineralFormulaTest, ReproducesPublishedFormulae) {
         {"nMg", 1.920},
         {"nFe2", .075},
         {"nMn", .005}}},
-      // Rapp, formula calculations, Colgate University, course in mineralogy.
+      // April, formula calculations, Colgate University, course in mineralogy.
       {"olivine",
        "OLIVINE",
        Iron::AsAnalysed,
