@@ -36,6 +36,7 @@ struct LoadedSetUp {
   Worksheet F1OpenSave;
   Worksheet F1CalcOpt;
   ModalLists lists;
+  std::vector<std::string> remarks;
   std::vector<std::string> idleMinerals;
   int digits = 3;
 };
@@ -45,6 +46,7 @@ LoadedSetUp loadSetUp(const ModalOptions& options) {
   setUp.F1OpenSave.Read(options.setUp);
   ValmistaF1CalcOpt(setUp.F1OpenSave, setUp.F1CalcOpt);
   if (setUp.F1CalcOpt.LastRow() == 0) throw Error(options.setUp + " holds no rounds");
+  setUp.remarks = loadingRemarks(setUp.F1OpenSave, setUp.F1CalcOpt);
   collectMinerals(setUp.F1CalcOpt, setUp.lists);
   setUp.idleMinerals = mineralsInNoRound(setUp.F1OpenSave, setUp.lists);
   const auto stored = parseInteger(setUp.F1CalcOpt.TextRC(1, setup::Text));
@@ -212,6 +214,7 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   request.setUpName = stemOf(options.setUp);
 
   session.log.clear();
+  for (const std::string& remark : setUp.remarks) session.log.LisaaLog(remark);
   for (const std::string& label : setUp.idleMinerals) {
     session.log.LisaaLog("Mineral " + label + " is in no round");
   }

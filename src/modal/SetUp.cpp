@@ -64,6 +64,12 @@ void storeEquation(Worksheet& sheet, int row, const RoundEquation& equation) {
   }
 }
 
+// Whether the file image has a round in row `row` and the next one.
+bool isRoundAt(const Worksheet& F1OpenSave, int row) {
+  if (row + 2 > maxRows) return false;
+  return F1OpenSave.HasContent(row, 1) || F1OpenSave.HasContent(row + 1, 1);
+}
+
 // The numbers that the file image leaves to be read from the items themselves.
 void identifyMineral(Worksheet& sheet, int row, const std::string& identifier) {
   const auto pieces = split(identifier, "/");
@@ -75,6 +81,14 @@ void identifyMineral(Worksheet& sheet, int row, const std::string& identifier) {
   sheet.NumberRC(row, setup::Special, 0);
 }
 
+// The method of an item that a user typed without blanks: "BM" of "Cu (29)/BM".
+std::string behindBracket(std::string_view item) {
+  const size_t close = item.find(')');
+  if (close == std::string_view::npos) return "";
+  const std::string_view rest = trimBlanks(item.substr(close + 1));
+  return startsWith(rest, "/") ? std::string(trimBlanks(rest.substr(1))) : "";
+}
+
 void identifyEquation(Worksheet& sheet, int row, const std::string& item) {
   const auto pieces = split(item, " / ");
   const auto bracket = split(pieces[0], "(");
@@ -82,7 +96,8 @@ void identifyEquation(Worksheet& sheet, int row, const std::string& item) {
     const std::string inside = bracket[1].substr(0, bracket[1].find(')'));
     sheet.NumberRC(row, setup::ElementRow, numberOf(inside));
   }
-  if (pieces.size() > 1) sheet.TextRC(row, setup::Method, trimBlanksRight(pieces[1]));
+  const std::string method = pieces.size() > 1 ? pieces[1] : behindBracket(item);
+  if (!method.empty()) sheet.TextRC(row, setup::Method, trimBlanksRight(method));
   sheet.TextRC(row, setup::Equation, item);
 }
 
@@ -188,8 +203,7 @@ void ValmistaF1CalcOpt(const Worksheet& F1OpenSave, Worksheet& F1CalcOpt) {
   const int lastRow = F1OpenSave.LastRow();
   const int lastColumn = F1OpenSave.LastCol();
   int row = 0;
-  for (int r = 3; r + 2 <= maxRows && r <= lastRow; r += 3) {
-    if (!F1OpenSave.HasContent(r, 1) && !F1OpenSave.HasContent(r + 1, 1)) break;
+  for (int r = 3; r <= lastRow && isRoundAt(F1OpenSave, r); r += 3) {
     for (int c = 1; c <= lastColumn; ++c) {
       const std::string mineral = F1OpenSave.TextRC(r, c);
       const std::string equation = F1OpenSave.TextRC(r + 1, c);
@@ -218,8 +232,11 @@ void ValmistaF1OpenSave(const Worksheet& F1CalcOpt, const std::vector<std::strin
       image.TextRC(2, static_cast<int>(i) + 1, labels[i]);
     }
   }
-  for (const int round : roundNumbers(F1CalcOpt)) {
-    const RoundRows rows = findRound(F1CalcOpt, round);
+  // Reading ends at a round without content, so that numbers left out must not leave a gap.
+  int round = 0;
+  for (const int number : roundNumbers(F1CalcOpt)) {
+    ++round;
+    const RoundRows rows = findRound(F1CalcOpt, number);
     for (int k = 1; k <= rows.count; ++k) {
       const int row = rows.first + k - 1;
       image.TextRC(3 * round, k, F1CalcOpt.TextRC(row, setup::Mineral));
@@ -229,6 +246,23 @@ void ValmistaF1OpenSave(const Worksheet& F1CalcOpt, const std::vector<std::strin
     image.TextRC(3 * round + 2, 2, F1CalcOpt.TextRC(rows.first, setup::Text));
   }
   F1OpenSave = std::move(image);
+}
+
+std::vector<std::string> loadingRemarks(const Worksheet& F1OpenSave, const Worksheet& F1CalcOpt) {
+  std::vector<std::string> remarks;
+  int end = 3;
+  while (isRoundAt(F1OpenSave, end)) end += 3;
+  if (F1OpenSave.LastRow() >= end) {
+    remarks.push_back("Rows " + std::to_string(end) + " and on are not read: the round in rows " +
+                      std::to_string(end) + " and " + std::to_string(end + 1) + " is empty");
+  }
+  const std::string digits = F1CalcOpt.TextRC(1, setup::Text);
+  const EquationKind first = equationKind(F1CalcOpt.TextRC(1, setup::Equation));
+  const bool isXText = first == EquationKind::XFile || first == EquationKind::XCalculated;
+  if (!digits.empty() && !isXText && parseInteger(digits).value_or(-1) < 0) {
+    remarks.push_back("Decimals " + digits + " of the set-up are no such number and not taken");
+  }
+  return remarks;
 }
 
 void collectMinerals(const Worksheet& F1CalcOpt, ModalLists& lists) {

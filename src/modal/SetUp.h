@@ -91,8 +91,12 @@ std::optional<SetUpRound> readRound(const Worksheet& F1CalcOpt, int round);
 /// Builds F1CalcOpt from the file image.
 void ValmistaF1CalcOpt(const Worksheet& F1OpenSave, Worksheet& F1CalcOpt);
 
-/// Builds rows 3 and on of the file image from F1CalcOpt; rows 1 and 2, the sources and the
-/// minerals, stay, but an empty row 2 takes `labels`.
+/// What a user should know about a file image that was loaded: rows behind an empty round, which
+/// are not read, and decimals that are no number.
+std::vector<std::string> loadingRemarks(const Worksheet& F1OpenSave, const Worksheet& F1CalcOpt);
+
+/// Builds rows 3 and on of the file image from F1CalcOpt, the rounds numbered from 1 without gaps;
+/// rows 1 and 2, the sources and the minerals, stay, but an empty row 2 takes `labels`.
 void ValmistaF1OpenSave(const Worksheet& F1CalcOpt, const std::vector<std::string>& labels,
                         Worksheet& F1OpenSave);
 

@@ -57,6 +57,48 @@ TEST(SetUp, RowsBecomeTheFileAgain) {
   }
 }
 
+TEST(SetUp, ARoundLeftOutLeavesNoGapInTheFile) {
+  Worksheet opt;
+  storeRound(opt, 1, {{{"M/Py/150"}}, {{"S (16) / XRF", {}}}, 2}, "2");
+  storeRound(opt, 4, {{{"M/Qz/301"}}, {{"Si (14) / XRF", {}}}, 3}, "2");
+  Worksheet file, again;
+  ValmistaF1OpenSave(opt, {"M/Py/150", "M/Qz/301"}, file);
+  ValmistaF1CalcOpt(file, again);
+  EXPECT_EQ(roundNumbers(again), (std::vector<int>{1, 2}));
+  EXPECT_EQ(again.TextRC(2, setup::Mineral), "M/Qz/301");
+  EXPECT_EQ(again.TextRC(2, setup::Model), "3");
+  EXPECT_TRUE(loadingRemarks(file, again).empty());
+}
+
+TEST(SetUp, RemarksOnAFile) {
+  Worksheet file = twoRoundFile();
+  file.TextRC(5, 2, "abc");
+  file.TextRC(12, 1, "M/Py/150");
+  Worksheet opt;
+  ValmistaF1CalcOpt(file, opt);
+  EXPECT_EQ(roundCount(opt), 2);
+  EXPECT_EQ(
+      loadingRemarks(file, opt),
+      (std::vector<std::string>{"Rows 9 and on are not read: the round in rows 9 and 10 is empty",
+                                "Decimals abc of the set-up are no such number and not taken"}));
+  file.TextRC(4, 1, "X:abc");  // the text of a calculation stands in the same place
+  ValmistaF1CalcOpt(file, opt);
+  EXPECT_EQ(loadingRemarks(file, opt).size(), 1u);
+}
+
+TEST(SetUp, MethodsOfTypedItems) {
+  for (const auto& [item, method] : {std::pair{"Cu (29)/BM", "BM"},
+                                     {"Cu (29) /BM ", "BM"},
+                                     {"Cu (29)/ <<First>>", "<<First>>"},
+                                     {"Cu (29)", ""}}) {
+    Worksheet file = twoRoundFile(), opt;
+    file.TextRC(4, 1, item);
+    ValmistaF1CalcOpt(file, opt);
+    EXPECT_EQ(opt.TextRC(1, setup::Method), method) << item;
+    EXPECT_EQ(opt.NumberRC(1, setup::ElementRow), 29) << item;
+  }
+}
+
 TEST(SetUp, MineralInTwoRoundsStandsTwice) {
   Worksheet file = twoRoundFile();
   file.TextRC(6, 1, "M/Py/150");
