@@ -6,6 +6,7 @@
 #include "basic/Files.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
+#include "db/MapDatabase.h"
 #include "modal/AmountFormula.h"
 
 namespace lodex {
@@ -34,13 +35,14 @@ frmMinCalc::frmMinCalc(Session& session, taulukot& tables, ModalLists& lists, fr
   lstMinR.setToolTip("Check to use sample-specific compostion for mineral");
   chkAllTot.setToolTip("All methods are total assays");
   cmdOK.setEnabled(false);
-  Command2.onClick([this] { acceptMethod(); });
-  cmdOpenXFile.onClick([this] { openXFile(); });
-  cmdXOK.onClick([this] { acceptXLine(); });
-  cmdCalc.onClick([this] { calculate(); });
-  cmdRun.onClick([this] { RetAndCalc(modalMode::SolveAgain); });
-  cmdReset.onClick([this] { reset(); });
-  cmdReport.onClick([this] { report(); });
+  Command2.onClick([this] { guarded([this] { acceptMethod(); }); });
+  cmdOpenXFile.onClick([this] { guarded([this] { openXFile(); }); });
+  cmdXOK.onClick([this] { guarded([this] { acceptXLine(); }); });
+  cmdCalc.onClick([this] { guarded([this] { calculate(); }); });
+  cmdRun.onClick(
+      [this] { RetAndCalc(retrieveData ? modalMode::Retrieve : modalMode::SolveAgain); });
+  cmdReset.onClick([this] { guarded([this] { reset(); }); });
+  cmdReport.onClick([this] { guarded([this] { report(); }); });
   mnuRequery.onClick([this] {
     retrieveData = true;
     RetAndCalc(modalMode::Retrieve);
@@ -50,8 +52,18 @@ frmMinCalc::frmMinCalc(Session& session, taulukot& tables, ModalLists& lists, fr
     if (text && !text->empty()) addEquation("###" + *text);
   });
   IsTotMinus100.onClick([this] { addEquation("###100-TOT"); });
-  optX.onChange([this] { showXColumns(); });
+  optX.onChange([this] { guarded([this] { showXColumns(); }); });
   reset();
+}
+
+void frmMinCalc::guarded(const std::function<void()>& command) {
+  try {
+    command();
+  } catch (const Error& failure) {
+    session_.dialogs().messageBox(
+        "Error " + std::to_string(failure.number()) + " " + failure.what(), MessageButtons::Ok,
+        MessageIcon::Stop);
+  }
 }
 
 // --- Elements and methods
@@ -60,6 +72,15 @@ frmMinCalc::frmMinCalc(Session& session, taulukot& tables, ModalLists& lists, fr
 void frmMinCalc::Alusta() {
   retrieveData = true;
   colours_.assign(static_cast<size_t>(tables_.F1ELoc.LastRow()), elementWithoutData);
+  if (stored.database != nullptr) {
+    buildMethodMap(stored, tables_.F1ELoc, F1Ref, [this](const std::string& line) {
+      session_.log.LisaaLog(line, LogKind::Log);
+    });
+    for (int row = 1; row <= F1Ref.LastRow(); ++row) {
+      if (F1Ref.HasContent(row, 1)) colours_[static_cast<size_t>(row) - 1] = elementWithData;
+    }
+    return;
+  }
   if (source.sheet == nullptr) return;
   for (int column = 1; column <= source.sheet->LastCol(); ++column) {
     if (column == source.idColumn) continue;
@@ -82,6 +103,24 @@ void frmMinCalc::E(int elementRow) {
   }
   selectedElement_ = elementRow;
   lstMet.clear();
+  if (stored.database != nullptr) {
+    listFields(elementRow);
+  } else {
+    listMethods(elementRow);
+  }
+  if (lstMet.count() > 0) lstMet.setCurrent(0);
+}
+
+void frmMinCalc::listFields(int elementRow) {
+  const DatabaseMap& map = stored.database->map;
+  for (int column = 1; F1Ref.HasContent(elementRow, column); column += 2) {
+    const int table = static_cast<int>(F1Ref.NumberRC(elementRow, column));
+    const int field = static_cast<int>(F1Ref.NumberRC(elementRow, column + 1));
+    lstMet.add(map.table(table) + " | " + map.F1Key2.TextRC(table, field));
+  }
+}
+
+void frmMinCalc::listMethods(int elementRow) {
   for (int column = 1; column <= source.sheet->LastCol(); ++column) {
     if (column == source.idColumn) continue;
     const AssayColumn known = describeColumn(source, column, tables_.F1ELoc);
@@ -93,7 +132,6 @@ void frmMinCalc::E(int elementRow) {
       lstMet.add(firstMethod);
     }
   }
-  if (lstMet.count() > 0) lstMet.setCurrent(0);
 }
 
 void frmMinCalc::acceptMethod() {
@@ -186,7 +224,9 @@ void frmMinCalc::showXColumns() {
 void frmMinCalc::openXFile() {
   const auto files = session_.dialogs().openFiles({"", xFileFilter, "", "", false});
   if (files.empty()) return;
-  scratch.F1X.Read(files.front());
+  Worksheet read;  // a file that cannot be read leaves the panel as it was
+  read.Read(files.front());
+  scratch.F1X = std::move(read);
   newX_ = {0, files.front(), 0, 0, ""};
   for (int column = 1; column <= scratch.F1X.LastCol() && newX_.sampleColumn == 0; ++column) {
     if (scratch.F1X.TextRC(1, column) == "SampleNo") newX_.sampleColumn = column;
@@ -229,6 +269,9 @@ void frmMinCalc::acceptXLine() {
 
 void frmMinCalc::takeOpenSave() {
   ValmistaF1CalcOpt(F1OpenSave, F1CalcOpt);
+  for (const std::string& remark : loadingRemarks(F1OpenSave, F1CalcOpt)) {
+    session_.log.LisaaLog(remark);
+  }
   collectMinerals(F1CalcOpt, lists_);
   const std::vector<std::string> idle = mineralsInNoRound(F1OpenSave, lists_);
   if (F1CalcOpt.LastRow() == 0) {
@@ -262,7 +305,7 @@ void frmMinCalc::OpenFile(std::string_view name, bool silent, bool& ok) {
     if (!path.empty()) F1OpenSave.Read(path);
     takeOpenSave();
     if (!path.empty()) setUpName = nameOfSetUp(path);
-    ok = true;
+    ok = F1CalcOpt.LastRow() > 0;
   } catch (const Error&) {
     // A bad file leaves the form with what was read up to there; `ok` tells.
   }
@@ -295,6 +338,10 @@ bool frmMinCalc::RetAndCalc(int mode) {
   ModalRequest request;
   request.F1CalcOpt = &F1CalcOpt;
   request.assays = source;
+  if (stored.database != nullptr) {
+    request.stored = &stored;
+    request.F1Ref = &F1Ref;
+  }
   request.F1ELoc = &tables_.F1ELoc;
   request.minerals = &minerals_;
   request.allTotal = chkAllTot.checked();

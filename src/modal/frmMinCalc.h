@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "form/Form.h"
 #include "modal/RetAndCalc.h"
 #include "modal/SetUp.h"
+#include "modal/StoredAssays.h"
 #include "session/Session.h"
 
 namespace lodex {
@@ -57,6 +59,9 @@ class frmMinCalc : public Form {
 
   /// Where the assays come from. The caller keeps the worksheet alive; a change needs `Alusta`.
   AssaySheet source;
+  /// The other source: a sample database, in place of the sheet while it names one.
+  StoredSource stored;
+  Worksheet F1Ref;  // its method map: see buildMethodMap
   /// True while the data must be read before the next calculation.
   bool retrieveData = true;
   std::string setUpName;
@@ -80,8 +85,9 @@ class frmMinCalc : public Form {
   void HaeKierros();
   /// Stores the round and goes `step` rounds on; never below round 1.
   void UpDown1(int step);
-  /// Loads a set-up file, asking for one when the name is empty and `silent` is not set. A file
-  /// that cannot be read gives `ok` false and leaves the form with what was read up to there.
+  /// Loads a set-up file, asking for one when the name is empty and `silent` is not set; an empty
+  /// name with `silent` takes what stands in F1OpenSave. `ok` tells whether that gave rounds. A
+  /// file that cannot be read leaves the form with what was read up to there.
   void OpenFile(std::string_view name, bool silent, bool& ok);
   /// Makes the form show the set-up in F1OpenSave.
   void takeOpenSave();
@@ -92,6 +98,10 @@ class frmMinCalc : public Form {
   bool RetAndCalc(int mode);
 
  private:
+  /// Tells the user of an error instead of letting it out of a button.
+  void guarded(const std::function<void()>& command);
+  void listFields(int elementRow);
+  void listMethods(int elementRow);
   void acceptMethod();
   void addEquation(std::string_view item, const XLine& x = {});
   void openXFile();

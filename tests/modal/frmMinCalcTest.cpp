@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "basic/Error.h"
 #include "basic/Files.h"
 #include "modal/MineralDatabase.h"
 
@@ -145,6 +146,39 @@ TEST(frmMinCalc, XLines) {
   EXPECT_EQ(opt.NumberRC(2, setup::XKind), 1);
 }
 
+TEST(frmMinCalc, AnXFileThatCannotBeReadIsTold) {
+  const std::string file = testing::TempDir() + "/modal_kept.txt";
+  writeFileWhole(file, "SampleNo\tMag\nA\t3\n");
+  const std::string damaged = testing::TempDir() + "/modal_damaged.xlsx";
+  writeFileWhole(damaged, "PK\x03\x04 no archive");
+  Bench b;
+  b.dialogs.expectOpen({file});
+  b.form.cmdOpenXFile.click();
+  b.dialogs.expectOpen({damaged});
+  std::string text;
+  try {
+    Worksheet().Read(damaged);
+  } catch (const Error& failure) {
+    text = failure.what();
+  }
+  ASSERT_NE(text, "");
+  b.dialogs.expectMessage("Error 0 " + text);
+  EXPECT_NO_THROW(b.form.cmdOpenXFile.click());
+  EXPECT_EQ(b.form.scratch.F1X.TextRC(2, 2), "3");
+  EXPECT_TRUE(b.dialogs.allAsked());
+}
+
+TEST(frmMinCalc, OnlyAFileWithRoundsIsWellOpened) {
+  const std::string empty = testing::TempDir() + "/modal_empty.mmq";
+  writeFileWhole(empty, "1\tassays\nM/Ccp/170\n");
+  Bench b;
+  bool ok = true;
+  b.form.OpenFile("", true, ok);
+  EXPECT_FALSE(ok);
+  b.form.OpenFile(empty, true, ok);
+  EXPECT_FALSE(ok);
+}
+
 TEST(frmMinCalc, OpensCalculatesAndReports) {
   const std::string file = testing::TempDir() + "/Ores.v2.mmq";
   writeFileWhole(file,
@@ -180,6 +214,10 @@ TEST(frmMinCalc, OpensCalculatesAndReports) {
   b.result.F1Ini.NumberRC(1, 2, 3.4626);  // typed over by the user
   b.form.cmdRun.click();
   EXPECT_EQ(b.result.F1MC.TextRC(1, 2), "10.00");
+
+  b.form.OpenFile(file, true, ok);  // other minerals may stand in it: everything is read anew
+  b.form.cmdRun.click();
+  EXPECT_EQ(b.result.F1Ini.NumberRC(1, 2), 1.7313);
 
   const std::string report = setUpReport(b.form.F1CalcOpt, "Total number of rounds = 2");
   b.dialogs.expectMessage(report + "\r\n\r\nDo you want to copy this to clipboard?", Answer::Yes);
