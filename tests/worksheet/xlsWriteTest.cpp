@@ -54,6 +54,7 @@ TEST(XlsWriter, BringsFormulasBackAsTheyWere) {
       {"SUM('C:\\data\\[Other 2.xls]Tab:Zab'!$A$1:B2)+EDATE(1,2)", nullptr},
       {"'\\\\server\\share\\[a.xls]T t'!A1+'..\\[b.xls]T'!A1", nullptr},
       {"'http://example.org/[c.xls]T'!A1", nullptr},
+      {"'[MTX\3DATA]'!topic.a+FIXED(1.5)", nullptr},
       {"[Other.xls]!Rate*[Other.xls]Tab!Rate", nullptr},
       {"SUM(1,2,3,4,5,6,7,8,9,0,1,2,3,4,5,6,7,8,9,0,1,2,3,4,5,6,7,8,9,0,1)", ""},
       {"ROUND(1)", ""},

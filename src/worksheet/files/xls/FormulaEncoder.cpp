@@ -369,7 +369,9 @@ class Encoder {
     if (count > maxArguments) return false;
     const Function* known = functionByName(node.text);
     if (known == nullptr) return userFunction(node, wanted);
-    if (count > known->maxArguments || count < known->minArguments) return false;
+    // FIXED needs two arguments in the oldest files only.
+    const size_t least = known->name == "FIXED" ? 1 : known->minArguments;
+    if (count > known->maxArguments || count < least) return false;
     for (size_t i = 0; i < count; ++i) {
       if (!encode(node.children[i], argumentClass(known->argumentClass(i), wanted))) return false;
     }

@@ -20,6 +20,8 @@ constexpr int addInBook = 1, firstForeignBook = 2;
 // A path with the marks that files hold instead of volumes and folders.
 std::u16string encodedPath(const std::string& path) {
   const std::u16string plain = toUtf16(path);
+  // A server and its topic, which are no path.
+  if (plain.find(u'\3') != std::u16string::npos) return plain;
   std::u16string out = u"\1";
   if (path.find("://") != std::string::npos) {
     out += u'\5';
