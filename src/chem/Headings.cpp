@@ -78,6 +78,14 @@ void SplitHeading(std::string_view heading, std::string& element, std::string& m
   method = known ? methodOf(body.substr(end)) : trimmed(body.substr(end));
 }
 
+std::string_view withoutTotal(std::string_view text) {
+  constexpr std::string_view total = "TOT";
+  if (text.size() > total.size() && equalsNoCase(text.substr(text.size() - total.size()), total)) {
+    text.remove_suffix(total.size());
+  }
+  return trimBlanks(text);
+}
+
 void HeadingFactor(std::string_view heading, bool& isOxide, double& unitFactor) {
   std::string symbol(heading);
   isOxide = heading.find('O', 1) != std::string_view::npos && ElementNumberStrict(symbol) > 0;

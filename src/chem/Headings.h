@@ -12,6 +12,9 @@ namespace lodex {
 void SplitHeading(std::string_view heading, std::string& element, std::string& method,
                   std::string& unit, bool strict);
 
+/// The text of an ELEMENT cell without "TOT" at its end, in any case, and without blanks around it.
+std::string_view withoutTotal(std::string_view text);
+
 /// For a heading of a method workbook: whether it names an oxide, and the factor from its unit to
 /// per cent (1, 10000 for ppm and g/t, 10000000 for ppb, 0 for no unit).
 void HeadingFactor(std::string_view heading, bool& isOxide, double& unitFactor);

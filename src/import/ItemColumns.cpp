@@ -2,17 +2,13 @@
 
 #include <algorithm>
 
-#include "basic/Text.h"
 #include "chem/Elements.h"
+#include "chem/Headings.h"
 
 namespace lodex {
 
 int elementOfCell(std::string_view text, const CompoundConverter& converter) {
-  constexpr std::string_view total = "TOT";
-  if (text.size() > total.size() && equalsNoCase(text.substr(text.size() - total.size()), total)) {
-    text.remove_suffix(total.size());
-  }
-  text = trimBlanks(text);
+  text = withoutTotal(text);
   if (text.empty() || !converter.IsCompound(text)) return 0;
   std::string symbol(text);
   return ElementNumber(symbol);

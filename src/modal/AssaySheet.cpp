@@ -6,6 +6,7 @@
 #include "basic/Error.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
+#include "chem/Headings.h"
 #include "chem/ReferenceTables.h"
 #include "modal/frmResult.h"
 
@@ -56,26 +57,77 @@ std::string assayHeading(const AssayColumn& column, const Worksheet& F1ELoc) {
   return column.heading + " as " + F1ELoc.TextRC(column.elementRow, eloc::MineralField);
 }
 
-// Copies one column; returns how many cells hold text that is no number.
-int copyColumn(const AssaySheet& source, int column, double factor, const std::vector<int>& rows,
-               Worksheet& target, int targetColumn) {
+// What a column's cells were.
+struct CopiedCells {
+  int numbers = 0;
+  int negative = 0;
   int texts = 0;
+  std::string withComma;  // the first text that would be a number with a decimal point
+};
+
+std::string withPoint(std::string_view text) {
+  return replaceAll(trimBlanks(text), ",", ".");
+}
+
+CopiedCells copyColumn(const AssaySheet& source, int column, double factor,
+                       const std::vector<int>& rows, Worksheet& target, int targetColumn) {
+  CopiedCells copied;
+  const auto put = [&](int row, double number) {
+    target.cellsForReader(1).setNumber(row, targetColumn, number * factor);
+    ++copied.numbers;
+    if (number < 0) ++copied.negative;
+  };
   const CellStore& cells = source.sheet->cells(source.sheet->Sheet());
-  CellStore& out = target.cellsForReader(1);
   for (size_t i = 0; i < rows.size(); ++i) {
     const Cell& cell = cells.at(rows[i], column);
     const int row = static_cast<int>(i) + 1;
     if (cell.kind == ValueKind::Number) {
-      out.setNumber(row, targetColumn, cell.number * factor);
+      put(row, cell.number);
       continue;
     }
     const Value value = CellStore::valueOf(cell);
     if (value.isEmpty() || (value.isText() && trimBlanks(value.textView()).empty())) continue;
-    const bool numeric = isNumeric(value);
-    if (!numeric) ++texts;
-    out.setNumber(row, targetColumn, numeric ? value.asNumber() * factor : 0);
+    if (isNumeric(value)) {
+      put(row, value.asNumber());
+      continue;
+    }
+    target.cellsForReader(1).setNumber(row, targetColumn, 0);
+    ++copied.texts;
+    if (copied.withComma.empty() && value.isText() && isNumericText(withPoint(value.textView()))) {
+      copied.withComma = trimBlanks(value.textView());
+    }
   }
-  return texts;
+  return copied;
+}
+
+void reportCells(const CopiedCells& copied, const std::string& name,
+                 const std::function<void(const std::string&)>& log) {
+  if (copied.texts > 0) {
+    std::string line = "Text counts as 0 in " + std::to_string(copied.texts) + " cells of " + name;
+    if (!copied.withComma.empty()) {
+      line += ": write " + withPoint(copied.withComma) + ", not " + copied.withComma;
+    }
+    log(line);
+  }
+  if (copied.negative > 0) {
+    log(std::to_string(copied.negative) + " negative values in " + name);
+  }
+}
+
+// Fills in row and factor of an element or oxide; false when the table has no such name.
+bool findElement(const std::string& name, const Worksheet& F1ELoc, AssayColumn& found) {
+  static constexpr int names[] = {eloc::Element, eloc::Oxide, eloc::Oxide2};
+  static constexpr int factors[] = {eloc::MulitEl, eloc::MultiOx, eloc::MultiOx2};
+  for (int row = 1; row <= F1ELoc.LastRow(); ++row) {
+    for (int k = 0; k < 3; ++k) {
+      if (F1ELoc.TextRC(row, names[k]) != name) continue;
+      found.elementRow = row;
+      found.factor = F1ELoc.NumberRC(row, factors[k]);
+      if (found.factor == 0) found.factor = 1;
+      return true;
+    }
+  }
+  return false;
 }
 
 int methodNumber(std::vector<std::string>& methods, const std::string& method) {
@@ -106,24 +158,17 @@ AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet
   if (found.heading.empty()) found.heading = element;
   if (element.empty()) return found;
 
-  static constexpr int names[] = {eloc::Element, eloc::Oxide, eloc::Oxide2};
-  static constexpr int factors[] = {eloc::MulitEl, eloc::MultiOx, eloc::MultiOx2};
-  for (int row = 1; row <= F1ELoc.LastRow() && found.elementRow == 0; ++row) {
-    for (int k = 0; k < 3; ++k) {
-      if (F1ELoc.TextRC(row, names[k]) != element) continue;
-      found.elementRow = row;
-      found.factor = F1ELoc.NumberRC(row, factors[k]);
-      if (found.factor == 0) found.factor = 1;
-      break;
-    }
+  if (!findElement(element, F1ELoc, found)) {
+    findElement(std::string(withoutTotal(element)), F1ELoc, found);
   }
   if (equalsNoCase(found.unit, "ppm")) found.factor /= 10000;
   if (equalsNoCase(found.unit, "ppb")) found.factor /= 10000000;
   return found;
 }
 
-void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalLists& lists,
-                    frmResult& result, const std::function<void(const std::string&)>& log) {
+std::vector<int> retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc,
+                                ModalLists& lists, frmResult& result,
+                                const std::function<void(const std::string&)>& log) {
   requireStructure(source);
   std::vector<int> known;
   std::vector<AssayColumn> columns;
@@ -141,6 +186,7 @@ void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalList
 
   const std::vector<int> rows = sampleRows(source, known);
   lists.SampleIDs.clear();
+  lists.SampleIDsAreNumbers = false;
   for (size_t i = 0; i < rows.size(); ++i) {
     const std::string id = source.sheet->TextRC(rows[i], source.idColumn);
     if (id.empty()) log("ID empty on row " + std::to_string(rows[i]));
@@ -150,6 +196,7 @@ void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalList
   result.F1Ini.ColText(1, "SampleNo");
 
   std::vector<std::string> methods;
+  std::vector<int> onlyText;
   for (size_t k = 0; k < known.size(); ++k) {
     const AssayColumn& column = columns[k];
     const int target = static_cast<int>(k) + 2;
@@ -166,14 +213,15 @@ void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalList
         !equalsNoCase(column.unit, "ppb")) {
       log("Unit " + column.unit + " of " + name + " is not known: its values are taken as %");
     }
-    const int texts = copyColumn(source, known[k], column.factor, rows, result.F1Ini, target);
-    if (texts > 0) {
-      log("Text counts as 0 in " + std::to_string(texts) + " cells of " + name);
-    }
+    const CopiedCells copied =
+        copyColumn(source, known[k], column.factor, rows, result.F1Ini, target);
+    reportCells(copied, name, log);
+    if (copied.numbers == 0 && copied.texts > 0) onlyText.push_back(target);
   }
   for (size_t k = 0; k < methods.size(); ++k) {
     result.F1Kirja.ColText(static_cast<int>(k) + 1, methods[k]);
   }
+  return onlyText;
 }
 
 }  // namespace lodex

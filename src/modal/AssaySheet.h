@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "modal/MineralData.h"
 #include "worksheet/Worksheet.h"
@@ -40,9 +41,11 @@ AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet
 
 /// Fills F1Ini, F1Kirja and SampleIDs from a data sheet. An empty cell stays empty, text that is no
 /// number counts as 0. `log` is told of everything that a user could miss: unknown columns and
-/// units, text among numbers, rows without sample identifier. Throws Error when the sheet has no
+/// units, text among numbers, negative values, rows without sample identifier. Returns the columns
+/// of F1Ini that hold nothing but such text. Throws Error when the sheet has no
 /// ELEMENT row, no identifier column or no column that the element table knows.
-void retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc, ModalLists& lists,
-                    frmResult& result, const std::function<void(const std::string&)>& log);
+std::vector<int> retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc,
+                                ModalLists& lists, frmResult& result,
+                                const std::function<void(const std::string&)>& log);
 
 }  // namespace lodex

@@ -26,9 +26,10 @@ struct Sheet {
 
 struct Retrieved : ModalFixture {
   explicit Retrieved(Sheet& sheet) {
-    retrieveAssays(sheet.source(), F1ELoc, lists, result,
-                   [this](const std::string& line) { log += line + "\n"; });
+    onlyText = retrieveAssays(sheet.source(), F1ELoc, lists, result,
+                              [this](const std::string& line) { log += line + "\n"; });
   }
+  std::vector<int> onlyText;
   std::string log;
 };
 
@@ -41,7 +42,7 @@ TEST(AssaySheet, FactorsByNameAndUnit) {
       {"Cu", "%", 2, 2},         {"CuO", "%", 10, 7.989},  {"Fe2O3", "%", 10, 8.998},
       {"Si", "%", 10, 21.393},   {"Cu", "ppm", 5000, 0.5}, {"Au", "PPB", 1e7, 1},
       {"Ni", "%", 3, 3},  // a factor of 0 is none
-      {" Cu ", "Ppm", 10000, 1},
+      {" Cu ", "Ppm", 10000, 1}, {"CuTOT", "%", 2, 2},     {"Fe2O3 tot", "%", 10, 8.998},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.element) + " " + row.unit);
@@ -83,6 +84,20 @@ TEST(AssaySheet, CellsThatAreNoNumbers) {
   EXPECT_EQ(r.result.F1Ini.TextRC(2, 2), "");
   EXPECT_EQ(r.result.F1Ini.TextRC(3, 2), "2");
   EXPECT_EQ(r.log, "ID empty on row 7\nText counts as 0 in 1 cells of column 3 (Cu)\n");
+}
+
+TEST(AssaySheet, CommasAndNegativeValuesAreTold) {
+  Sheet s;
+  s.column({"Sample", "Sample", "", "", "S1", "S2", "S3"});
+  s.column({"Cu", "Cu", "", "%", "n.a.", " 48,125", "1,5"});
+  s.column({"S", "S", "", "%", "-1", "-0.5", "<1"});
+  s.column({"Si", "Si", "", "%", "", "", ""});
+  Retrieved r(s);
+  EXPECT_EQ(r.log,
+            "Text counts as 0 in 3 cells of column 3 (Cu): write 48.125, not 48,125\n"
+            "Text counts as 0 in 1 cells of column 4 (S)\n"
+            "2 negative values in column 4 (S)\n");
+  EXPECT_EQ(r.onlyText, std::vector<int>{2});
 }
 
 TEST(AssaySheet, NumbersInCellsOfTextCount) {
