@@ -34,6 +34,84 @@ std::vector<std::string> splitQuoted(std::string_view line, char separator) {
   return fields;
 }
 
+bool startsCharacter(char c) {
+  return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+}
+
+struct Extent {
+  size_t first, end;  // character positions from 0, end exclusive
+};
+
+// The stretches of character positions at which at least one line has no blank.
+std::vector<Extent> filledStretches(const std::vector<std::string_view>& lines) {
+  std::vector<bool> filled;
+  for (const std::string_view line : lines) {
+    size_t next = 0;
+    for (const char c : line) {
+      if (!startsCharacter(c)) continue;
+      if (next >= filled.size()) filled.resize(next + 1);
+      if (c != ' ') filled[next] = true;
+      ++next;
+    }
+  }
+  std::vector<Extent> stretches;
+  for (size_t i = 0; i < filled.size(); ++i) {
+    if (!filled[i]) continue;
+    if (stretches.empty() || stretches.back().end != i) stretches.push_back({i, i});
+    stretches.back().end = i + 1;
+  }
+  return stretches;
+}
+
+std::vector<Extent> headingExtents(std::string_view heading, std::string_view separator) {
+  std::vector<Extent> extents;
+  size_t position = 0;
+  size_t blanks = separator.size();
+  for (const char c : heading) {
+    if (!startsCharacter(c)) continue;
+    if (c != ' ') {
+      if (extents.empty() || blanks >= separator.size()) extents.push_back({position, position});
+      extents.back().end = position + 1;
+    }
+    blanks = c == ' ' ? blanks + 1 : 0;
+    ++position;
+  }
+  return extents;
+}
+
+// Character positions where the columns of aligned lines start, one for each heading; none when
+// the stretches do not belong to one heading each.
+std::vector<size_t> alignedStarts(const std::vector<std::string_view>& lines,
+                                  std::string_view separator) {
+  if (lines.empty()) return {};
+  const std::vector<Extent> headings = headingExtents(lines.front(), separator);
+  std::vector<size_t> starts;
+  size_t heading = 0;
+  for (const Extent& stretch : filledStretches(lines)) {
+    while (heading < headings.size() && headings[heading].end <= stretch.first) ++heading;
+    if (heading == headings.size() || headings[heading].first >= stretch.end) return {};
+    if (heading + 1 < headings.size() && headings[heading + 1].first < stretch.end) return {};
+    // Several stretches under one heading are words of that column.
+    if (starts.size() == heading) starts.push_back(stretch.first);
+  }
+  return starts;
+}
+
+std::vector<std::string> cutAt(std::string_view line, const std::vector<size_t>& starts) {
+  std::vector<std::string> fields(starts.size());
+  size_t field = 0;
+  size_t position = 0;
+  for (const char c : line) {
+    if (startsCharacter(c)) {
+      while (field + 1 < starts.size() && position >= starts[field + 1]) ++field;
+      ++position;
+    }
+    fields[field] += c;
+  }
+  for (std::string& text : fields) text = std::string(trimBlanks(text));
+  return fields;
+}
+
 // How many of the lines share the most frequent number of fields above one.
 size_t evenLines(const std::vector<std::string_view>& lines, const TextSplit& split) {
   std::map<size_t, size_t> linesByCount;
@@ -84,12 +162,44 @@ void forEachField(std::string_view text, const TextSplit& split,
     splitCells(text, split.separator[0], field);
     return;
   }
+  const std::vector<std::string_view> lines = textLines(text);
+  std::vector<size_t> starts;
+  if (split.collapseRuns) starts = alignedStarts(lines, split.separator);
   int row = 0;
-  for (const std::string_view line : textLines(text)) {
+  for (const std::string_view line : lines) {
     ++row;
     int column = 0;
-    for (const std::string& piece : splitLine(line, split)) field(row, ++column, piece);
+    const auto fields = starts.size() > 1 ? cutAt(line, starts) : splitLine(line, split);
+    for (const std::string& piece : fields) field(row, ++column, piece);
   }
+}
+
+std::vector<std::string> unevenLineNotes(std::string_view text, const TextSplit& split) {
+  constexpr int mostNotes = 5;
+  std::vector<std::string> notes;
+  int first = 0, uneven = 0, row = 0, fields = 0;
+  bool blank = true;
+  const auto endLine = [&] {
+    if (row == 1) first = fields;
+    if (row <= 1 || fields == first || blank || ++uneven > mostNotes) return;
+    notes.push_back("-Line " + std::to_string(row) + " has " + std::to_string(fields) +
+                    " fields, the first line " + std::to_string(first));
+  };
+  forEachField(text, split, [&](int r, int column, std::string_view content) {
+    if (r != row) {
+      endLine();
+      row = r;
+      blank = true;
+    }
+    fields = column;
+    if (!content.empty()) blank = false;
+  });
+  endLine();
+  if (uneven > mostNotes) {
+    notes.push_back("-" + std::to_string(uneven - mostNotes) +
+                    " more lines have another number of fields than the first line");
+  }
+  return notes;
 }
 
 std::string windowNameOf(std::string_view path) {

@@ -32,9 +32,15 @@ TextSplit proposedSplit(const std::vector<std::string_view>& lines);
 std::vector<std::string> splitLine(std::string_view line, const TextSplit& split);
 
 /// Calls field(row, column, text) for every field of a text, row by row, counted from 1. The text
-/// of a field lives only during the call.
+/// of a field lives only during the call. Columns aligned with blanks are cut where all lines have
+/// a blank, so that a missing value leaves its cell empty, if that gives one column a heading;
+/// otherwise each line is cut by itself.
 void forEachField(std::string_view text, const TextSplit& split,
                   const std::function<void(int row, int column, std::string_view text)>& field);
+
+/// What to tell of lines that have another number of fields than the first: the first few, then
+/// how many more. Empty lines do not count.
+std::vector<std::string> unevenLineNotes(std::string_view text, const TextSplit& split);
 
 /// The name of the window for a file: without its folder and without anything from its first "."
 /// on. A name that would be empty stays whole.

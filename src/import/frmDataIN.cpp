@@ -5,6 +5,7 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "basic/Text.h"
 #include "import/frmSplitDialog.h"
 #include "worksheet/files/TextReader.h"
 
@@ -62,7 +63,11 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
     if (!unread.empty() && (bytes.empty() || !looksLikeText(bytes))) NotReadable = unread;
     readAsText = kind == "ASCII" || !separator.empty() || !unread.empty() ||
                  needsTextReader(decodeText(bytes));
-    if (readAsText) readText(bytes, separator);
+    if (readAsText) {
+      readText(bytes, separator);
+    } else {
+      logUnevenLines(decodeText(bytes), {"\t", false, true});
+    }
   }
   if (!readAsText) AD.Size(0, 0);
   if (!unread.empty()) {
@@ -90,11 +95,17 @@ void frmDataIN::readText(std::string_view bytes, std::string_view separator) {
   const TextSplit split = askedSplit(text, separator);
   TextSeparator = split.separator;
   fillFrom(text, split);
+  logUnevenLines(text, split);
   if (AD.RowCount() > gridRows) {
     session().log.LisaaLog("-The grid shows " + std::to_string(gridRows) + " of " +
                            std::to_string(AD.RowCount()) + " rows of the file; " +
                            std::to_string(AD.RowCount() - gridRows) + " stay outside of it");
   }
+}
+
+void frmDataIN::logUnevenLines(std::string_view text, const TextSplit& split) {
+  const std::vector<std::string> notes = unevenLineNotes(text, split);
+  if (!notes.empty()) session().log.LisaaLog(join(notes, "\r\n"));
 }
 
 void frmDataIN::fillFrom(std::string_view text, const TextSplit& split) {

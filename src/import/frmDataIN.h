@@ -46,6 +46,7 @@ class frmDataIN : public DataSheetForm {
 
  private:
   TextSplit askedSplit(std::string_view text, std::string_view separator);
+  void logUnevenLines(std::string_view text, const TextSplit& split);
   void fillFrom(std::string_view text, const TextSplit& split);
 };
 

@@ -80,6 +80,44 @@ TEST(ForEachField, KeepsQuotedLineEndsAndEmptyLines) {
   EXPECT_THAT(seen, ElementsAre("1/1=a", "1/2= ", "2/1=", "3/1=d"));
 }
 
+TEST(ForEachField, KeepsThePlaceOfMissingValuesInAlignedText) {
+  struct Case {
+    const char* name;
+    std::string text;
+    std::string separator;
+    std::vector<std::string> secondLine;
+  };
+  const Case cases[] = {
+      {"missing in the middle",
+       "No    Cu    Ni\nA-1         7\nA-2   5     8\n",
+       "  ",
+       {"A-1", "", "7"}},
+      {"missing at the end", "No Cu Ni\nA   5\nB   6  8\n", " ", {"A", "5", ""}},
+      {"letters of two bytes",
+       "N\xC3\xA4yte  Cu  Ni\nO\xC3\xA4         7\n",
+       "  ",
+       {"O\xC3\xA4", "", "7"}},
+      {"words under one heading", "Sample   Cu %\nA 1      5\n", "  ", {"A 1", "5"}},
+      {"not aligned: by runs", "No  Cu  Ni\nA-100000  5  7\n", "  ", {"A-100000", "5", "7"}},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> second;
+    forEachField(c.text, {c.separator, true, false}, [&](int row, int, std::string_view text) {
+      if (row == 2) second.emplace_back(text);
+    });
+    EXPECT_EQ(second, c.secondLine) << c.name;
+  }
+}
+
+TEST(UnevenLines, AreToldForTheFirstFew) {
+  const TextSplit comma{",", false, true};
+  EXPECT_THAT(unevenLineNotes("a,b\n1,2\n\n3\n", comma),
+              ElementsAre("-Line 4 has 1 fields, the first line 2"));
+  const auto many = unevenLineNotes("a,b\n1\n1\n1\n1\n1\n1\n1\n", comma);
+  ASSERT_EQ(many.size(), 6U);
+  EXPECT_EQ(many[5], "-2 more lines have another number of fields than the first line");
+}
+
 TEST(WindowName, IsTheFileNameUpToItsFirstDot) {
   EXPECT_EQ(windowNameOf("/data/hole 17.2024.xls"), "hole 17");
   EXPECT_EQ(windowNameOf("C:\\data\\näyte.txt"), "näyte");
