@@ -65,6 +65,7 @@ class Driver {
   bool aborted();
   void retrieveChemistry();
   void retrieveDissolution();
+  void requireNumbers();
   void solveBatch();
   void solvePerSample();
   void compileExpressions();
@@ -91,6 +92,7 @@ class Driver {
   LinearModels models_;
   std::vector<double> a_, b_, x_;
   std::map<const PlannedEquation*, std::unique_ptr<CalculatedLine>> calculated_;
+  std::vector<int> onlyText_;          // columns of F1Ini read just now that hold only text
   std::vector<std::string> messages_;  // per sample, from the solver
   std::vector<bool> ownComposition_;   // per mineral: F1Min was overwritten for the sample at hand
   Shown shown_;
@@ -112,8 +114,8 @@ void Driver::retrieve() {
   clearSheet(result_.F1Min);
   clearSheet(result_.F1Kirja);
   clearSheet(result_.F1MinMax);
-  retrieveAssays(request_.assays, F1ELoc_, lists_, result_,
-                 [this](const std::string& text) { log(text); });
+  const auto tell = [this](const std::string& text) { log(text); };
+  onlyText_ = retrieveAssays(request_.assays, F1ELoc_, lists_, result_, tell);
   retrieveChemistry();
   retrieveDissolution();
 }
@@ -192,6 +194,7 @@ void Driver::solve() {
   for (size_t k = 0; k < used.size(); ++k) {
     if (used[k]) result_.equationColumns.push_back(static_cast<int>(k) + 2);
   }
+  requireNumbers();
   compileExpressions();
   session_.progress.ShowStop(true);
   if (plan_.perSample) {
@@ -202,6 +205,16 @@ void Driver::solve() {
   session_.progress.ShowStop(false);
   showLastPress();
   fix();
+}
+
+// Assays of nothing but text, such as numbers with decimal commas, would pass for samples of
+// nothing.
+void Driver::requireNumbers() {
+  const std::vector<int>& used = result_.equationColumns;
+  const bool none = !used.empty() && std::all_of(used.begin(), used.end(), [this](int column) {
+    return std::find(onlyText_.begin(), onlyText_.end(), column) != onlyText_.end();
+  });
+  if (none) throw Error("The assays of all equations are text: there is no number among them");
 }
 
 void Driver::solveBatch() {

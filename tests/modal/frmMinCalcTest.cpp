@@ -254,6 +254,21 @@ TEST(frmMinCalc, SampleSpecificPathGivesTheSameWithoutRecords) {
   EXPECT_NEAR(b.result.F1Min.NumberRC(copper, 1), 34.63, 0.01);  // restored for sample B
 }
 
+TEST(frmMinCalc, AssaysOfTextAloneAreAnError) {
+  Bench b;
+  b.form.F1OpenSave.TextRC(3, 1, "M/Ccp/170");
+  b.form.F1OpenSave.TextRC(4, 1, "Cu (29) / BM");
+  b.form.takeOpenSave();
+  b.takeAssays();
+  b.assays.TextRC(5, 3, "1,73");
+  b.assays.TextRC(6, 3, "0,5");
+  b.dialogs.expectMessage("The assays of all equations are text: there is no number among them");
+  b.form.cmdCalc.click();
+  EXPECT_TRUE(b.dialogs.allAsked());
+  b.assays.TextRC(6, 3, "0.5");
+  EXPECT_TRUE(b.form.RetAndCalc(modalMode::Retrieve));
+}
+
 TEST(frmMinCalc, ErrorsAreTold) {
   Bench b;
   bool ok = true;
