@@ -15,6 +15,9 @@ namespace lodex {
 namespace fs = std::filesystem;
 namespace {
 
+// More than this is not read from a pipe.
+constexpr size_t longestStream = size_t{1} << 30;
+
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -61,6 +64,13 @@ std::string readFile(std::string_view path, size_t maxBytes) {
   const fs::path native = nativePath(path);
   std::error_code status;
   if (fs::is_directory(native, status)) failOn(path, "it is a folder, not a file");
+  const fs::file_type kind = fs::status(native, status).type();
+  if (kind == fs::file_type::block ||
+      (kind == fs::file_type::character && !fs::equivalent(native, "/dev/stdin", status))) {
+    failOn(path, "it is a device, not a file");
+  }
+  // Without a size that can be asked for, only a limit ends a stream that never does.
+  if (maxBytes == 0 && kind != fs::file_type::regular) maxBytes = longestStream;
   FileHandle file(std::fopen(native.c_str(), "rb"));
   if (!file) failOn(path, errno == ENOENT ? "there is no such file" : std::strerror(errno));
   std::string content;
@@ -76,18 +86,25 @@ std::string readFile(std::string_view path, size_t maxBytes) {
 }
 
 void writeFileWhole(std::string_view path, const std::function<void(const fs::path&)>& fill) {
-  const fs::path target = nativePath(path);
+  std::error_code ignored;
+  fs::path target = nativePath(path);
+  // A symbolic link stays one: its target gets the content.
+  if (fs::is_symlink(target, ignored)) {
+    const fs::path linked = fs::weakly_canonical(target, ignored);
+    if (!ignored) target = linked;
+  }
+  const fs::file_status before = fs::status(target, ignored);
   fs::path temporary = target;
   temporary += ".tmp" + std::to_string(::getpid());
   try {
     fill(temporary);
     std::error_code failed;
+    if (fs::is_regular_file(before)) fs::permissions(temporary, before.permissions(), failed);
     fs::rename(temporary, target, failed);
     if (failed) {
       throw FileError("Cannot write " + std::string(path) + ": " + failed.message());
     }
   } catch (...) {
-    std::error_code ignored;
     fs::remove(temporary, ignored);
     throw;
   }

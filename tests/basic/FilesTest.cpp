@@ -38,5 +38,23 @@ TEST(Files, AFailedWriteLeavesTheOldFile) {
   std::filesystem::remove_all(folder);
 }
 
+TEST(Files, WritesThroughLinksAndRefusesDevices) {
+  namespace fs = std::filesystem;
+  const auto folder = fs::temp_directory_path() / "lodex_links";
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  const std::string target = pathText(folder / "target.txt");
+  const std::string link = pathText(folder / "link.txt");
+  writeFileWhole(target, "old");
+  fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink("target.txt", link);
+  writeFileWhole(link, "new");
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(readFile(target), "new");
+  EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_THROW(readFile("/dev/zero"), FileError);
+  fs::remove_all(folder);
+}
+
 }  // namespace
 }  // namespace lodex
