@@ -83,8 +83,8 @@ void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
   log.push_back("-Moving first column to ID col = 2");
   const int last = cells.LastCol();
   if (last >= widestTable) {
-    log.push_back("-Last column (" + std::to_string(last) + "=" + sheet.text(sysrow::Header, last) +
-                  ") dropped to make room for the ID column");
+    log.warn("-Last column (" + std::to_string(last) + "=" + sheet.text(sysrow::Header, last) +
+             ") dropped to make room for the ID column");
     cells.DeleteRange(1, last, 1, last, Shift::Columns);
   }
   cells.InsertRange(1, 1, 1, 1, Shift::Columns);
@@ -153,6 +153,10 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
   }
   sheet.setText(sysrow::Indexed, structure.idColumn, "YES");
   if (structure.mineralColumn == 0) findMineralColumn(sheet, log);
+  if (looksLikeUnits(sheet.cells, structure.firstDataRow, structure.idColumn)) {
+    log.warn("-Row " + std::to_string(structure.firstDataRow) +
+             " looks like a row of units: set it as the UNIT row");
+  }
   if (thesaurus != nullptr && !thesaurus->empty()) applyThesaurus(*thesaurus, sheet, log);
   if (fileMethod.empty()) return;
   for (int column = structure.idColumn + 1; column <= sheet.cells.LastCol(); ++column) {

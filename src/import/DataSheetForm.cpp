@@ -161,8 +161,7 @@ ItemSheet DataSheetForm::itemSheet() const {
   return {sheetNumber_, &F1D, SystemRows(sysrow::Element)};
 }
 
-// --- Identification
-// --------------------------------------------------------------------------------
+// --- Identification ---
 
 IdentifyRules DataSheetForm::rules() const {
   IdentifyRules rules;
@@ -176,6 +175,9 @@ IdentifyRules DataSheetForm::rules() const {
 
 void DataSheetForm::logLines(const LogLines& lines) {
   if (!lines.empty()) session().log.LisaaLog(join(lines, "\r\n"));
+  for (const std::string& line : lines.warnings) {
+    session().log.LisaaLog(caption() + ": " + line.substr(1), LogKind::Errors);
+  }
 }
 
 void DataSheetForm::runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log) {
@@ -236,6 +238,7 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
   }
   if (request.automatic) runAutoIdentify(request.useThesaurus, sheet, log);
   if (request.columns) runColumns(request.onlyNonX, sheet, log);
+  if (request.columns) warnOfUnknownHeadings(sheet, log);
   if (request.unidentifiedToUser) placeUnidentified(sheet, rules(), log);
   if (numbers.idColumn > 0) {
     nameIdField(sheet);
@@ -297,8 +300,7 @@ void DataSheetForm::SplittaaOtsikko(bool showDialog) {
   edit([&](const DescribedSheet& sheet) { splitTitles(sheet, titleParts_); });
 }
 
-// --- Painting and editing
-// --------------------------------------------------------------------------
+// --- Painting and editing ---
 
 void DataSheetForm::Varjaa(bool resetLimits) {
   SheetStructure numbers = structure();

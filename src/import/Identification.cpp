@@ -79,7 +79,9 @@ void ColumnIdentification::markHit(const KnownItem& item, size_t hit, size_t hit
 void ColumnIdentification::identifyElements(int sheetNumber, bool onlyNonX) {
   const ElementIndex index(sheet_.cells, sheet_.structure.row(sysrow::Element), converter_);
   for (const KnownItem& item : knownItems(F1Data_, 1, lastElementItem)) {
-    const std::vector<int>& columns = index.columnsOfElement(item.number);
+    std::vector<int> columns = index.columnsOfElement(item.number);
+    // An identifier headed "NO" is no nitrogen oxide.
+    if (sheet_.structure.idColumn > 0) std::erase(columns, sheet_.structure.idColumn);
     for (size_t hit = 1; hit <= columns.size(); ++hit) {
       const int column = columns[hit - 1];
       if (onlyNonX && !sheet_.text(sysrow::Identified, column).empty()) continue;
@@ -144,6 +146,48 @@ void ColumnIdentification::addMineralFormulas(const FormulaLookup& lookup) {
       if (sheet_.inside(row, column)) sheet_.cells.TextRC(row, column, value);
     }
   }
+}
+
+std::string unitOfWord(std::string_view word) {
+  std::string unit = toLower(trimWhite(word));
+  if (unit.size() > 2 && (unit.front() == '(' || unit.front() == '[')) {
+    unit = unit.substr(1, unit.size() - 2);
+  }
+  for (const char* name : {"%", "wt%", "wt.%", "wt. %", "wt %", "pct", "wt pct", "mass%", "m-%"}) {
+    if (unit == name) return "%";
+  }
+  for (const char* name :
+       {"ppm", "g/t", "mg/kg", "mg/l", "ug/g", "\xC2\xB5g/g", "\xCE\xBCg/g", "g/tonne"}) {
+    if (unit == name) return "ppm";
+  }
+  for (const char* name : {"ppb", "mg/t", "ug/kg", "\xC2\xB5g/kg", "\xCE\xBCg/kg", "ng/g"}) {
+    if (unit == name) return "ppb";
+  }
+  return {};
+}
+
+bool looksLikeUnits(const Worksheet& sheet, int row, int idColumn) {
+  if (row > sheet.LastRow() || !trimWhite(sheet.TextRC(row, idColumn)).empty()) return false;
+  int filled = 0;
+  int units = 0;
+  for (int column = idColumn + 1; column <= sheet.LastCol(); ++column) {
+    const std::string text = sheet.TextRC(row, column);
+    if (trimWhite(text).empty()) continue;
+    ++filled;
+    if (!unitOfWord(text).empty()) ++units;
+  }
+  return 2 * units > filled;
+}
+
+void warnOfUnknownHeadings(const DescribedSheet& sheet, LogLines& log) {
+  const int header = sheet.structure.row(sysrow::Header);
+  if (header == 0 || !sheet.has(sysrow::Identified)) return;
+  const int last = sheet.cells.LastCol();
+  if (last <= sheet.structure.idColumn || sheet.cells.LastRow() < 1) return;
+  for (int column = sheet.structure.idColumn + 1; column <= last; ++column) {
+    if (sheet.text(sysrow::Identified, column).starts_with("X")) return;
+  }
+  log.warn("-No column was understood: is row " + std::to_string(header) + " the heading?");
 }
 
 void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, LogLines& log) {

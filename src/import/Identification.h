@@ -85,6 +85,16 @@ class ColumnIdentification {
   LogLines& log_;
 };
 
+/// The unit as the tables of units know it ("%", "ppm" or "ppb") for a word such as "wt%" or
+/// "mg/kg"; "" for what is no unit of a concentration.
+std::string unitOfWord(std::string_view word);
+
+/// True for a row that has no text in `idColumn`, and units in most of its other filled cells.
+bool looksLikeUnits(const Worksheet& sheet, int row, int idColumn);
+
+/// Warns when no column behind the ID column has been understood.
+void warnOfUnknownHeadings(const DescribedSheet& sheet, LogLines& log);
+
 /// Sends columns with a heading and without a mark to the table for unidentified ones.
 void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, LogLines& log);
 

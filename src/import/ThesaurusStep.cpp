@@ -1,5 +1,7 @@
 #include "import/ThesaurusStep.h"
 
+#include "basic/Text.h"
+
 namespace lodex {
 
 ThesaurusIndex::ThesaurusIndex(const Worksheet& F1Lib) {
@@ -47,8 +49,10 @@ void applyThesaurus(const ThesaurusIndex& thesaurus, const DescribedSheet& sheet
     const std::string_view caption = systemRowCaption(row);
     if (!sheet.has(row) || !thesaurus.anyIn(caption)) continue;
     for (int column = sheet.structure.idColumn + 1; column <= sheet.cells.LastCol(); ++column) {
-      const std::string text = sheet.text(row, column);
+      std::string text = sheet.text(row, column);
       if (text.empty()) continue;
+      // Blanks around a heading are no difference that its writer saw.
+      if (thesaurus.rulesFor(text).empty()) text = trimWhite(text);
       const std::vector<int>& rules = thesaurus.rulesFor(text);
       // From the bottom up, so that a topmost rule overrules those below it.
       for (auto number = rules.rbegin(); number != rules.rend(); ++number) {

@@ -12,7 +12,15 @@
 namespace lodex {
 
 /// Lines for the log, in the order in which they came up.
-using LogLines = std::vector<std::string>;
+struct LogLines : std::vector<std::string> {
+  using std::vector<std::string>::vector;
+  /// Those of them that the user must see even without opening the log.
+  std::vector<std::string> warnings;
+  void warn(const std::string& line) {
+    push_back(line);
+    warnings.push_back(line);
+  }
+};
 
 /// Columns of a thesaurus: the text looked for, the caption of the system row where it counts, and
 /// from the third on the new text for system rows 0 to 10.
