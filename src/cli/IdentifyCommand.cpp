@@ -22,6 +22,7 @@ struct IdentifyOptions {
   bool noThesaurus = false;
   bool methodFromFile = false;
   bool showLog = false;
+  int headerRow = 1;
 };
 
 FileType kindOf(const std::string& path) {
@@ -102,6 +103,7 @@ void runIdentify(const IdentifyOptions& options, CommandContext& context) {
                 std::to_string(sheets.DataSheetCount()) + " sheets as .xls or .xlsx");
   }
   if (sheets.DataSheetCount() > 0) {
+    console.setHeaderRow(options.headerRow);
     console.identify();
     for (int number = 1; number <= sheets.DataSheetCount(); ++number) {
       printSheet(context.out, sheets.sheet(number));
@@ -130,6 +132,8 @@ void addIdentifyCommand(CLI::App& app, CommandContext& context) {
       ->excludes(thesaurus);
   command->add_flag("--method-from-file", options->methodFromFile,
                     "the name of the file is the method of columns without one");
+  command->add_option("--header-row", options->headerRow, "row of the headings, from 1")
+      ->check(CLI::PositiveNumber);
   command->add_flag("--log", options->showLog, "print the log of the identification");
   command->callback([options, &context] { runIdentify(*options, context); });
 }

@@ -32,6 +32,10 @@ ImportConsole::ImportConsole(CommandContext& context, const ThesaurusChoice& the
   sheets_.chkUnIDToUser.setChecked(true);
 }
 
+ImportConsole::~ImportConsole() {
+  for (const std::string& line : shortened_) context_.err << line << '\n';
+}
+
 void ImportConsole::loadThesaurus(const ThesaurusChoice& choice) {
   if (choice.none) return;
   const std::string path = thesaurusPath(choice, session().record);
@@ -53,6 +57,10 @@ void ImportConsole::openOne(const std::string& file) {
     opened.close();
     throw FileError(reason);
   }
+  if (opened.AD.RowCount() > frmDataIN::gridRows) {
+    shortened_.push_back("lodex: " + file + ": only " + std::to_string(frmDataIN::gridRows) +
+                         " of " + std::to_string(opened.AD.RowCount()) + " rows are used");
+  }
   printLines(session().log.txtLog.text(), "");
 }
 
@@ -69,8 +77,42 @@ int ImportConsole::open(const std::vector<std::string>& files) {
   return failed;
 }
 
+void ImportConsole::setHeaderRow(int row) {
+  if (row <= 1) return;
+  for (int number = 1; number <= sheets_.DataSheetCount(); ++number) {
+    frmDataIN& sheet = sheets_.sheet(number);
+    if (row > sheet.F1D.LastRow()) {
+      throw Error(sheet.caption() + " has no row " + std::to_string(row) + " for headings");
+    }
+    sheet.F1D.DeleteRange(1, 1, row - 1, 1, Shift::Rows);
+    context_.err << "lodex: " << sheet.caption() << ": row " << row
+                 << " is the heading; the rows above it are left out\n";
+  }
+}
+
+// In the heading each unit does what it does in a heading that was written with its unit.
+void ImportConsole::joinUnits(frmDataIN& sheet) {
+  Worksheet& cells = sheet.F1D;
+  SheetStructure found;
+  if (sheet.structure().highestRow() > 0 || findSystemRows({cells, found}) > 0) return;
+  if (!looksLikeUnits(cells, 2, 1)) return;
+  for (int column = 2; column <= cells.LastCol(); ++column) {
+    const std::string text(trimWhite(cells.TextRC(2, column)));
+    const std::string known = unitOfWord(text);
+    const std::string heading(trimWhite(cells.TextRC(1, column)));
+    if (text.empty() || heading.ends_with(text)) continue;
+    cells.TextRC(1, column, heading + " " + (known.empty() ? text : known));
+  }
+  cells.DeleteRange(2, 1, 2, 1, Shift::Rows);
+  context_.err << "lodex: " << sheet.caption()
+               << ": row 2 holds units; they are joined to the headings\n";
+}
+
 void ImportConsole::identify() {
   if (sheets_.DataSheetCount() == 0) return;
+  for (int number = 1; number <= sheets_.DataSheetCount(); ++number) {
+    joinUnits(sheets_.sheet(number));
+  }
   sheets_.lstI.selectAll(true);
   sheets_.IDENTIFY(false);
 }

@@ -19,13 +19,19 @@ struct ThesaurusChoice {
 class ImportConsole {
  public:
   ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus);
+  /// Tells once more which files were too long, behind all that was printed meanwhile.
+  ~ImportConsole();
+  ImportConsole(const ImportConsole&) = delete;
+  ImportConsole& operator=(const ImportConsole&) = delete;
 
   /// Opens a file and prints what the log says of it. Throws Error when it cannot be opened or is
   /// neither a workbook nor text.
   void openOne(const std::string& file);
   /// Opens one file after the other; what cannot be opened is reported. Returns how many failed.
   int open(const std::vector<std::string>& files);
-  /// Identifies all open sheets.
+  /// Makes this row the heading of all open sheets (rows count from 1); the rows above it go.
+  void setHeaderRow(int row);
+  /// Identifies all open sheets. A row of units below the headings is joined to them first.
   void identify();
   /// Prints a pane of the log to standard error, each line behind `prefix`.
   void printLines(const std::string& pane, const std::string& prefix) const;
@@ -37,6 +43,7 @@ class ImportConsole {
   taulukot& tables() { return tables_; }
 
  private:
+  void joinUnits(frmDataIN& sheet);
   void loadThesaurus(const ThesaurusChoice& choice);
 
   CommandContext& context_;
@@ -46,6 +53,7 @@ class ImportConsole {
   ImportContext import_;
   Form shell_;
   DataSheets sheets_;
+  std::vector<std::string> shortened_;  // what is told of files with more rows than a sheet takes
 };
 
 /// Throws Error when some of the files could not be opened.

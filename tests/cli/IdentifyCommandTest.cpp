@@ -55,6 +55,33 @@ TEST_F(IdentifyCommand, GoesOnBehindAFileThatCannotBeOpened) {
   EXPECT_THAT(messages.text, HasSubstr("missing.xls"));
 }
 
+TEST_F(IdentifyCommand, TitlesAndUnitsAroundTheHeadings) {
+  const std::string units = file("units.csv", "Sample,Cu,SiO2,Depth\n,ppm,wt%,m\nA,5,50,1\n");
+  const Outcome joined = runLodex("identify " + units + "2>&1");
+  EXPECT_THAT(joined.text, HasSubstr("row 2 holds units"));
+  EXPECT_THAT(joined.text, HasSubstr("1 data rows"));
+  EXPECT_THAT(joined.text, ContainsRegex("Cu ppm  *Cu  *ppm  *ANALYSES"));
+  EXPECT_THAT(joined.text, ContainsRegex("SiO2 %  *SiO2  *%  *ANALYSES"));
+  EXPECT_THAT(joined.text, HasSubstr("Depth m"));
+
+  const std::string titled = file("titled.csv", "Report,,\nMine,,\nNo,Fe %,Cu ppm\nA,5,6\n");
+  EXPECT_THAT(runLodex("identify " + titled + "2>&1").text,
+              HasSubstr("No column was understood: is row 1 the heading?"));
+  const Outcome told = runLodex("identify --header-row 3 " + titled + "2>&1");
+  EXPECT_THAT(told.text, HasSubstr("X(Fe)1/1"));
+  EXPECT_THAT(told.text, HasSubstr("1 data rows"));
+  EXPECT_THAT(told.text, Not(HasSubstr("X(N)")));
+  EXPECT_EQ(runLodex("identify --header-row 9 " + titled + "2>/dev/null").status, 1);
+}
+
+TEST_F(IdentifyCommand, TellsAtTheEndWhichRowsAreLeftOut) {
+  std::string rows = "No,Fe %\n";
+  for (int i = 0; i < 16000; ++i) rows += "A" + std::to_string(i) + ",5\n";
+  const Outcome outcome = runLodex("identify " + file("long.csv", rows) + "2>&1 >/dev/null");
+  EXPECT_TRUE(outcome.text.ends_with("long.csv: only 16000 of 16001 rows are used\n"))
+      << outcome.text;
+}
+
 TEST_F(IdentifyCommand, ThesaurusCanBeChosenOrLeftOut) {
   const std::string rocks = file("rocks.txt", "No\tRauta\n1\t5\n");
   const std::string own =
