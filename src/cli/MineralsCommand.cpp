@@ -7,6 +7,7 @@
 #include "basic/Text.h"
 #include "chem/CompoundConverter.h"
 #include "chem/Elements.h"
+#include "cli/CliSession.h"
 #include "cli/Commands.h"
 #include "db/Connection.h"
 #include "db/Recordset.h"
@@ -49,11 +50,20 @@ bool holdsText(const Recordset& records, const std::string& text) {
   return false;
 }
 
-void listMinerals(const MineralsRequest& request, std::ostream& out) {
+std::string databaseOf(const MineralsRequest& request, CommandContext& context) {
+  if (!request.database.empty()) return request.database;
+  CliSession console(context);
+  const std::string path = console.session().record.MineralDbPath;
+  if (path.empty()) throw Error("There is no mineral database; name one with --minerals");
+  return path;
+}
+
+void listMinerals(const MineralsRequest& request, CommandContext& context) {
+  std::ostream& out = context.out;
   std::vector<std::string> symbols;
   for (const auto& element : request.elements) symbols.push_back(elementSymbol(element));
   Connection connection;
-  connection.Open(ConnectionString(request.database, "", ""));
+  connection.Open(ConnectionString(databaseOf(request, context), "", ""));
   const auto records = connection.OpenRecordset(
       "SELECT [MineralID], [MinSymbol], [Mineral], [Formula], [Density] FROM [<MineralChemistry] "
       "ORDER BY [MineralID]");
@@ -70,7 +80,6 @@ void listMinerals(const MineralsRequest& request, std::ostream& out) {
 
 void addMineralsCommand(CLI::App& app, CommandContext& context) {
   auto request = std::make_shared<MineralsRequest>();
-  request->database = context.appFolder + "/Geo/System/LODEXGeo.mdb";
   CLI::App* command =
       app.add_subcommand("minerals", "List minerals: id, symbol, name, formula, density");
   command
@@ -79,8 +88,9 @@ void addMineralsCommand(CLI::App& app, CommandContext& context) {
       ->allow_extra_args(false);
   command->add_option("--find", request->find,
                       "only minerals whose symbol, name or formula holds this text");
-  command->add_option("--db", request->database, "the mineral database instead of the shipped one");
-  command->callback([request, &context] { listMinerals(*request, context.out); });
+  command->add_option("--minerals,--db", request->database,
+                      "mineral database instead of the one of the settings");
+  command->callback([request, &context] { listMinerals(*request, context); });
 }
 
 }  // namespace lodex

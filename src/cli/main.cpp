@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
+#include <new>
 
 #include "cli/Commands.h"
 
@@ -42,6 +43,9 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& wrong) {
     const int status = app.exit(wrong);
     return status == 0 ? 0 : 2;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "lodex: there is not enough memory for this\n";
+    return 1;
   } catch (const std::exception& failure) {
     std::cerr << "lodex: " << failure.what() << '\n';
     return 1;
