@@ -77,7 +77,8 @@ void addLines(Worksheet& book, const char* name, const char* heading, const std:
     ++row;
     int column = 0;
     for (const std::string& piece : split(line, "\t")) {
-      if (!piece.empty()) book.ValueSRC(sheet, row, ++column, Value::text(piece));
+      ++column;
+      if (!piece.empty()) book.ValueSRC(sheet, row, column, Value::text(piece));
     }
   }
 }
