@@ -1,4 +1,4 @@
-// lodex modal: how much of which mineral the samples of an assay file hold.
+// lodex modal: how much of which mineral the samples of an assay file or a database hold.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
@@ -13,15 +13,19 @@
 #include "cli/TextTable.h"
 #include "cli/WorkbookFiles.h"
 #include "db/Connection.h"
+#include "db/MapDatabase.h"
 #include "modal/ResultBook.h"
 #include "modal/RetAndCalc.h"
 #include "modal/SetUp.h"
+#include "modal/StoredAssays.h"
 
 namespace lodex {
 namespace {
 
 struct ModalOptions {
   std::string assays;
+  std::string database;
+  std::string filter;
   std::string setUp;
   std::string out;
   std::string minerals;
@@ -60,6 +64,11 @@ std::string reportOf(const LoadedSetUp& setUp) {
                      "Total number of rounds = " + std::to_string(roundCount(setUp.F1CalcOpt)));
 }
 
+// The file that the assays come from.
+const std::string& sourceName(const ModalOptions& options) {
+  return options.database.empty() ? options.assays : options.database;
+}
+
 // --- The assays ---------------------------------------------------------------------------------
 
 // The sheet of that name; without one the first sheet of the file.
@@ -95,6 +104,21 @@ AssaySheet sourceOf(const frmDataIN& sheet) {
           sheet.SystemRows(sysrow::Unit),
           sheet.FirstDataRow(),
           sheet.IDColumn()};
+}
+
+// Opens the database and finds its assays, afresh every time: it may have got new fields since.
+void mapStoredAssays(const ModalOptions& options, ImportConsole& console, MappedDatabase& database,
+                     StoredSource& source, Worksheet& F1Ref) {
+  Session& session = console.session();
+  database.path = options.database;
+  if (MapDatabase(session, database, {true, false, false}) != MapResult::Mapped) {
+    console.printLines(session.log.txtErr.text(), "lodex: ");
+    throw Error("Error in opening database " + options.database);
+  }
+  session.log.clear();
+  source = {&database, options.filter, ""};
+  buildMethodMap(source, console.tables().F1ELoc, F1Ref,
+                 [&](const std::string& line) { session.log.LisaaLog(line, LogKind::Log); });
 }
 
 // --- What is printed ----------------------------------------------------------------------------
@@ -157,7 +181,7 @@ std::string save(const Worksheet& book, const ModalOptions& options, const Sessi
     writeByEnding(options.out, book);
     return options.out;
   }
-  const std::string file = fileNameOf(options.assays);
+  const std::string file = fileNameOf(sourceName(options));
   const std::string name =
       file.substr(0, file.rfind('.')) + "_modal" + (fitsXls(book) ? ".xls" : ".xlsx");
   try {
@@ -193,10 +217,6 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
                LoadedSetUp& setUp, const std::string& report) {
   Session& session = console.session();
   const taulukot& tables = console.tables();
-  console.openOne(options.assays);
-  console.identify();
-  DataSheets& sheets = console.sheets();
-
   const std::string database = options.minerals.empty()
                                    ? session.ExpandPath(session.record.MineralDbPath, "")
                                    : options.minerals;
@@ -206,14 +226,25 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
 
   ModalRequest request;
   request.F1CalcOpt = &setUp.F1CalcOpt;
-  request.assays = sourceOf(chooseSheet(sheets, options, context.err));
   request.F1ELoc = &tables.F1ELoc;
   request.minerals = &minerals;
   request.allTotal = options.allTotal;
   request.digits = setUp.digits;
   request.setUpName = stemOf(options.setUp);
 
-  session.log.clear();
+  MappedDatabase samples;
+  StoredSource stored;
+  Worksheet F1Ref;
+  if (options.database.empty()) {
+    console.openOne(options.assays);
+    console.identify();
+    request.assays = sourceOf(chooseSheet(console.sheets(), options, context.err));
+    session.log.clear();
+  } else {
+    mapStoredAssays(options, console, samples, stored, F1Ref);
+    request.stored = &stored;
+    request.F1Ref = &F1Ref;
+  }
   for (const std::string& remark : setUp.remarks) session.log.LisaaLog(remark);
   for (const std::string& label : setUp.idleMinerals) {
     session.log.LisaaLog("Mineral " + label + " is in no round");
@@ -230,7 +261,7 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   console.printLines(session.log.txtLog.text(), "");
   if (!failure.empty()) throw Error(failure);
   if (result.equationColumns.empty() && wantsAssays(setUp.F1CalcOpt)) {
-    throw Error("No equation of " + options.setUp + " has an assay in " + options.assays);
+    throw Error("No equation of " + options.setUp + " has an assay in " + sourceName(options));
   }
 
   printAmounts(context.out, result);
@@ -270,18 +301,26 @@ void addModalCommand(CLI::App& app, CommandContext& context) {
   CLI::App* command =
       app.add_subcommand("modal", "Calculate how much of which mineral the samples hold");
   auto* assays = command->add_option("--assays", options->assays, "file of assays, any kind");
+  auto* database =
+      command->add_option("--db", options->database, "database with the assays")->excludes(assays);
+  command->add_option("--filter", options->filter, "stored filter that picks the samples")
+      ->needs(database);
   command->add_option("--setup", options->setUp, "mineral quantification set-up (.mmq)")
       ->required();
   command->add_option("--out", options->out,
-                      "workbook to save; without it <assays>_modal.xls in the current folder");
+                      "workbook to save; without it <source>_modal.xls in the current folder");
   command->add_option("--minerals", options->minerals, "the mineral database");
-  command->add_option("--sheet", options->sheet, "sheet of the assay file");
+  command->add_option("--sheet", options->sheet, "sheet of the assay file")->needs(assays);
   command->add_flag("--all-total", options->allTotal, "every method dissolves all of a mineral");
   command->add_option("--digits", options->digits, "decimals of the amounts")
       ->check(CLI::Range(0, 22));
-  command->add_flag("--report", options->report, "only print the set-up")->excludes(assays);
-  command->callback([options, assays, &context] {
-    if (!options->report && assays->count() == 0) throw CLI::RequiredError("--assays");
+  command->add_flag("--report", options->report, "only print the set-up")
+      ->excludes(assays)
+      ->excludes(database);
+  command->callback([options, assays, database, &context] {
+    if (!options->report && assays->count() + database->count() == 0) {
+      throw CLI::RequiredError("--assays or --db");
+    }
     runModal(*options, context);
   });
 }

@@ -19,6 +19,7 @@ struct ModalLists {
   std::vector<std::string> MinIDs;     // numeric id of each mineral or phase
   std::vector<std::string> MinLabels;  // full identifier, such as "M/Py/123"
   std::vector<std::string> SampleIDs;
+  bool SampleIDsAreNumbers = false;  // of a database whose samples have numbers
 };
 
 /// Splits a mineral identifier: "M/Py/123", "P/Gangue/7", "M/123", "Py/123" or "123". What cannot
@@ -49,12 +50,14 @@ float AverageDensity(const std::vector<float>& weights, const std::vector<float>
 
 /// Fills F1Min (element row of F1ELoc x mineral number) with compositions in per cent from
 /// <MineralChemistry and <PhaseChemistry; a Null or missing field leaves the cell empty. Headings
-/// of F1Min are the ids. `progress` is told each mineral's number before it is fetched. Throws
+/// of F1Min are the ids. `progress` is told each mineral's number before it is fetched, `log` of
+/// identifiers whose symbol is not that of the record. Throws
 /// Error("Error in retrieving mineral chemistry") or Error("Error in retrieving phase chemistry")
 /// for an id that the tables do not have.
 void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
                               const Worksheet& F1ELoc, Worksheet& F1Min,
-                              const std::function<void(int mineral)>& progress);
+                              const std::function<void(int mineral)>& progress,
+                              const std::function<void(const std::string&)>& log = {});
 
 /// Compositions that belong to one sample, from <MineralChemistryQ and <PhaseChemistryQ.
 class SampleChemistry {

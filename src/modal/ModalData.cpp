@@ -1,5 +1,6 @@
 #include "modal/ModalData.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -51,6 +52,10 @@ ModalData::ModalData(const frmResult& result, const ModalLists& lists, const Wor
 int ModalData::assayOf(int element, int method) const {
   if (element < 0 || element >= elements_ || method < 0 || method >= methods()) return -1;
   return assayOf_[at(element, method, methods())];
+}
+
+bool ModalData::isAssay(int assay) const {
+  return std::find(assayOf_.begin(), assayOf_.end(), assay) != assayOf_.end();
 }
 
 void ModalData::readComposition(const Worksheet& F1Min, int mineral) {

@@ -27,6 +27,8 @@ class ModalData {
 
   /// The F1Ini column of an element and method, as an index into residuals; -1 if not assayed.
   int assayOf(int element, int method) const;
+  /// Whether an assay column belongs to some element and method.
+  bool isAssay(int assay) const;
 
   double composition(int element, int mineral) const {
     return composition_[at(element, mineral, minerals_)];

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "basic/Numbers.h"
 #include "chem/ReferenceTables.h"
 #include "modal/AmountFormula.h"
 #include "modal/RetAndCalc.h"
@@ -26,7 +27,13 @@ std::vector<int> usedElements(const Worksheet& F1Min, int minerals, int elements
 void writeSampleIds(Worksheet& sheet, const ModalLists& lists) {
   sheet.ColText(1, "SampleNo");
   int row = 0;
-  for (const std::string& id : lists.SampleIDs) sheet.TextRC(++row, 1, id);
+  for (const std::string& id : lists.SampleIDs) {
+    if (lists.SampleIDsAreNumbers) {
+      sheet.NumberRC(++row, 1, numberOf(id));
+    } else {
+      sheet.TextRC(++row, 1, id);
+    }
+  }
 }
 
 }  // namespace

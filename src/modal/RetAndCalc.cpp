@@ -15,6 +15,7 @@
 #include "modal/ModalSheets.h"
 #include "modal/RoundPlan.h"
 #include "modal/SetUp.h"
+#include "modal/StoredAssays.h"
 
 namespace lodex {
 namespace {
@@ -115,7 +116,11 @@ void Driver::retrieve() {
   clearSheet(result_.F1Kirja);
   clearSheet(result_.F1MinMax);
   const auto tell = [this](const std::string& text) { log(text); };
-  onlyText_ = retrieveAssays(request_.assays, F1ELoc_, lists_, result_, tell);
+  if (request_.stored != nullptr) {
+    retrieveStoredAssays(*request_.stored, *request_.F1Ref, F1ELoc_, lists_, result_, tell);
+  } else {
+    onlyText_ = retrieveAssays(request_.assays, F1ELoc_, lists_, result_, tell);
+  }
   retrieveChemistry();
   retrieveDissolution();
 }
@@ -125,10 +130,12 @@ void Driver::retrieveChemistry() {
   const std::string total = std::to_string(lists_.MinIDs.size());
   int current = 0;
   try {
-    RetrieveMineralChemistry(*request_.minerals, lists_, F1ELoc_, result_.F1Min, [&](int mineral) {
+    const auto show = [&](int mineral) {
       current = mineral;
       progress("Retrieving mineral/phase " + std::to_string(mineral) + " of " + total + " ...", 4);
-    });
+    };
+    RetrieveMineralChemistry(*request_.minerals, lists_, F1ELoc_, result_.F1Min, show,
+                             [this](const std::string& text) { log(text); });
   } catch (const Error&) {
     if (current >= 1 && current <= static_cast<int>(lists_.MinLabels.size())) {
       log("No chemistry for " + lists_.MinLabels[static_cast<size_t>(current) - 1]);
@@ -187,7 +194,7 @@ void Driver::solve() {
 
   data_.emplace(result_, lists_, F1ELoc_);
   messages_.assign(static_cast<size_t>(data_->samples()), "");
-  plan_ = planRounds(*request_.F1CalcOpt, *data_, lists_, result_.F1MC, scratch_.F1X,
+  plan_ = planRounds(*request_.F1CalcOpt, F1ELoc_, *data_, lists_, result_.F1MC, scratch_.F1X,
                      [this](const std::string& text) { log(text); });
   result_.equationColumns.clear();
   const std::vector<bool> used = plan_.usedAssays(*data_);

@@ -12,6 +12,7 @@
 namespace lodex {
 
 class Connection;
+struct StoredSource;
 
 /// Relative errors, in per cent, of a simulated run. While `start` is set the next run keeps the
 /// sheets as they are in F1Ini2, F1Min2 and F1D2; every run perturbs from there.
@@ -26,6 +27,9 @@ struct ErrorSimulation {
 struct ModalRequest {
   const Worksheet* F1CalcOpt = nullptr;
   AssaySheet assays;
+  /// When set the assays come from a database in place of the sheet, by its method map.
+  const StoredSource* stored = nullptr;
+  const Worksheet* F1Ref = nullptr;
   const Worksheet* F1ELoc = nullptr;
   Connection* minerals = nullptr;  // the mineral database
   bool allTotal = false;           // every method dissolves everything

@@ -73,9 +73,8 @@ void frmMinCalc::Alusta() {
   retrieveData = true;
   colours_.assign(static_cast<size_t>(tables_.F1ELoc.LastRow()), elementWithoutData);
   if (stored.database != nullptr) {
-    buildMethodMap(stored, tables_.F1ELoc, F1Ref, [this](const std::string& line) {
-      session_.log.LisaaLog(line, LogKind::Log);
-    });
+    buildMethodMap(stored, tables_.F1ELoc, F1Ref,
+                   [this](const std::string& line) { session_.log.LisaaLog(line, LogKind::Log); });
     for (int row = 1; row <= F1Ref.LastRow(); ++row) {
       if (F1Ref.HasContent(row, 1)) colours_[static_cast<size_t>(row) - 1] = elementWithData;
     }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 
+#include "RunLodex.h"
 #include "basic/Files.h"
 #include "worksheet/Worksheet.h"
 
@@ -17,11 +18,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 namespace fs = std::filesystem;
-
-struct Outcome {
-  int status;
-  std::string text;
-};
 
 // A folder of its own for every test, which is also the user's home.
 class ModalCommand : public testing::Test {
@@ -81,6 +77,43 @@ TEST_F(ModalCommand, CalculatesPrintsAndSaves) {
   EXPECT_EQ(book.TextSRC(3, 3, 2), "");  // not assayed: no residual
 }
 
+// What is printed of the amounts.
+std::string amountsIn(const std::string& text) {
+  const size_t start = text.find("Modal composition, %");
+  return start == std::string::npos ? text
+                                    : text.substr(start, text.find("Residual", start) - start);
+}
+
+TEST_F(ModalCommand, StoredSamplesGiveTheAmountsOfTheirFile) {
+  const std::string examples = LODEX_BIN_DIR "/Geo/examples/";
+  const struct {
+    const char *name, *assays, *setUp;
+  } rows[] = {
+      {"ore", "ore_assays.txt", "ore.mmq"},  // methods, ppm, oxides of iron
+      {"ore2", "ore_assays_2.csv", "ore.mmq"},
+      {"gabbro", "gabbros.txt", "gabbro.mmq"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string setUpPath = "'" + examples + row.setUp + "'";
+    const std::string database = path(row.name) + ".mdb";
+    // Texts such as "<10" among numbers are refused, which does not stop the rest.
+    runLodex("save '" + examples + row.assays + "' --db '" + database + "' 2>/dev/null");
+    const Outcome stored = run("--db '" + database + "' --setup " + setUpPath);
+    const Outcome file = run("--assays '" + examples + row.assays + "' --setup " + setUpPath);
+    ASSERT_EQ(stored.status, 0) << stored.text;
+    ASSERT_EQ(file.status, 0) << file.text;
+    EXPECT_EQ(amountsIn(stored.text), amountsIn(file.text));
+    EXPECT_THAT(stored.text, EndsWith(std::string(row.name) + "_modal.xls\n"));
+  }
+  const std::string ore = "'" + path("ore") + ".mdb'";
+  runLodex("sql " + ore + " 'CREATE VIEW [f_Top] AS SELECT * FROM [Sample] WHERE [From] < 214'");
+  const Outcome top = run("--db " + ore + " --filter Top --setup '" + examples + "ore.mmq'");
+  EXPECT_EQ(top.status, 0) << top.text;
+  EXPECT_THAT(top.text, HasSubstr("LX-1042"));
+  EXPECT_THAT(top.text, testing::Not(HasSubstr("LX-1043")));
+}
+
 TEST_F(ModalCommand, PrintsTheSetUp) {
   writeFileWhole(path("two.mmq"), setUp);
   const Outcome report = run("--report --setup two.mmq");
@@ -99,7 +132,7 @@ TEST_F(ModalCommand, RefusesClearly) {
     const char *arguments, *reason;
     int status;
   } rows[] = {
-      {"--setup two.mmq", "--assays is required", 2},
+      {"--setup two.mmq", "--assays or --db is required", 2},
       {"--assays assays.txt --setup two.mmq --digits x", "--digits", 2},
       {"--assays none.txt --setup two.mmq", "none.txt", 1},
       {"--assays assays.txt --setup none.mmq", "none.mmq", 1},
@@ -109,6 +142,9 @@ TEST_F(ModalCommand, RefusesClearly) {
       {"--assays assays.txt --setup two.mmq --minerals no.mdb", "no.mdb does not exist", 1},
       {"--assays assays.txt --setup two.mmq --out x.doc", "x.doc", 1},
       {"--assays assays.txt --setup two.mmq --sheet Data", "has no sheet Data", 1},
+      {"--db none.mdb --setup two.mmq", "none.mdb", 1},
+      {"--db none.mdb --assays assays.txt --setup two.mmq", "excludes", 2},
+      {"--assays assays.txt --filter x --setup two.mmq", "--filter requires --db", 2},
   };
   for (const auto& row : rows) {
     const Outcome outcome = run(row.arguments);
