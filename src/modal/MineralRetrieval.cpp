@@ -35,7 +35,8 @@ void writeComposition(const Recordset& records, const std::vector<int>& fields, 
 class Chemistry {
  public:
   Chemistry(Connection& connection, const std::string& table, const std::string& alias,
-            const std::string& idField, const std::vector<std::string>& ids, std::string error)
+            const std::string& idField, const std::string& symbolField,
+            const std::vector<std::string>& ids, std::string error)
       : error_(std::move(error)) {
     if (ids.empty()) return;
     const std::string id = quoteName(alias) + "." + quoteName(idField);
@@ -43,22 +44,26 @@ class Chemistry {
         connection.OpenRecordset("SELECT * FROM " + quoteName(table) + " AS " + quoteName(alias) +
                                  " WHERE " + id + " IN (" + join(ids, ",") + ") ORDER BY " + id);
     const int field = records_->FieldIndex(idField);
+    symbolField_ = records_->FieldIndex(symbolField);
     for (; !records_->Eof(); records_->MoveNext()) {
       places_.emplace(records_->Text(field), records_->AbsolutePosition());
     }
   }
 
-  void write(const std::string& id, const Worksheet& F1ELoc, int nameColumn, Worksheet& F1Min,
-             int column) {
+  /// Returns the symbol of the record; "" when it has none.
+  std::string write(const std::string& id, const Worksheet& F1ELoc, int nameColumn,
+                    Worksheet& F1Min, int column) {
     const auto place = places_.find(id);
     if (place == places_.end()) throw Error(error_);
     if (fields_.empty()) fields_ = elementFields(*records_, F1ELoc, nameColumn);
     records_->Move(place->second);
     writeComposition(*records_, fields_, F1Min, column);
+    return symbolField_ < 0 ? "" : records_->Text(symbolField_);
   }
 
  private:
   std::string error_;
+  int symbolField_ = -1;
   std::unique_ptr<Recordset> records_;
   std::unordered_map<std::string, int> places_;
   std::vector<int> fields_;
@@ -79,9 +84,11 @@ std::string filterValue(std::string_view value) {
 
 void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
                               const Worksheet& F1ELoc, Worksheet& F1Min,
-                              const std::function<void(int mineral)>& progress) {
+                              const std::function<void(int mineral)>& progress,
+                              const std::function<void(const std::string&)>& log) {
   const size_t count = lists.MinIDs.size();
   std::vector<bool> isMineral(count);
+  std::vector<std::string> symbols(count);
   std::vector<std::string> mineralIds;
   std::vector<std::string> phaseIds;
   for (size_t i = 0; i < count; ++i) {
@@ -91,20 +98,23 @@ void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
     ParseMineralID(i < lists.MinLabels.size() ? lists.MinLabels[i] : lists.MinIDs[i], kind, symbol,
                    id);
     isMineral[i] = kind == "M";
+    symbols[i] = symbol;
     if (isId(lists.MinIDs[i])) (isMineral[i] ? mineralIds : phaseIds).push_back(lists.MinIDs[i]);
   }
-  Chemistry minerals(connection, "<MineralChemistry", "<MineralChemistry", "MineralID", mineralIds,
-                     "Error in retrieving mineral chemistry");
-  Chemistry phases(connection, "PhaseChemistry", "<PhaseChemistry", "PCID", phaseIds,
+  Chemistry minerals(connection, "<MineralChemistry", "<MineralChemistry", "MineralID", "MinSymbol",
+                     mineralIds, "Error in retrieving mineral chemistry");
+  Chemistry phases(connection, "PhaseChemistry", "<PhaseChemistry", "PCID", "PhaseSymbol", phaseIds,
                    "Error in retrieving phase chemistry");
   for (size_t i = 0; i < count; ++i) {
     const int column = static_cast<int>(i) + 1;
     if (progress) progress(column);
     F1Min.ColText(column, lists.MinIDs[i]);
-    if (isMineral[i]) {
-      minerals.write(lists.MinIDs[i], F1ELoc, eloc::MineralField, F1Min, column);
-    } else {
-      phases.write(lists.MinIDs[i], F1ELoc, eloc::PhaseField, F1Min, column);
+    const std::string found =
+        isMineral[i] ? minerals.write(lists.MinIDs[i], F1ELoc, eloc::MineralField, F1Min, column)
+                     : phases.write(lists.MinIDs[i], F1ELoc, eloc::PhaseField, F1Min, column);
+    if (log && !symbols[i].empty() && !found.empty() && symbols[i] != found) {
+      log("Mineral " + lists.MinLabels[i] + " has the composition of number " + lists.MinIDs[i] +
+          ", which is " + found);
     }
   }
 }

@@ -51,9 +51,10 @@ struct RoundPlan {
 /// Resolves the set-up against the assays and minerals. `F1MC` has its mineral headings already,
 /// `F1X` is the sheet into which files of X lines are read. `log` is told of what a user could
 /// miss: equations without an assay, assays without an equation, minerals in no round, symbols
-/// that two minerals share. Throws FileError for an X line whose file cannot be read.
-RoundPlan planRounds(const Worksheet& F1CalcOpt, const ModalData& data, const ModalLists& lists,
-                     const Worksheet& F1MC, Worksheet& F1X,
+/// that two minerals share, labels and models that do not fit. Throws FileError for an X line whose
+/// file cannot be read, Error for a round that is too large to be solved.
+RoundPlan planRounds(const Worksheet& F1CalcOpt, const Worksheet& F1ELoc, const ModalData& data,
+                     const ModalLists& lists, const Worksheet& F1MC, Worksheet& F1X,
                      const std::function<void(const std::string&)>& log);
 
 /// The coefficients of a round, stored column by column: equations x minerals, as mass fractions.

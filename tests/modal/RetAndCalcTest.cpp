@@ -286,14 +286,27 @@ TEST(RetAndCalc, WeighedLeastSquareIsTrueForTheFirstSampleOnly) {
   EXPECT_NE(amountOf({{5, 4.5}, {5, 9}}, 2), alone);
 }
 
+TEST(RetAndCalc, ARoundTooLargeIsRefused) {
+  ModalFixture f;
+  f.round(std::vector<RoundMineral>(frmSolve::largestSystem + 1, {"M/Py/1"}), {assayLine("S", 3)});
+  f.lists = {{"1"}, {"M/Py/1"}, {}};
+  f.assays({"1"}, {3}, {{5}});
+  EXPECT_THROW(f.run(), Error);
+}
+
 TEST(RetAndCalc, OddSetUpsAreReported) {
   ModalFixture f;
   f.round({{"M/Py/1"}, {"M/Py/2"}, {"P/Gangue/2"}}, {});
   f.round({}, {assayLine("S", 3)});
+  f.round({{"M/Qz/3"}}, {assayLine("SiO2", 8), assayLine("FeOtot", 2), assayLine("SiO2", 4)}, 7);
   f.assays({}, {3}, {});
   f.run();
   EXPECT_TRUE(f.logged("Round 1 has no equations"));
   EXPECT_TRUE(f.logged("Round 2 has no minerals"));
+  EXPECT_TRUE(f.logged("Estimation model 7 of round 3 is not known: Weighed Non-negative"));
+  EXPECT_TRUE(f.logged("Equation SiO2 (8) / XRF takes Mg, element row 8, not SiO2"));
+  EXPECT_FALSE(f.logged("Equation FeOtot (2) / XRF takes"));
+  EXPECT_FALSE(f.logged("Equation SiO2 (4) / XRF takes"));
   EXPECT_TRUE(f.logged("Minerals M/Py/1 and M/Py/2 share the symbol Py"));
   EXPECT_TRUE(f.logged("Minerals M/Py/2 and P/Gangue/2 share the number 2"));
   EXPECT_EQ(f.result.F1MC.LastRow(), 0);

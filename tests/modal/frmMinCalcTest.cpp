@@ -254,6 +254,20 @@ TEST(frmMinCalc, SampleSpecificPathGivesTheSameWithoutRecords) {
   EXPECT_NEAR(b.result.F1Min.NumberRC(copper, 1), 34.63, 0.01);  // restored for sample B
 }
 
+TEST(frmMinCalc, ASymbolOfAnotherMineralIsTold) {
+  Bench b;
+  b.form.F1OpenSave.TextRC(3, 1, "M/Py/170");
+  b.form.F1OpenSave.TextRC(3, 2, "P/Rest/9001");
+  b.form.F1OpenSave.TextRC(4, 1, "Cu (29) / BM");
+  b.form.takeOpenSave();
+  b.takeAssays();
+  ASSERT_TRUE(b.form.RetAndCalc(modalMode::Retrieve));
+  const std::string log = b.session.log.txtLog.text();
+  EXPECT_NE(log.find("Mineral M/Py/170 has the composition of number 170, which is Ccp"),
+            std::string::npos);
+  EXPECT_EQ(log.find("Mineral P/Rest/9001 has"), std::string::npos);
+}
+
 TEST(frmMinCalc, AssaysOfTextAloneAreAnError) {
   Bench b;
   b.form.F1OpenSave.TextRC(3, 1, "M/Ccp/170");
