@@ -24,12 +24,14 @@ std::string extensionOf(std::string_view path);
 /// True when the path names an existing file or folder.
 bool pathExists(std::string_view path);
 
-/// The whole file as bytes. Throws FileError naming the path and the reason: missing, a folder, no
-/// permission, or larger than `maxBytes` when that is above 0.
+/// The whole file as bytes. Throws FileError naming the path and the reason: missing, a folder, a
+/// device, no permission, or larger than `maxBytes` when that is above 0. Pipes are read up to 1
+/// GB.
 std::string readFile(std::string_view path, size_t maxBytes = 0);
 
 /// Writes a file as a whole or not at all: `fill` writes to a temporary beside it, which then takes
-/// its name. A file already there stays as it was until then, and when `fill` throws.
+/// its name. A file already there stays as it was until then, and when `fill` throws; its
+/// permissions stay anyway. Behind a symbolic link the file that it points to is written.
 void writeFileWhole(std::string_view path,
                     const std::function<void(const std::filesystem::path& temporary)>& fill);
 void writeFileWhole(std::string_view path, std::string_view content);

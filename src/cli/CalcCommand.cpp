@@ -146,8 +146,8 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
 void addCalcCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<CalcOptions>();
   CLI::App* command =
-      app.add_subcommand("calc", "Run the methods of a calculation group over analysis files");
-  command->add_option("files", options->files, "workbooks and text files")->required();
+      app.add_subcommand("calc", "run the methods of a calculation group over analysis files");
+  command->add_option("FILES", options->files, "workbooks and text files")->required();
   command->add_option("--group", options->group, "calculation group, or a folder of workbooks")
       ->required();
   command->add_option("--method", options->methods,

@@ -37,8 +37,8 @@ void runCombine(const CombineOptions& options, CommandContext& context) {
 void addCombineCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<CombineOptions>();
   CLI::App* command =
-      app.add_subcommand("combine", "Merge databases: their tables, fields, indexes and records");
-  command->add_option("sources", options->sources, "database files")->required();
+      app.add_subcommand("combine", "merge databases: their tables, fields, indexes and records");
+  command->add_option("SOURCES", options->sources, "database files")->required();
   command->add_option("--into", options->into, "the database to add to; made if it is not there")
       ->required();
   command->callback([options, &context] { runCombine(*options, context); });

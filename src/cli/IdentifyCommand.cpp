@@ -123,8 +123,8 @@ void runIdentify(const IdentifyOptions& options, CommandContext& context) {
 void addIdentifyCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<IdentifyOptions>();
   CLI::App* command =
-      app.add_subcommand("identify", "Find out what the columns of analysis files are");
-  command->add_option("files", options->files, "workbooks and text files")->required();
+      app.add_subcommand("identify", "find out what the columns of analysis files are");
+  command->add_option("FILES", options->files, "workbooks and text files")->required();
   command->add_option("--out", options->out,
                       "save the described sheets (.txt for one sheet, .xls, .xlsx)");
   auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");

@@ -52,8 +52,8 @@ void runMap(const MapOptions& options, CommandContext& context) {
 void addMapCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<MapOptions>();
   CLI::App* command = app.add_subcommand(
-      "map", "List a database's tables with their fields, keys, links and filters");
-  command->add_option("database", options->database, "database file")->required();
+      "map", "list a database's tables with their fields, keys, links and filters");
+  command->add_option("DATABASE", options->database, "database file")->required();
   command->add_flag("--refresh", options->refresh,
                     "map the database afresh, in place of the map file beside it");
   command->callback([options, &context] { runMap(*options, context); });

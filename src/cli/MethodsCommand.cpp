@@ -56,7 +56,7 @@ void runMethods(const std::string& group, CommandContext& context) {
 
 void addMethodsCommand(CLI::App& app, CommandContext& context) {
   auto group = std::make_shared<std::string>();
-  CLI::App* command = app.add_subcommand("methods", "List calculation groups and their methods");
+  CLI::App* command = app.add_subcommand("methods", "list calculation groups and their methods");
   command->add_option("--group", *group, "only this group, or a folder of workbooks");
   command->callback([group, &context] { runMethods(*group, context); });
 }

@@ -81,7 +81,7 @@ void listMinerals(const MineralsRequest& request, CommandContext& context) {
 void addMineralsCommand(CLI::App& app, CommandContext& context) {
   auto request = std::make_shared<MineralsRequest>();
   CLI::App* command =
-      app.add_subcommand("minerals", "List minerals: id, symbol, name, formula, density");
+      app.add_subcommand("minerals", "list minerals: id, symbol, name, formula, density");
   command
       ->add_option("--element", request->elements,
                    "only minerals with this element; may be repeated")

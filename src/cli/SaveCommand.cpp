@@ -56,8 +56,8 @@ void runSave(const SaveOptions& options, CommandContext& context) {
 void addSaveCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<SaveOptions>();
   CLI::App* command =
-      app.add_subcommand("save", "Identify analysis files and save them in a database");
-  command->add_option("files", options->files, "workbooks and text files")->required();
+      app.add_subcommand("save", "identify analysis files and save them in a database");
+  command->add_option("FILES", options->files, "workbooks and text files")->required();
   command->add_option("--db", options->database, "database file; made if it is not there")
       ->required();
   command->add_flag("--merge", options->merge,

@@ -126,9 +126,9 @@ void runStatement(const SqlRequest& request, CommandContext& context) {
 void addSqlCommand(CLI::App& app, CommandContext& context) {
   auto request = std::make_shared<SqlRequest>();
   CLI::App* command =
-      app.add_subcommand("sql", "Run a statement on a database and print the records it gives");
-  command->add_option("database", request->database, "the database")->required();
-  command->add_option("statement", request->statement, "the statement, in the Jet dialect")
+      app.add_subcommand("sql", "run a statement on a database and print the records it gives");
+  command->add_option("DATABASE", request->database, "the database")->required();
+  command->add_option("STATEMENT", request->statement, "the statement, in the Jet dialect")
       ->required();
   command->add_option("--format", request->format, "how records are printed: tsv, csv or json")
       ->check(CLI::IsMember({"tsv", "csv", "json"}));
