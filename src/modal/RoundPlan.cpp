@@ -91,37 +91,6 @@ void requireSize(const PlannedRound& round) {
               std::to_string(frmSolve::largestSystem) + " cannot be solved");
 }
 
-// An item such as "SiO2 (12) / XRF" counts by its row, whatever its label says.
-void reportLabel(const std::string& item, int row, const Worksheet& F1ELoc, const Log& log) {
-  const std::string label(trimBlanks(std::string_view(item).substr(0, item.find('('))));
-  if (label.empty() || row < 1 || row > F1ELoc.LastRow()) return;
-  for (const int column :
-       {eloc::Element, eloc::Form, eloc::MineralField, eloc::Oxide, eloc::Oxide2}) {
-    const std::string name = F1ELoc.TextRC(row, column);
-    if (label == name || label == name.substr(0, name.find(' '))) return;
-  }
-  log("Equation " + item + " takes " + F1ELoc.TextRC(row, eloc::Element) + ", element row " +
-      std::to_string(row) + ", not " + label);
-}
-
-void reportModel(const Worksheet& F1CalcOpt, const PlannedRound& round, int row, const Log& log) {
-  const std::string model = F1CalcOpt.TextRC(row, setup::Model);
-  const auto taken = static_cast<int>(round.model);
-  if (model.empty() || parseInteger(model) == taken) return;
-  log("Estimation model " + model + " of round " + std::to_string(round.number) +
-      " is not known: " + modelCaptions()[static_cast<size_t>(taken)] + " is taken");
-}
-
-// The solver's work space grows with the square of the larger side.
-void requireSize(const PlannedRound& round) {
-  const size_t side = std::max(round.equations.size(), round.minerals.size());
-  if (round.isFormula || side <= static_cast<size_t>(frmSolve::largestSystem)) return;
-  throw Error("Round " + std::to_string(round.number) + " has " +
-              std::to_string(round.equations.size()) + " equations and " +
-              std::to_string(round.minerals.size()) + " minerals: more than " +
-              std::to_string(frmSolve::largestSystem) + " cannot be solved");
-}
-
 PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalData& data,
                              const ModalLists& lists, Worksheet& F1X) {
   PlannedEquation equation;
@@ -265,14 +234,6 @@ RoundPlan planRounds(const Worksheet& F1CalcOpt, const Worksheet& F1ELoc, const 
   }
   for (const int number : roundNumbers(F1CalcOpt)) {
     plan.rounds.push_back(planRound(F1CalcOpt, number, data, lists, F1MC, F1X, plan.perSample));
-  }
-  for (const PlannedRound& round : plan.rounds) {
-    reportModel(F1CalcOpt, round, findRound(F1CalcOpt, round.number).first, log);
-    requireSize(round);
-    for (const PlannedEquation& equation : round.equations) {
-      if (equation.kind != EquationKind::Assay) continue;
-      reportLabel(equation.item, equation.element + 1, F1ELoc, log);
-    }
   }
   for (const PlannedRound& round : plan.rounds) {
     reportModel(F1CalcOpt, round, findRound(F1CalcOpt, round.number).first, log);
