@@ -29,6 +29,12 @@ TextSize sizeOf(std::string_view text, const TextSplit& split) {
   return size;
 }
 
+bool isStream(std::string_view path) {
+  std::error_code ignored;
+  const auto kind = std::filesystem::status(nativePath(path), ignored).type();
+  return kind == std::filesystem::file_type::fifo || kind == std::filesystem::file_type::character;
+}
+
 // Whether a text that was read cell by cell between tabs is better taken by the text reader.
 bool needsTextReader(const std::string& text) {
   const auto lines = textLines(text);
@@ -49,7 +55,9 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
   if (path.empty()) return;
   FileType type = FileType::Text;
   std::string unread;  // why the file is no workbook
-  if (kind != "ASCII") {
+  if (isStream(path)) {
+    unread = "a stream can only be read as text";
+  } else if (kind != "ASCII") {
     try {
       type = F1D.Read(path);
     } catch (const Error& failure) {
