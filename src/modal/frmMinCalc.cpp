@@ -345,6 +345,10 @@ bool frmMinCalc::RetAndCalc(int mode) {
   request.minerals = &minerals_;
   request.allTotal = chkAllTot.checked();
   request.digits = parseInteger(txtDigits.text()).value_or(defaultDigits);
+  if (!txtDigits.text().empty() && !isNumericText(txtDigits.text())) {
+    session_.log.LisaaLog("Decimals " + txtDigits.text() +
+                          " are no number: " + std::to_string(defaultDigits) + " are taken");
+  }
   request.setUpName = setUpName;
   try {
     if (!minerals_.IsOpen()) {
