@@ -45,10 +45,6 @@ std::vector<double> readXFile(const PlannedEquation& equation, const XLine& x,
 }
 
 int methodIndex(const ModalData& data, int element, const std::string& method) {
-  // An equation of a database names table and field.
-  if (method.find(" | ") != std::string::npos) {
-    return methodIndex(data, element, methodOfStored(method));
-  }
   const auto& names = data.methodNames;
   const auto hit = std::find(names.begin(), names.end(), method);
   const int named = hit == names.end() ? -1 : static_cast<int>(hit - names.begin());
@@ -91,6 +87,12 @@ void requireSize(const PlannedRound& round) {
               std::to_string(frmSolve::largestSystem) + " cannot be solved");
 }
 
+// An item of a database names table and field, which may hold slashes: "Cu (29) / A | Cu/AR/ppm".
+std::string methodOf(const Worksheet& F1CalcOpt, int row, const std::string& item) {
+  const bool isField = item.find(" | ") != std::string::npos;
+  return isField ? methodOfStored(item) : F1CalcOpt.TextRC(row, setup::Method);
+}
+
 PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalData& data,
                              const ModalLists& lists, Worksheet& F1X) {
   PlannedEquation equation;
@@ -104,7 +106,8 @@ PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalDat
   switch (equation.kind) {
     case EquationKind::Assay:
       equation.element = parseInteger(F1CalcOpt.TextRC(row, setup::ElementRow)).value_or(0) - 1;
-      equation.method = methodIndex(data, equation.element, F1CalcOpt.TextRC(row, setup::Method));
+      equation.method =
+          methodIndex(data, equation.element, methodOf(F1CalcOpt, row, equation.item));
       equation.assay = data.assayOf(equation.element, equation.method);
       break;
     case EquationKind::XFile:

@@ -389,7 +389,7 @@ std::string sampleMasterTable(MappedDatabase& database) {
   std::string best;
   double most = -1;
   for (const std::string& table : database.map.tables()) {
-    if (database.map.PrimaryKeyField(table).empty()) continue;
+    if (keyFields(database.map, table).size() != 1) continue;
     const auto count =
         database.connection.OpenRecordset("SELECT Count(*) FROM " + quoteName(table));
     const double records = count->Eof() ? 0 : fieldNumber(count->Value(0));

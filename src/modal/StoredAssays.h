@@ -35,7 +35,7 @@ std::string methodOfStored(std::string_view text);
 AssayColumn describeField(std::string_view table, std::string_view field, const Worksheet& F1ELoc);
 
 /// The table with a record for every sample: the one that the view @Samples stands on, else Sample,
-/// else, of the tables that can hold assays, the one with the most records. Throws Error when
+/// else, of the tables with a key of one field, the one with the most records. Throws Error when
 /// there is none.
 std::string sampleMasterTable(MappedDatabase& database);
 

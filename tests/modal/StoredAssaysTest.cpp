@@ -199,5 +199,19 @@ TEST_F(Stored, FormOffersFields) {
   EXPECT_EQ(form.lstElR.item(0), "Cu (1) / A | Cu/AR/ppm");
 }
 
+TEST_F(Stored, EquationsNameTableAndField) {
+  samples();
+  sql("CREATE TABLE [A] ([SampleNo] LONG PRIMARY KEY, [Cu/%] SINGLE, [Cu/AR/ppm] SINGLE)");
+  sql("INSERT INTO [A] VALUES (1, 7, 34600)");
+  retrieve();
+  round({{"M/Ccp/1", false, false}}, {{assayItem("Cu", 1, "A | Cu/AR/ppm"), {}}});
+  mineral(1, {{1, 34.6}});
+  mineral(2, {{1, 34.6}});  // F1Disso has a column per mineral and method
+  run();
+  EXPECT_EQ(result.F1MC.ValueRC(1, 1).asNumber(), 1);
+  EXPECT_EQ(result.F1MC.TextRC(1, 2), "10.000") << session.log.txtLog.text();
+  EXPECT_EQ(result.F1MC.TextRC(2, 2), "0.000");
+}
+
 }  // namespace
 }  // namespace lodex
