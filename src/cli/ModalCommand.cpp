@@ -264,26 +264,37 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
     throw Error("No equation of " + options.setUp + " has an assay in " + sourceName(options));
   }
 
+  // Saved first: a reader of the printed tables may stop before their end.
+  const Worksheet book = resultBook(result, setUp.lists, tables.F1ELoc, report,
+                                    session.log.txtLog.text(), setUp.digits);
+  const std::string saved = save(book, options, session.record);
   printAmounts(context.out, result);
   printResiduals(context.out, result, setUp.digits);
   printNotes(context.out, result, request.setUpName);
-  const Worksheet book = resultBook(result, setUp.lists, tables.F1ELoc, report,
-                                    session.log.txtLog.text(), setUp.digits);
-  context.out << '\n' << save(book, options, session.record) << '\n';
+  context.out << '\n' << saved << '\n';
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code missing;
+  return std::filesystem::equivalent(nativePath(a), nativePath(b), missing);
 }
 
 // Told before the work rather than behind it.
-void requireKnownEnding(const std::string& path) {
-  static constexpr const char* endings[] = {"txt", "tsv", "csv", "xls", "xlsx", "vts"};
-  const std::string ending = extensionOf(path);
+void requireGoodTarget(const ModalOptions& options) {
+  static constexpr const char* endings[] = {"xls", "xlsx", "vts"};
+  const std::string ending = extensionOf(options.out);
   if (std::find(std::begin(endings), std::end(endings), ending) == std::end(endings)) {
-    throw Error("Cannot tell from " + path +
-                " what to write: the ending must be txt, tsv, csv, xls, xlsx or vts");
+    throw Error(options.out + ": results fill several sheets; the ending must be xls, xlsx or vts");
+  }
+  for (const std::string& source : {options.assays, options.setUp, options.database}) {
+    if (isSameFile(options.out, source)) {
+      throw Error(options.out + " is what the calculation reads; save under another name");
+    }
   }
 }
 
 void runModal(const ModalOptions& options, CommandContext& context) {
-  if (!options.out.empty()) requireKnownEnding(options.out);
+  if (!options.out.empty()) requireGoodTarget(options);
   ImportConsole console(context, {});
   LoadedSetUp setUp = loadSetUp(options);
   const std::string report = reportOf(setUp);
@@ -299,7 +310,7 @@ void runModal(const ModalOptions& options, CommandContext& context) {
 void addModalCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<ModalOptions>();
   CLI::App* command =
-      app.add_subcommand("modal", "Calculate how much of which mineral the samples hold");
+      app.add_subcommand("modal", "calculate how much of which mineral the samples hold");
   auto* assays = command->add_option("--assays", options->assays, "file of assays, any kind");
   auto* database =
       command->add_option("--db", options->database, "database with the assays")->excludes(assays);

@@ -127,6 +127,7 @@ TEST_F(ModalCommand, RefusesClearly) {
   writeFileWhole(path("odd.mmq"), "1\n\nM/Nosuch/123456789\nCu (29) / <<First>>\n2\n");
   writeFileWhole(path("empty.mmq"), "1\tx\n");
   writeFileWhole(path("assays.txt"), "Sample\tCu ppm\nA-1\t34625\n");
+  writeFileWhole(path("assays.xls"), "Sample\tCu ppm\nA-1\t34625\n");
   writeFileWhole(path("words.txt"), "Sample\tRock\nA-1\tgranite\n");
   const struct {
     const char *arguments, *reason;
@@ -141,6 +142,8 @@ TEST_F(ModalCommand, RefusesClearly) {
       {"--assays assays.txt --setup odd.mmq", "No chemistry for M/Nosuch/123456789", 1},
       {"--assays assays.txt --setup two.mmq --minerals no.mdb", "no.mdb does not exist", 1},
       {"--assays assays.txt --setup two.mmq --out x.doc", "x.doc", 1},
+      {"--assays assays.txt --setup two.mmq --out assays.txt", "must be xls, xlsx or vts", 1},
+      {"--assays assays.xls --setup two.mmq --out assays.xls", "what the calculation reads", 1},
       {"--assays assays.txt --setup two.mmq --sheet Data", "has no sheet Data", 1},
       {"--db none.mdb --setup two.mmq", "none.mdb", 1},
       {"--db none.mdb --assays assays.txt --setup two.mmq", "excludes", 2},
