@@ -31,7 +31,8 @@ struct InputRow {
 /// The sources of an element are those of the item-source map, in its order, except that
 /// - a heading with a method puts columns of that method first;
 /// - an oxide puts columns of other oxides of its element last;
-/// - where a method asks for several forms of one element (FeO and Fe2O3, S and SO3), a column feeds
+/// - where a method asks for several forms of one element (FeO and Fe2O3, S and SO3), a column
+/// feeds
 ///   only one of them: the form that it holds, else the first one. Iron that was analysed as Fe2O3
 ///   is not counted again as FeO.
 /// An item that names no element is looked for by its text in the ELEMENT and HEADER rows of the

@@ -10,14 +10,37 @@ namespace lodex {
 /// Columns of F1ELoc, the element location table.
 namespace eloc {
 enum Column {
-  Element = 1, Table, Form, MineralTable, MineralField, Multiplier, Disso, DissoFldNo, PhaseTable,
-  PhaseField, Oxide, Oxide2, MulitEl, MultiOx, MultiOx2
+  Element = 1,
+  Table,
+  Form,
+  MineralTable,
+  MineralField,
+  Multiplier,
+  Disso,
+  DissoFldNo,
+  PhaseTable,
+  PhaseField,
+  Oxide,
+  Oxide2,
+  MulitEl,
+  MultiOx,
+  MultiOx2
 };
 }
 
 /// Sheets of F1Key1, the classification workbook, by number.
 namespace key1 {
-enum Sheet { Thesaurus = 1, Multiplier, Unit, Unit_Multipl, METHOD, Page, Member, Mineral, listbox };
+enum Sheet {
+  Thesaurus = 1,
+  Multiplier,
+  Unit,
+  Unit_Multipl,
+  METHOD,
+  Page,
+  Member,
+  Mineral,
+  listbox
+};
 }
 
 /// The hidden reference tables, loaded from the text files of the installation. Row 1 of F1El is

@@ -69,7 +69,7 @@ const std::string& sourceName(const ModalOptions& options) {
   return options.database.empty() ? options.assays : options.database;
 }
 
-// --- The assays ---------------------------------------------------------------------------------
+// --- The assays ---
 
 // The sheet of that name; without one the first sheet of the file.
 frmDataIN& chooseSheet(DataSheets& sheets, const ModalOptions& options, std::ostream& err) {
@@ -121,7 +121,7 @@ void mapStoredAssays(const ModalOptions& options, ImportConsole& console, Mapped
                  [&](const std::string& line) { session.log.LisaaLog(line, LogKind::Log); });
 }
 
-// --- What is printed ----------------------------------------------------------------------------
+// --- What is printed ---
 
 void printAmounts(std::ostream& out, const frmResult& result) {
   out << "Modal composition, %\n\n";
@@ -165,7 +165,7 @@ void printNotes(std::ostream& out, const frmResult& result, const std::string& s
   }
 }
 
-// --- Saving -------------------------------------------------------------------------------------
+// --- Saving ---
 
 bool fitsXls(const Worksheet& book) {
   for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
@@ -202,7 +202,7 @@ std::string stemOf(const std::string& path) {
   return name.substr(0, name.rfind('.'));
 }
 
-// --- The command --------------------------------------------------------------------------------
+// --- The command ---
 
 // True when a set-up asks for assays at all; one of X lines alone does not.
 bool wantsAssays(const Worksheet& F1CalcOpt) {

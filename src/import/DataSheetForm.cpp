@@ -100,8 +100,7 @@ void DataSheetForm::connectControls() {
   }
 }
 
-// --- The numbers of the structure
-// ------------------------------------------------------------------
+// --- The numbers of the structure ---
 
 SheetStructure DataSheetForm::structure() const {
   SheetStructure numbers;

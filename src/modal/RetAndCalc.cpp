@@ -107,7 +107,7 @@ bool Driver::aborted() {
   return true;
 }
 
-// --- Retrieval -----------------------------------------------------------------------------------
+// --- Retrieval ---
 
 void Driver::retrieve() {
   progress("Retrieving methods ...", 2);
@@ -180,7 +180,7 @@ void Driver::simulate(ErrorSimulation& simulation) {
   perturb(result_.F1D2, 1, simulation.dissolution, result_.F1Disso);
 }
 
-// --- Solving -------------------------------------------------------------------------------------
+// --- Solving ---
 
 void Driver::solve() {
   progress("Solving...", 6);

@@ -66,8 +66,7 @@ void frmMinCalc::guarded(const std::function<void()>& command) {
   }
 }
 
-// --- Elements and methods
-// --------------------------------------------------------------------------
+// --- Elements and methods ---
 
 void frmMinCalc::Alusta() {
   retrieveData = true;
@@ -144,8 +143,7 @@ void frmMinCalc::addEquation(std::string_view item, const XLine& x) {
   xLines_.push_back(x);
 }
 
-// --- The lists of a round
-// --------------------------------------------------------------------------
+// --- The lists of a round ---
 
 void frmMinCalc::addMineral(int index) {
   if (index < 0 || index >= lstMin.count()) return;
@@ -204,8 +202,7 @@ void frmMinCalc::UpDown1(int step) {
   HaeKierros();
 }
 
-// --- X lines
-// ---------------------------------------------------------------------------------------
+// --- X lines ---
 
 void frmMinCalc::showXColumns() {
   lstXCol.clear();
@@ -263,8 +260,7 @@ void frmMinCalc::acceptXLine() {
   }
 }
 
-// --- Files and commands
-// ----------------------------------------------------------------------------
+// --- Files and commands ---
 
 void frmMinCalc::takeOpenSave() {
   ValmistaF1CalcOpt(F1OpenSave, F1CalcOpt);

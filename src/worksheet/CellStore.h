@@ -127,7 +127,9 @@ class CellStore {
   /// Number of columns with storage, and of blocks in one of them (columns from 1).
   int storedColumns() const { return columns_.empty() ? 0 : static_cast<int>(columns_.size()) - 1; }
   size_t storedBlocks(int column) const {
-    return static_cast<size_t>(column) < columns_.size() ? columns_[static_cast<size_t>(column)].blocks.size() : 0;
+    return static_cast<size_t>(column) < columns_.size()
+               ? columns_[static_cast<size_t>(column)].blocks.size()
+               : 0;
   }
 
  private:

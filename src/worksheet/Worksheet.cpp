@@ -54,7 +54,7 @@ Worksheet::~Worksheet() = default;
 Worksheet::Worksheet(Worksheet&&) noexcept = default;
 Worksheet& Worksheet::operator=(Worksheet&&) noexcept = default;
 
-// --- Access checks -------------------------------------------------------------------------------
+// --- Access checks ---
 
 const Worksheet::SheetData& Worksheet::data(int sheet) const {
   if (sheet < 1 || sheet > NumSheets()) {
@@ -83,8 +83,7 @@ void Worksheet::failCell(const SheetData& sheet, int row, int column) {
               " rows, " + std::to_string(sheet.maxColumn) + " columns)");
 }
 
-// --- Cells
-// -----------------------------------------------------------------------------------------
+// --- Cells ---
 
 std::string Worksheet::displayed(const Cell& cell) const {
   if (isTextKind(cell.kind)) return std::string(SharedText::viewOf(cell.text));
@@ -196,8 +195,7 @@ void Worksheet::RowText(int row, std::string_view text) {
   store(data(current_).rowTexts, row, std::string(text));
 }
 
-// --- Sheets
-// ----------------------------------------------------------------------------------------
+// --- Sheets ---
 
 void Worksheet::NumSheets(int count) {
   if (count < 1) throw Error("A workbook has at least one sheet");
@@ -296,8 +294,7 @@ void Worksheet::MaxCol(int columns) {
   data(current_).maxColumn = columns;
 }
 
-// --- Appearance
-// --------------------------------------------------------------------------------------
+// --- Appearance ---
 
 const CellFormat& Worksheet::formatOf(int sheet, int row, int column) const {
   return formats_->at(checked(sheet, row, column).cells.format(row, column));

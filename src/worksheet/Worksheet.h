@@ -88,7 +88,7 @@ class Worksheet {
   Worksheet(const Worksheet&) = delete;
   Worksheet& operator=(const Worksheet&) = delete;
 
-  // --- Cells ---------------------------------------------------------------------------------
+  // --- Cells ---
 
   /// The cell's text as displayed under its format; "" exactly for an empty cell. Setting stores
   /// text; text that is a number in its usual spelling is stored as that number, any other numeric
@@ -153,7 +153,7 @@ class Worksheet {
   std::string RowText(int row) const;
   void RowText(int row, std::string_view text);
 
-  // --- Sheets --------------------------------------------------------------------------------
+  // --- Sheets ---
 
   int NumSheets() const { return static_cast<int>(sheets_.size()); }
   /// Adds empty sheets at the end or removes the last ones.
@@ -187,7 +187,7 @@ class Worksheet {
   /// The handle that CopyRange takes as its source.
   const Worksheet& SS() const { return *this; }
 
-  // --- Ranges and selection --------------------------------------------------------------------
+  // --- Ranges and selection ---
 
   /// Clears contents and formats of a block; ends beyond the sheet are cut.
   void ClearRange(int row1, int column1, int row2, int column2, int type = 1);
@@ -229,7 +229,7 @@ class Worksheet {
   /// Makes this workbook a copy of another one, all sheets.
   void CopyAll(const Worksheet& source);
 
-  // --- Files -----------------------------------------------------------------------------------
+  // --- Files ---
 
   /// Loads a file into the whole workbook and returns its kind, told by content. Throws FileError
   /// and keeps the former content when the file is missing, damaged or of no known kind.
@@ -240,7 +240,7 @@ class Worksheet {
   std::string WriteToBlob() const;
   void ReadFromBlob(std::string_view blob);
 
-  // --- Formulas --------------------------------------------------------------------------------
+  // --- Formulas ---
 
   /// Brings every formula of the workbook up to date. The first call evaluates all of them, later
   /// ones what depends on a change. A formula that cannot be computed (a function nobody knows, a
@@ -253,7 +253,7 @@ class Worksheet {
   const std::vector<DefinedName>& definedNames() const { return names_; }
   void setDefinedNames(std::vector<DefinedName> names);
 
-  // --- Appearance ------------------------------------------------------------------------------
+  // --- Appearance ---
 
   const CellFormat& formatOf(int sheet, int row, int column) const;
   void setFormat(int sheet, int row, int column, const CellFormat& format);
@@ -281,7 +281,7 @@ class Worksheet {
   bool dates1904() const { return dates1904_; }
   void dates1904(bool from1904);
 
-  // --- For file readers and writers and the formula engine ---------------------------------------
+  // --- For file readers and writers and the formula engine ---
 
   const CellStore& cells(int sheet) const { return data(sheet).cells; }
   /// Fetch it anew after a Recalc: the formulas learn of a change only through this call.

@@ -100,8 +100,7 @@ std::string Worksheet::formulaProblem(int sheet, int row, int column) const {
   return FormulaEngine::problemOf(*this, sheet, row, column);
 }
 
-// --- References that follow
-// --------------------------------------------------------------------------
+// --- References that follow ---
 
 // Changes the references of all formulas and names, or only of those that name a sheet. `change`
 // gets the sheet that a reference without a sheet of its own means (0 in a name) and returns true

@@ -117,8 +117,7 @@ TEST_F(ShippedGroupTest, CalculatesTheExamples) {
   }
 }
 
-// --- Normalised patterns, indices
-// ------------------------------------------------------------------
+// --- Normalised patterns, indices ---
 
 TEST(ReeTest, NormalisesToChondrite) {
   ShippedMethod ree("ROCK/REE");

@@ -22,7 +22,7 @@ TEST(Elements, NumberOfTheSymbolAtTheHead) {
       {"PbZn", 0, 0, "PbZn"},                            // nor does Z
       {"CL", 0, 0, "CL"},       {"Feo", 0, 0, "Feo"},      {"Unq", 104, 104, "Unq"},
       {"Unh", 106, 106, "Unh"}, {"Rf", 0, 0, "Rf"},        {"Mg#", 0, 0, "Mg#"},
-      {"LOI", 0, 0, "L"},     {"si", 0, 0, "si"},        {"2H", 0, 0, "2H"},
+      {"LOI", 0, 0, "L"},       {"si", 0, 0, "si"},        {"2H", 0, 0, "2H"},
       {"Sä", 0, 0, "Sä"},
   };
   for (const Row& row : rows) {

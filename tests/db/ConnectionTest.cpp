@@ -90,8 +90,8 @@ TEST_F(ConnectionTest, TellsWhyAFileCannotBeOpened) {
   const struct {
     std::string file, reason;
   } rows[] = {
-      {"missing.mdb", "does not exist"},  {"folder.mdb", "is a folder"},
-      {"text.mdb", "is no database"},     {"empty.mdb", "is no database"},
+      {"missing.mdb", "does not exist"},      {"folder.mdb", "is a folder"},
+      {"text.mdb", "is no database"},         {"empty.mdb", "is no database"},
       {"access.mdb", "cannot be brought in"}, {"accdb.mdb", "cannot be brought in"},
       {"damaged.mdb", "is damaged"},
   };

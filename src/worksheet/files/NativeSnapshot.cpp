@@ -37,7 +37,7 @@ std::uint32_t crc32(std::string_view bytes) {
 
 }  // namespace
 
-// --- Output --------------------------------------------------------------------------------------
+// --- Output ---
 
 class SnapshotWriter {
  public:
@@ -85,7 +85,7 @@ class SnapshotWriter {
   std::string bytes_;
 };
 
-// --- Input ---------------------------------------------------------------------------------------
+// --- Input ---
 
 class SnapshotReader {
  public:
@@ -164,8 +164,7 @@ class SnapshotReader {
   std::string_view rest_;
 };
 
-// --- The parts of a workbook
-// -----------------------------------------------------------------------
+// --- The parts of a workbook ---
 
 namespace {
 

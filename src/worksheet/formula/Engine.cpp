@@ -58,8 +58,7 @@ void FormulaEngine::forBlock(Worksheet& book, const Entry& entry, Visit visit) {
   }
 }
 
-// --- Planning
-// ----------------------------------------------------------------------------------------
+// --- Planning ---
 
 void FormulaEngine::plan(Worksheet& book) {
   if (!evaluator_ || &evaluator_->book() != &book) {
@@ -186,8 +185,7 @@ void FormulaEngine::order(Worksheet& book) {
   }
 }
 
-// --- Recalculation
-// --------------------------------------------------------------------------------------
+// --- Recalculation ---
 
 void FormulaEngine::recalc(Worksheet& book) {
   const bool all = !planned_;
@@ -334,8 +332,7 @@ void FormulaEngine::storeValue(const Entry& place, FormulaCell& cell, const Oper
                 static_cast<int>(place.column));
 }
 
-// --- Reporting
-// -------------------------------------------------------------------------------------------
+// --- Reporting ---
 
 RecalcReport FormulaEngine::report(const Worksheet& book) const {
   RecalcReport report;

@@ -53,8 +53,7 @@ double Evaluator::localTime() {
   return localTime_;
 }
 
-// --- Cells and conversions
-// ---------------------------------------------------------------------------
+// --- Cells and conversions ---
 
 Operand Evaluator::fromFormula(FormulaCell& formula) {
   if (formula.pass != pass_) {
@@ -245,8 +244,7 @@ Area Evaluator::used(const Area& area) const {
   return cut;
 }
 
-// --- Running
-// -------------------------------------------------------------------------------------------
+// --- Running ---
 
 void Evaluator::run(const Code& code, Segment segment, Operand* stack) {
   Operand* top = stack;
@@ -498,8 +496,7 @@ Operand Evaluator::combineReferences(Operator op, const Operand& left, const Ope
   return common.size() == 1 ? Operand(common.front()) : newAreas(std::move(common));
 }
 
-// --- Functions
-// -------------------------------------------------------------------------------------------
+// --- Functions ---
 
 bool Evaluator::convert(char letter, Operand& argument, Operand& error) {
   const bool optional = letter >= 'a';

@@ -34,7 +34,7 @@ class Evaluator {
   /// Set by `evaluate` when it met something that cannot be computed; null if not.
   const std::string* unknown() const { return unknown_; }
 
-  // --- For function routines -------------------------------------------------------------------
+  // --- For function routines ---
 
   const Worksheet& book() const { return *book_; }
   const Place& place() const { return place_; }

@@ -145,8 +145,7 @@ Operand fnCountBlank(Evaluator& ev, Arguments a) {
   return sheets * area.rows() * area.columns() - filled;
 }
 
-// --- Deviations
-// ------------------------------------------------------------------------------------
+// --- Deviations ---
 
 enum class Spread { Sample, Population };
 
@@ -171,8 +170,7 @@ Operand spreadOfAll(Evaluator& ev, Arguments a, Spread kind, bool root) {
   return spread(numbers, kind, root);
 }
 
-// --- Products of areas
-// -----------------------------------------------------------------------------
+// --- Products of areas ---
 
 // What does not hold a number counts as 0.
 Operand fnSumProduct(Evaluator& ev, Arguments a) {
@@ -230,8 +228,7 @@ Operand sumOfPairs(Evaluator& ev, Arguments a, Term term) {
   return sum;
 }
 
-// --- SUBTOTAL and AGGREGATE
-// ------------------------------------------------------------------------
+// --- SUBTOTAL and AGGREGATE ---
 
 struct SubtotalOptions {
   bool skipHidden = false;

@@ -10,8 +10,7 @@
 namespace lodex::formula {
 namespace {
 
-// --- Number bases
-// ------------------------------------------------------------------------------------
+// --- Number bases ---
 
 // Texts have up to ten digits; with the highest digit set they are negative (two's complement).
 double capacityOf(int base) {
@@ -70,8 +69,7 @@ Operand fromDecimal(Evaluator& ev, Arguments a) {
   return toBase(ev, a[0].number, to, a);
 }
 
-// --- Complex numbers, as text such as "3+4i"
-// -----------------------------------------------------------
+// --- Complex numbers, as text such as "3+4i" ---
 
 struct ComplexText {
   std::complex<double> value;
@@ -156,8 +154,7 @@ Operand foldComplex(Evaluator& ev, Arguments a, std::complex<double> start, Fold
   return complexText(ev, start, z.unit);
 }
 
-// --- Units
-// -----------------------------------------------------------------------------------------------
+// --- Units ---
 
 struct Unit {
   char kind;      // units of one kind convert into each other

@@ -105,7 +105,7 @@ void forEncryptedBytes(std::string& stream, const Record& filePass, Change chang
   }
 }
 
-// --- RC4: the key changes every 1024 bytes of the stream ----------------------------------------
+// --- RC4: the key changes every 1024 bytes of the stream ---
 
 class Rc4Key {
  public:
@@ -195,7 +195,7 @@ void decryptCryptoApi(std::string& stream, const Record& filePass, ByteReader in
   decryptRc4(stream, filePass, key);
 }
 
-// --- XOR -----------------------------------------------------------------------------------------
+// --- XOR ---
 
 unsigned passwordHash() {
   unsigned hash = 0;

@@ -176,7 +176,7 @@ class Decoder {
     }
   }
 
-  // --- Operators -----------------------------------------------------------------------------
+  // --- Operators ---
 
   bool binary(const BinaryOperator& op) {
     Piece right, left;
@@ -217,7 +217,7 @@ class Decoder {
     return true;
   }
 
-  // --- Functions -----------------------------------------------------------------------------
+  // --- Functions ---
 
   bool function(std::string_view functionName, size_t count) {
     if (stack_.size() < count) return false;
@@ -260,7 +260,7 @@ class Decoder {
     return !name.empty() && function(name, count - 1);
   }
 
-  // --- Names ---------------------------------------------------------------------------------
+  // --- Names ---
 
   bool pushName(const std::vector<Name>& names, size_t index, const std::string& prefix = {}) {
     if (index == 0 || index > names.size()) return push("#NAME?");
@@ -311,7 +311,7 @@ class Decoder {
     return pushName(links_.books[static_cast<size_t>(book) - 1], index);
   }
 
-  // --- References ----------------------------------------------------------------------------
+  // --- References ---
 
   struct Position {
     int row = 0;
@@ -384,7 +384,7 @@ class Decoder {
     return isArea ? area(false, prefix) : push(prefix + cell(position(false)));
   }
 
-  // --- Data behind the tokens ------------------------------------------------------------------
+  // --- Data behind the tokens ---
 
   bool memoryArea() {
     in_.skip(links_.version == 2 ? 4 : 6);

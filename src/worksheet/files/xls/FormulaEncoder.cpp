@@ -261,7 +261,7 @@ class Encoder {
     }
   }
 
-  // --- References ------------------------------------------------------------------------------
+  // --- References ---
 
   static bool fits(const formula::CellRef& at) {
     return at.row >= 1 && at.row <= maxRowsOfXls && at.column >= 1 && at.column <= maxColumnsOfXls;
@@ -336,7 +336,7 @@ class Encoder {
     return true;
   }
 
-  // --- Functions -------------------------------------------------------------------------------
+  // --- Functions ---
 
   Class argumentClass(char letter, Class around) const {
     switch (letter) {

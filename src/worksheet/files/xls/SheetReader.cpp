@@ -184,8 +184,7 @@ void SheetReader::cellRecord(const Record& record, RecordStream& records) {
   }
 }
 
-// --- Cells
-// -----------------------------------------------------------------------------------------
+// --- Cells ---
 
 SheetReader::Place SheetReader::place(ByteReader& in) {
   Place at;
@@ -291,8 +290,7 @@ void SheetReader::boolErr(const Place& at, ByteReader in) {
   setValue(at, isError ? Value::error(errorOfCode(value)) : Value::boolean(value != 0));
 }
 
-// --- Formulas
-// --------------------------------------------------------------------------------------
+// --- Formulas ---
 
 std::string SheetReader::stringRecord(const Record& record, RecordStream& records) {
   ByteReader in(record.data);
@@ -422,8 +420,7 @@ void SheetReader::store(const Place& at, const std::string& text, const Value& c
   if (block) cells_.at(at.row + 1, at.column + 1).formula->array = std::move(block);
 }
 
-// --- Rows, columns, window
-// ---------------------------------------------------------------------------
+// --- Rows, columns, window ---
 
 void SheetReader::rowRecord(ByteReader in) {
   const int row = in.u16();

@@ -173,8 +173,7 @@ void SheetWriter::window() {
   out_.u16(2);
 }
 
-// --- Cells
-// -----------------------------------------------------------------------------------------
+// --- Cells ---
 
 void SheetWriter::cellHead(std::uint16_t id, int row, int column, unsigned style) {
   out_.begin(id);
@@ -268,8 +267,7 @@ void SheetWriter::value(int row, int column, const Value& value, std::uint32_t f
   }
 }
 
-// --- Formulas
-// --------------------------------------------------------------------------------------
+// --- Formulas ---
 
 void SheetWriter::formula(int row, int column, const Cell& cell) {
   const FormulaCell& formula = *cell.formula;

@@ -93,8 +93,7 @@ void WorkbookReader::read() {
   file_.out.Sheet(std::max(active, 1));
 }
 
-// --- The general part
-// --------------------------------------------------------------------------------
+// --- The general part ---
 
 // False for a record that is no general one.
 bool WorkbookReader::globalRecord(const Record& record, Styles& styles) {
@@ -273,8 +272,7 @@ void WorkbookReader::takeNames() {
   file_.out.setDefinedNames(std::move(names));
 }
 
-// --- Sheets
-// ------------------------------------------------------------------------------------------
+// --- Sheets ---
 
 bool WorkbookReader::readTab(const Tab& tab) {
   RecordStream records(stream_, tab.start);
