@@ -357,6 +357,10 @@ TEST(FormulaParser, PrintsWhatItHasRead) {
     ASSERT_TRUE(node) << text << ": " << problem;
     EXPECT_EQ(formula::formulaText(*node), text);
   }
+  // Blanks around a colon are no part of a name.
+  std::string problem;
+  EXPECT_EQ(formula::formulaText(*formula::parseFormula("H:z:z :z", problem)), "H:Z:Z:Z");
+  EXPECT_EQ(formula::formulaText(*formula::parseFormula("SUM(a1 : b2)", problem)), "SUM(A1:B2)");
 }
 
 TEST(FormulaParser, RefusesWhatIsNoFormula) {

@@ -433,7 +433,10 @@ class Parser {
     if (!parseEnd(first)) return false;
     const size_t afterFirst = pos_;
     RangeEnd second;
-    const bool isRange = accept(':') && parseEnd(second) && endsReference() &&
+    skipBlanks();
+    const bool colon = accept(':');
+    if (colon) skipBlanks();
+    const bool isRange = colon && parseEnd(second) && endsReference() &&
                          first.hasRow == second.hasRow && first.hasColumn == second.hasColumn;
     if (!isRange) {
       pos_ = afterFirst;
