@@ -106,6 +106,16 @@ void ListBox::setCurrent(int index) {
   assign(current_, index);
 }
 
+void ListBox::click(int index) {
+  setCurrent(index);
+  if (enabled() && click_) click_(index);
+}
+
+void ListBox::activate(int index) {
+  setCurrent(index);
+  if (enabled() && activate_) activate_(index);
+}
+
 void Button::click() {
   if (enabled() && command_) command_();
 }

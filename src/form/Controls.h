@@ -120,6 +120,13 @@ class ListBox : public Control {
   int current() const { return current_; }
   void setCurrent(int index);
 
+  /// What a click on an item does, also on the one that is current already.
+  void onClick(std::function<void(int index)> command) { click_ = std::move(command); }
+  void click(int index);
+  /// What a double click or Enter on an item does.
+  void onActivate(std::function<void(int index)> command) { activate_ = std::move(command); }
+  void activate(int index);
+
  private:
   struct Item {
     std::string text;
@@ -130,6 +137,8 @@ class ListBox : public Control {
   Item& at(int index);
   std::vector<Item> items_;
   int current_ = -1;
+  std::function<void(int)> click_;
+  std::function<void(int)> activate_;
 };
 
 /// A list with an edit field: the text may be none of the items.

@@ -4,6 +4,10 @@
 
 namespace lodex {
 
+Form::~Form() {
+  for (const auto& ending : endings_) ending();
+}
+
 void Form::setCaption(std::string_view caption) {
   caption_ = caption;
   changed();
@@ -11,6 +15,7 @@ void Form::setCaption(std::string_view caption) {
 
 void Form::show() {
   visible_ = true;
+  closed_ = false;
   changed();
 }
 
@@ -20,6 +25,7 @@ void Form::hide() {
 }
 
 void Form::close() {
+  closed_ = true;
   hide();
 }
 

@@ -15,7 +15,7 @@ class Form {
  public:
   explicit Form(std::string_view name, std::string_view caption = {})
       : name_(name), caption_(caption) {}
-  virtual ~Form() = default;
+  virtual ~Form();
   Form(const Form&) = delete;
   Form& operator=(const Form&) = delete;
 
@@ -26,8 +26,11 @@ class Form {
   bool visible() const { return visible_; }
   virtual void show();
   virtual void hide();
-  /// Unloads the window; observers are told once.
+  /// Unloads the window; observers are told once. Showing the form again loads it anew.
   virtual void close();
+  bool closed() const { return closed_; }
+  /// The user gave the window the focus.
+  virtual void activate() {}
 
   /// The control of that name without regard to case, or null.
   Control* control(std::string_view name) const;
@@ -35,6 +38,8 @@ class Form {
 
   /// Called after show, hide, close and a new caption.
   void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+  /// Called when the form comes to its end, its controls already gone.
+  void onDestroy(std::function<void()> observer) { endings_.push_back(std::move(observer)); }
 
  private:
   friend class Control;
@@ -43,8 +48,10 @@ class Form {
   std::string name_;
   std::string caption_;
   bool visible_ = false;
+  bool closed_ = false;
   std::vector<Control*> controls_;
   std::vector<std::function<void()>> observers_;
+  std::vector<std::function<void()>> endings_;
 };
 
 }  // namespace lodex

@@ -24,7 +24,7 @@ class frmLog : public Form {
   /// Empties both panes.
   void clear();
   /// An empty error pane receives "No Errors" when the window is activated.
-  void activate();
+  void activate() override;
 };
 
 /// The status line of long jobs: the bar, its text and the Abort button.
