@@ -98,9 +98,17 @@ frmDataIN& DataSheets::insertSheet(int place, std::string_view caption) {
   auto made = std::make_unique<frmDataIN>(context_, caption);
   frmDataIN& sheet = *made;
   sheet.onClosed = [this](frmDataIN& closing) { removeSheet(closing); };
+  sheet.onActivated = [this](frmDataIN& active) { last_ = &active; };
   sheets_.insert(sheets_.begin() + (place - 1), std::move(made));
   renumber();
+  last_ = &sheet;
+  if (onNewSheet) onNewSheet(sheet);
   return sheet;
+}
+
+frmDataIN* DataSheets::LastSheet() {
+  if (last_ == nullptr && !sheets_.empty()) last_ = sheets_.back().get();
+  return last_;
 }
 
 void DataSheets::renumber() {
@@ -111,6 +119,7 @@ void DataSheets::removeSheet(frmDataIN& closing) {
   const auto place = std::find_if(sheets_.begin(), sheets_.end(),
                                   [&](const auto& sheet) { return sheet.get() == &closing; });
   if (place == sheets_.end()) return;
+  if (last_ == &closing) last_ = nullptr;
   closed_.push_back(std::move(*place));
   sheets_.erase(place);
   closing.setSheetNumber(0);
@@ -168,6 +177,7 @@ void DataSheets::openSources(const std::vector<std::string>& files) {
     try {
       opened.OpenFile(file, "", "", false);
     } catch (...) {
+      last_ = nullptr;
       sheets_.pop_back();
       throw;
     }
@@ -210,16 +220,25 @@ void DataSheets::makeNamesUnique() {
   }
 }
 
+void DataSheets::fillList(ListBox& list, const std::vector<std::string>& names,
+                          bool newOnesSelected) {
+  const ListMarks before(list);
+  list.clear();
+  for (const std::string& name : names) list.add(name);
+  before.restore(list, newOnesSelected);
+}
+
 void DataSheets::TarkastaJaLisaaListaan() {
   makeNamesUnique();
-  for (ListBox* list : {&lstI, &lstSrcF, &lstSrcD}) {
-    const ListMarks before(*list);
-    list->clear();
-    for (const auto& sheet : sheets_) list->add(sheet->caption());
-    if (list == &lstSrcD && result.F1D.LastRow() > 0) list->add(result.caption());
-    // What was just opened is what the user is going to identify.
-    before.restore(*list, list == &lstI);
-  }
+  std::vector<std::string> names;
+  for (const auto& sheet : sheets_) names.push_back(sheet->caption());
+  // What was just opened is what the user is going to identify.
+  fillList(lstI, names, true);
+  const std::vector<std::string> tables =
+      sourceTables ? sourceTables() : std::vector<std::string>();
+  fillList(lstSrcF, tables.empty() ? names : tables, false);
+  if (result.F1D.LastRow() > 0) names.push_back(result.caption());
+  fillList(lstSrcD, names, false);
 }
 
 bool DataSheets::IDENTIFY(bool askLog) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -34,8 +35,15 @@ class DataSheets {
   frmDataIN& sheet(int number);
   /// The first sheet with that window name; null if there is none.
   frmDataIN* find(std::string_view name);
+  /// The sheet that was worked with last; null if there is none.
+  frmDataIN* LastSheet();
   /// All sheets as places to look for items.
   std::vector<ItemSheet> itemSheets();
+
+  /// Told of every new sheet before it gets its content.
+  std::function<void(frmDataIN&)> onNewSheet{};
+  /// Names that stand in lstSrcF in place of the sheets; none while samples come from sheets.
+  std::function<std::vector<std::string>()> sourceTables{};
 
   /// Adds an empty sheet named with the prefix and its running number, as in "New Data 3".
   frmDataIN& newSheet(std::string_view prefix);
@@ -59,11 +67,13 @@ class DataSheets {
   void spreadSheets(frmDataIN& first);
   void removeSheet(frmDataIN& sheet);
   void renumber();
+  void fillList(ListBox& list, const std::vector<std::string>& names, bool newOnesSelected);
   void makeNamesUnique();
 
   ImportContext& context_;
   std::vector<std::unique_ptr<frmDataIN>> sheets_;
   std::vector<std::unique_ptr<frmDataIN>> closed_;  // until their own close() has returned
+  frmDataIN* last_ = nullptr;  // of sheets_
   std::string lastFolder_;
 };
 

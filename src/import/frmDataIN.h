@@ -43,6 +43,11 @@ class frmDataIN : public DataSheetForm {
   /// Closes the window and tells the list of data sheets.
   void close() override;
   std::function<void(frmDataIN&)> onClosed;
+  /// The user works with this window now.
+  void activate() override {
+    if (onActivated) onActivated(*this);
+  }
+  std::function<void(frmDataIN&)> onActivated;
 
  private:
   TextSplit askedSplit(std::string_view text, std::string_view separator);

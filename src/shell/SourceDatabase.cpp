@@ -1,0 +1,80 @@
+#include "shell/SourceDatabase.h"
+
+#include <string_view>
+
+namespace lodex {
+namespace {
+
+constexpr std::string_view usualKeyField = "SampleNo";
+
+}  // namespace
+
+SourceDatabase::SourceDatabase(Session& session, ImportContext& import, frmDB& form,
+                               DataSheets& sheets, Calculations& calculations)
+    : session_(session),
+      import_(import),
+      form_(form),
+      sheets_(sheets),
+      calculations_(calculations) {
+  form_.onChange([this] { sourceChanged(); });
+  sheets_.sourceTables = [this] {
+    return pathInUse().empty() ? std::vector<std::string>() : form_.source().map.tables();
+  };
+}
+
+std::string SourceDatabase::pathInUse() const {
+  return form_.SourceDbInUse ? form_.txtDB.text() : std::string();
+}
+
+bool SourceDatabase::AvaaDB(const std::string& path, const MapRequest& request) {
+  forgetTables();
+  const bool opened = form_.AvaaDB(path, request);
+  listed_.clear();
+  sourceChanged();
+  if (!opened) return false;
+  PushLastFile(session_.record, path, "Session");
+  form_.show();
+  return true;
+}
+
+// Whenever a database begins or ends to be the source, the list and the calculations follow.
+void SourceDatabase::sourceChanged() {
+  const std::string inUse = pathInUse();
+  if (inUse == listed_) return;
+  listed_ = inUse;
+  forgetTables();
+  session_.record.SourcesBuilt = false;
+  if (inUse.empty()) {
+    calculations_.databaseTables = nullptr;
+  } else {
+    calculations_.databaseTables = [this] { return selectedTables(); };
+  }
+  sheets_.TarkastaJaLisaaListaan();
+}
+
+// The key of the key table, else the table's own, else the usual one.
+std::string SourceDatabase::keyField(const std::string& table, int row) const {
+  const DatabaseMap& map = form_.source().map;
+  for (const std::string& keyed : {form_.txtKeyTable.text(), table}) {
+    const std::string key = keyed.empty() ? std::string() : map.PrimaryKeyField(keyed);
+    if (!key.empty() && map.fieldColumn(row, key) > 0) return key;
+  }
+  return std::string(usualKeyField);
+}
+
+// Only what is selected is read: a database may hold millions of records in other tables.
+SourceSheets SourceDatabase::selectedTables() {
+  if (!tables_) tables_ = std::make_unique<ReadTables>();
+  MappedDatabase& database = form_.source();
+  for (const int item : sheets_.lstSrcF.selectedItems()) {
+    const std::string& table = sheets_.lstSrcF.item(item);
+    const int row = database.map.tableRow(table);
+    if (row == 0 || tables_->names.contains(table)) continue;
+    const std::string key = keyField(table, row);
+    tables_->tables.add(database.connection, table, row, key, import_.converter);
+    tables_->names.insert(table);
+  }
+  return tables_->tables.sheets();
+}
+
+}  // namespace lodex

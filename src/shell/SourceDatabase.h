@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+
+#include "calc/Calculations.h"
+#include "calc/DatabaseTables.h"
+#include "db/frmDB.h"
+#include "import/DataSheets.h"
+
+namespace lodex {
+
+/// Samples from a source database in place of open sheets: while one is in use, its tables stand in
+/// lstSrcF and the calculations read them.
+class SourceDatabase {
+ public:
+  SourceDatabase(Session& session, ImportContext& import, frmDB& form, DataSheets& sheets,
+                 Calculations& calculations);
+
+  /// Opens a database as the source, puts it on the list of last databases and shows its window.
+  /// False when it could not be opened, which has been told.
+  bool AvaaDB(const std::string& path, const MapRequest& request = {true, true, false});
+  /// What was read of the tables is read anew at the next need.
+  void forgetTables() { tables_.reset(); }
+  /// The open source database; "" when samples come from the sheets.
+  std::string pathInUse() const;
+
+ private:
+  void sourceChanged();
+  SourceSheets selectedTables();
+  std::string keyField(const std::string& table, int row) const;
+
+  Session& session_;
+  ImportContext& import_;
+  frmDB& form_;
+  DataSheets& sheets_;
+  Calculations& calculations_;
+  struct ReadTables {
+    DatabaseTables tables;
+    std::set<std::string> names;
+  };
+  std::unique_ptr<ReadTables> tables_;
+  std::string listed_;  // the database whose tables stand in lstSrcF
+};
+
+}  // namespace lodex
