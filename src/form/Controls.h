@@ -111,6 +111,9 @@ class ListBox : public Control {
   void setItem(int index, std::string_view text);
   void insert(int index, std::string_view text);
   void remove(int index);
+  /// Whether several items may be selected at once, where the view does not say so itself.
+  bool multiple() const { return multiple_; }
+  void setMultiple(bool multiple) { assign(multiple_, multiple); }
   bool selected(int index) const { return at(index).selected; }
   void setSelected(int index, bool selected);
   void selectAll(bool selected);
@@ -137,6 +140,7 @@ class ListBox : public Control {
   Item& at(int index);
   std::vector<Item> items_;
   int current_ = -1;
+  bool multiple_ = false;
   std::function<void(int)> click_;
   std::function<void(int)> activate_;
 };
@@ -194,8 +198,25 @@ class Grid : public Control {
   const Worksheet& sheet() const { return *sheet_; }
   void refresh() { changed(); }
 
+  /// What a click into a cell does; row or column is 0 for a click on a heading.
+  void onClick(std::function<void(int row, int column)> command) { click_ = std::move(command); }
+  void click(int row, int column) {
+    if (enabled() && click_) click_(row, column);
+  }
+  /// While picking the view shows that the next click chooses a row or column.
+  bool picking() const { return picking_; }
+  void setPicking(bool picking) { assign(picking_, picking); }
+  /// What happens after the user changed cells.
+  void onEdit(std::function<void()> command) { edit_ = std::move(command); }
+  void edited() {
+    if (edit_) edit_();
+  }
+
  private:
   Worksheet* sheet_;
+  bool picking_ = false;
+  std::function<void(int, int)> click_;
+  std::function<void()> edit_;
 };
 
 }  // namespace lodex

@@ -1,0 +1,45 @@
+#include "gui/Application.h"
+
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QMessageBox>
+
+#include "gui/QtText.h"
+
+namespace lodex {
+
+Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
+  setApplicationName(QStringLiteral("lodexgeo"));
+  setApplicationDisplayName(QStringLiteral("Lodex Geo"));
+  setDesktopFileName(QStringLiteral("lodexgeo"));
+  setWindowIcon(QIcon(QStringLiteral(":/icons/lodexgeo.svg")));
+}
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+  try {
+    return QApplication::notify(receiver, event);
+  } catch (const std::bad_alloc&) {
+    QMessageBox::critical(activeWindow(), applicationDisplayName(),
+                          tr("There is not enough memory for this."));
+  } catch (const std::exception& failure) {
+    QMessageBox::critical(activeWindow(), applicationDisplayName(), toQt(failure.what()));
+  }
+  return false;
+}
+
+void Application::setLanguage(const QString& language) {
+  const QLocale locale = language.isEmpty() ? QLocale::system() : QLocale(language);
+  removeTranslator(&captions_);
+  removeTranslator(&qtCaptions_);
+  if (captions_.load(locale, QStringLiteral("lodexgeo"), QStringLiteral("_"),
+                     QStringLiteral(":/translations"))) {
+    installTranslator(&captions_);
+  }
+  if (qtCaptions_.load(locale, QStringLiteral("qtbase"), QStringLiteral("_"),
+                       QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    installTranslator(&qtCaptions_);
+  }
+}
+
+}  // namespace lodex

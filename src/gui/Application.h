@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QApplication>
+#include <QTranslator>
+
+namespace lodex {
+
+/// The Qt application: an exception that a command did not trap ends in a message instead of in
+/// the end of the program.
+class Application : public QApplication {
+ public:
+  Application(int& argc, char** argv);
+  bool notify(QObject* receiver, QEvent* event) override;
+
+  /// The language of the captions, as "fi"; empty for that of the system, "en" for the original.
+  void setLanguage(const QString& language);
+
+ private:
+  QTranslator captions_;
+  QTranslator qtCaptions_;
+};
+
+}  // namespace lodex

@@ -1,0 +1,138 @@
+#include "gui/Binder.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QHash>
+#include <QLabel>
+#include <QPointer>
+
+#include "gui/BinderLinks.h"
+#include "gui/QtText.h"
+
+namespace lodex {
+
+struct Binding::Link {
+  Control* control = nullptr;
+  QPointer<QObject> object;
+  std::function<void()> show;
+  bool stale = true;
+  bool visible = true;
+  bool enabled = true;
+  std::string toolTip{};
+};
+
+namespace {
+
+using NamedObjects = QHash<QString, QList<QObject*>>;
+
+NamedObjects objectsByName(QWidget& root) {
+  NamedObjects found;
+  const auto add = [&found](QObject* object) {
+    if (!object->objectName().isEmpty()) found[object->objectName().toLower()].append(object);
+  };
+  for (QObject* object : root.findChildren<QObject*>()) {
+    if (qobject_cast<QWidget*>(object) || qobject_cast<QAction*>(object)) add(object);
+  }
+  return found;
+}
+
+void setShown(QObject& object, bool shown) {
+  if (auto* widget = qobject_cast<QWidget*>(&object)) widget->setVisible(shown);
+  if (auto* action = qobject_cast<QAction*>(&object)) action->setVisible(shown);
+}
+
+void setUsable(QObject& object, bool usable) {
+  if (auto* widget = qobject_cast<QWidget*>(&object)) widget->setEnabled(usable);
+  if (auto* action = qobject_cast<QAction*>(&object)) action->setEnabled(usable);
+}
+
+void setHint(QObject& object, const QString& hint) {
+  if (auto* widget = qobject_cast<QWidget*>(&object)) {
+    widget->setToolTip(hint);
+    widget->setStatusTip(hint);
+  }
+  if (auto* action = qobject_cast<QAction*>(&object)) {
+    action->setToolTip(hint);
+    action->setStatusTip(hint);
+  }
+}
+
+}  // namespace
+
+Binding::Binding(Form& form, QWidget& root) : QObject(&root), form_(form) {
+  const NamedObjects objects = objectsByName(root);
+  for (Control* control : form.controls()) {
+    const QString name = toQt(control->name()).toLower();
+    bindControl(*control, objects.value(name));
+    bindCaption(*control, objects.value(name + QStringLiteral("caption")));
+  }
+  // The form outlives its window or not; both ways neither touches the other afterwards.
+  form.onDestroy([self = QPointer<Binding>(this)] { delete self.data(); });
+  flush();
+}
+
+Binding::~Binding() = default;
+
+void Binding::bindControl(Control& control, const QList<QObject*>& objects) {
+  for (QObject* object : objects) add(control, *object);
+  if (objects.isEmpty()) missing_ << toQt(control.name());
+}
+
+void Binding::bindCaption(Control& control, const QList<QObject*>& objects) {
+  for (QObject* object : objects) {
+    auto* label = qobject_cast<QLabel*>(object);
+    if (!label || control.caption().empty()) continue;
+    label->setText(QCoreApplication::translate(form_.name().c_str(), control.caption().c_str()));
+  }
+}
+
+void Binding::add(Control& control, QObject& object) {
+  auto link = std::make_unique<Link>();
+  link->control = &control;
+  link->object = &object;
+  Link& added = *link;
+  links_.push_back(std::move(link));
+  added.show =
+      connectWidget({control, object, *this,
+                     [this](const std::string& text) {
+                       return QCoreApplication::translate(form_.name().c_str(), text.c_str());
+                     },
+                     [this] { flush(); }});
+  if (!added.show) missing_ << toQt(control.name());
+  control.onChange([self = QPointer<Binding>(this), &added] {
+    if (self) self->changed(added);
+  });
+}
+
+void Binding::changed(Link& link) {
+  link.stale = true;
+  if (flushQueued_) return;
+  flushQueued_ = true;
+  QMetaObject::invokeMethod(
+      this, [this] { flush(); }, Qt::QueuedConnection);
+}
+
+void Binding::flush() {
+  flushQueued_ = false;
+  for (const auto& link : links_) {
+    if (!link->stale || !link->object) continue;
+    link->stale = false;
+    const Control& control = *link->control;
+    if (link->visible != control.visible()) setShown(*link->object, control.visible());
+    if (link->enabled != control.enabled()) setUsable(*link->object, control.enabled());
+    if (link->toolTip != control.toolTip()) {
+      const std::string& hint = control.toolTip();
+      setHint(*link->object, QCoreApplication::translate(form_.name().c_str(), hint.c_str()));
+    }
+    link->visible = control.visible();
+    link->enabled = control.enabled();
+    link->toolTip = control.toolTip();
+    if (link->show) link->show();
+  }
+}
+
+Binding* bindForm(Form& form, QWidget& root) {
+  return new Binding(form, root);
+}
+
+}  // namespace lodex

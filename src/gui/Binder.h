@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "form/Form.h"
+
+namespace lodex {
+
+/// Keeps a form's controls and the widgets of a window in step. A control is bound to every widget
+/// or action below the root whose object name is the control's name, in any case.
+///
+///   Label          QLabel (text), QGroupBox (title), any other widget (visible and enabled only)
+///   TextBox        QLineEdit, QPlainTextEdit, QSpinBox, QLabel
+///   CheckBox       QCheckBox and other checkable buttons, QAction, checkable QGroupBox
+///   OptionButtons  QTabWidget, QTabBar, QStackedWidget, QComboBox, or a widget with QRadioButtons
+///   ListBox        QListWidget, QComboBox, PeriodicTable
+///   ComboBox       QComboBox
+///   Button         QAbstractButton, QAction; a MenuItem also its check mark
+///   ProgressBar    QProgressBar
+///   Grid           WorksheetView
+///
+/// What the user does reaches the control at once. What the form does reaches the widgets with the
+/// next turn of the event loop, so that filling a list of thousands paints once. A control's
+/// caption is shown, translated, where it has one; else the window's own text stays. The caption of
+/// a text box or list goes to the QLabel named after it with "Caption" behind.
+///
+/// Dynamic properties of widgets: "checkBoxes" gives a QListWidget a box per item, "commitOnFinish"
+/// lets a QLineEdit hand over its text at Enter or when left instead of with each key.
+class Binding : public QObject {
+ public:
+  /// The binding belongs to the root and ends with it, or with the form.
+  Binding(Form& form, QWidget& root);
+  ~Binding() override;
+
+  /// Controls for which there is no widget.
+  const QStringList& missing() const { return missing_; }
+  /// Brings all widgets up to date now.
+  void flush();
+
+  struct Link;  // one control and one widget
+
+ private:
+  void bindControl(Control& control, const QList<QObject*>& objects);
+  void bindCaption(Control& control, const QList<QObject*>& objects);
+  void add(Control& control, QObject& object);
+  void changed(Link& link);
+
+  Form& form_;
+  std::vector<std::unique_ptr<Link>> links_;
+  QStringList missing_;
+  bool flushQueued_ = false;
+};
+
+/// Binds a form to a window; the binding is a child of the root.
+Binding* bindForm(Form& form, QWidget& root);
+
+}  // namespace lodex

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <string>
+
+#include "form/Controls.h"
+
+namespace lodex {
+
+/// What a connection works on. `context` ends with the binding, and Qt's connections with it;
+/// `beforeUse` brings the widget up to date before something is read off its items.
+struct LinkParts {
+  Control& control;
+  QObject& object;
+  QObject& context;
+  std::function<QString(const std::string&)> translated;
+  std::function<void()> beforeUse;
+};
+
+/// Connects what the user does in the widget, and returns the function that shows the control's
+/// state in it. Empty when this kind of widget cannot show this kind of control.
+std::function<void()> connectWidget(const LinkParts& parts);
+
+}  // namespace lodex

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+namespace lodex {
+
+/// Makes the widgets of a form's Designer file, which is compiled in as :/forms/<name>.ui. Custom
+/// widgets (WorksheetView, PeriodicTable) are known by their class names. Throws Error when there
+/// is no such file or it is damaged.
+QWidget* loadFormFile(const QString& formName, QWidget* parent = nullptr);
+
+}  // namespace lodex

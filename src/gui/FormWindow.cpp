@@ -1,0 +1,95 @@
+#include "gui/FormWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMainWindow>
+#include <QVBoxLayout>
+#include <memory>
+
+#include "gui/FormLoader.h"
+#include "gui/QtText.h"
+#include "gui/WindowPlaces.h"
+
+namespace lodex {
+
+FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&form) {
+  setObjectName(toQt(form.name()));
+  setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+  setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
+  QWidget* content = loadFormFile(toQt(form.name()), this);
+  setWindowIcon(QApplication::windowIcon());
+  setWindowTitle(content->windowTitle());
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(content);
+  resize(content->size());
+  binding_ = bindForm(form, *this);
+  follow();
+  const QPointer<FormWindow> self(this);
+  form.onChange([self] {
+    if (self) self->follow();
+  });
+  form.onDestroy([self] {
+    if (!self) return;
+    self->form_ = nullptr;
+    self->hide();
+    self->deleteLater();
+  });
+}
+
+FormWindow::~FormWindow() {
+  if (placed_) rememberPlace(*this);
+}
+
+// Only title and end are the form's business; who shows the window depends on whether it is modal.
+void FormWindow::follow() {
+  if (!form_->caption().empty()) {
+    setWindowTitle(QCoreApplication::translate(form_->name().c_str(), form_->caption().c_str()));
+  }
+  if (!form_->visible() && isVisible()) hide();
+}
+
+void FormWindow::dismiss() {
+  if (dismissing_ || !form_) return;
+  dismissing_ = true;
+  if (auto* cancel = dynamic_cast<Button*>(form_->control("cmdCancel"))) cancel->click();
+  if (form_ && form_->visible()) form_->close();
+  dismissing_ = false;
+}
+
+void FormWindow::reject() {
+  dismiss();
+  QDialog::reject();
+}
+
+void FormWindow::closeEvent(QCloseEvent* event) {
+  dismiss();
+  event->accept();
+}
+
+void FormWindow::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && form_) form_->activate();
+}
+
+void FormWindow::showEvent(QShowEvent* event) {
+  if (!placed_) restorePlace(*this);
+  placed_ = true;
+  QDialog::showEvent(event);
+}
+
+void FormViews::watch(Form& form) {
+  auto window = std::make_shared<QPointer<FormWindow>>();
+  form.onChange([&form, window, this] {
+    if (!form.visible()) {
+      if (form.closed() && *window) (*window)->deleteLater();
+      return;
+    }
+    if (!*window) *window = new FormWindow(form, parent_);
+    if ((*window)->isVisible()) return;
+    (*window)->show();
+    (*window)->raise();
+  });
+}
+
+}  // namespace lodex

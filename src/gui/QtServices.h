@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QWidget>
+
+#include "form/Dialogs.h"
+#include "form/EventPump.h"
+#include "worksheet/Clipboard.h"
+
+namespace lodex {
+
+/// Questions to the person at the screen. File dialogues start where the last one of their kind
+/// ended, also in the next session.
+class QtDialogs : public Dialogs {
+ public:
+  /// Questions stand above this window.
+  void setParent(QWidget* parent) { parent_ = parent; }
+
+  Answer messageBox(std::string_view text, MessageButtons buttons, MessageIcon icon,
+                    std::string_view title) override;
+  std::optional<std::string> inputBox(std::string_view prompt, std::string_view title,
+                                      std::string_view proposal) override;
+  std::vector<std::string> openFiles(const FileRequest& request) override;
+  std::optional<std::string> saveFile(const FileRequest& request) override;
+  std::optional<int> selectFromList(std::string_view title,
+                                    const std::vector<std::string>& items) override;
+  void showModal(Form& form) override;
+
+ private:
+  QWidget* owner() const;
+  QPointer<QWidget> parent_;
+};
+
+/// Runs pending events between two units of a long job. The user can do nothing meanwhile but press
+/// Abort: everything else would work on data that the job is changing.
+class QtEventPump : public QObject, public EventPump {
+ public:
+  QtEventPump();
+  void pump() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QElapsedTimer sincePump_;
+  bool pumping_ = false;
+};
+
+class QtClipboardText : public Clipboard {
+ public:
+  std::string text() override;
+  void setText(std::string_view text) override;
+};
+
+/// "Text files (*.txt)|*.txt|All files (*.*)|*.*" in the form of Qt's file dialogues.
+QString qtFileFilter(std::string_view filter);
+
+}  // namespace lodex

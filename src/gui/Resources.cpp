@@ -1,0 +1,17 @@
+#include "gui/Resources.h"
+
+#include <QtCore/qglobal.h>
+
+// Outside of any namespace, as the macro wants it.
+static void initResources() {
+  Q_INIT_RESOURCE(forms);
+  Q_INIT_RESOURCE(icons);
+}
+
+namespace lodex {
+
+void loadResources() {
+  initResources();
+}
+
+}  // namespace lodex

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+/// What the windows remember from one session to the next, in a settings file of the user's: places
+/// and sizes, folders of file dialogues, looks.
+namespace lodex {
+
+/// Keeps the window's place and size under its object name.
+void rememberPlace(const QWidget& window);
+/// Puts the window where it was, if a screen still shows that place. False when nothing is known.
+bool restorePlace(QWidget& window);
+
+QString remembered(const QString& key, const QString& otherwise = {});
+void remember(const QString& key, const QString& value);
+
+}  // namespace lodex
