@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/Commands.h"
+#include "db/OpenDatabase.h"
 #include "session/Session.h"
 
 namespace lodex {
@@ -10,12 +11,20 @@ namespace lodex {
 class CliSession {
  public:
   explicit CliSession(CommandContext& context)
-      : dialogs_(context.err, context.answers), session_(Services{dialogs_, events_, clipboard_}) {
+      : err_(context.err),
+        dialogs_(context.err, context.answers),
+        session_(Services{dialogs_, events_, clipboard_}) {
     session_.ReadSession(context.appFolder, true, true);
   }
   Session& session() { return session_; }
 
+  /// Opens a database and prints what is to be told of that to standard error.
+  void open(Connection& connection, std::string_view path);
+  /// Prints a pane of the log to standard error, each line behind `prefix`.
+  void printLines(const TextBox& pane, std::string_view prefix = "lodex: ") const;
+
  private:
+  std::ostream& err_;
   ConsoleDialogs dialogs_;
   NoEvents events_;
   MemoryClipboard clipboard_;

@@ -21,10 +21,12 @@ struct CombineOptions {
 void runCombine(const CombineOptions& options, CommandContext& context) {
   CliSession console(context);
   for (const std::string& source : options.sources) {
-    if (!pathExists(source)) throw FileError("Database " + source + " does not exist");
+    if (namesServer(source) || pathExists(source)) continue;
+    throw FileError("Database " + source + " does not exist");
   }
-  if (!pathExists(options.into)) createDatabase(options.into);
+  if (!namesServer(options.into) && !pathExists(options.into)) createDatabase(options.into);
   const CombineOutcome outcome = combineDatabases(console.session(), options.sources, options.into);
+  console.printLines(console.session().log.txtErr);
   context.out << replaceAll(console.session().log.txtLog.text(), "\r\n", "\n") << '\n';
   if (outcome.errors > 0) {
     throw Error(std::to_string(outcome.errors) + " records were not written, " +

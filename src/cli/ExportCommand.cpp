@@ -3,7 +3,7 @@
 #include <memory>
 #include <ostream>
 
-#include "cli/Commands.h"
+#include "cli/CliSession.h"
 #include "db/Connection.h"
 #include "db/Export.h"
 
@@ -21,9 +21,9 @@ void addExportCommand(CLI::App& app, CommandContext& context) {
                    "a folder for texts with schema.ini and a script, or a workbook (.xlsx)")
       ->required();
   command->callback([options, &context] {
+    CliSession console(context);
     Connection connection;
-    connection.Open(ConnectionString(options->database, "", ""));
-    for (const auto& warning : connection.Warnings()) context.err << "lodex: " << warning << '\n';
+    console.open(connection, options->database);
     for (const auto& remark : exportDatabase(connection, options->out)) {
       context.err << "lodex: " << remark << '\n';
     }

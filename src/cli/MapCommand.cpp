@@ -4,7 +4,6 @@
 #include <ostream>
 
 #include "basic/Error.h"
-#include "basic/Text.h"
 #include "cli/CliSession.h"
 #include "db/MapDatabase.h"
 
@@ -35,9 +34,7 @@ void runMap(const MapOptions& options, CommandContext& context) {
   database.path = options.database;
   const MapRequest request{true, !options.refresh, options.refresh};
   const MapResult result = MapDatabase(session, database, request);
-  for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
-    if (!line.empty()) context.err << "lodex: " << line << '\n';
-  }
+  console.printLines(session.log.txtErr);
   if (result != MapResult::Mapped) throw Error("Error in opening database " + options.database);
   printRows(context.out, "table", database.map.F1Key2);
   printRows(context.out, "key", database.map.F1Avain);

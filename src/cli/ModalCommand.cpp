@@ -14,6 +14,7 @@
 #include "cli/WorkbookFiles.h"
 #include "db/Connection.h"
 #include "db/MapDatabase.h"
+#include "db/OpenDatabase.h"
 #include "modal/ResultBook.h"
 #include "modal/RetAndCalc.h"
 #include "modal/SetUp.h"
@@ -106,16 +107,23 @@ AssaySheet sourceOf(const frmDataIN& sheet) {
           sheet.IDColumn()};
 }
 
+// What the log says of a database that was opened, an Access file say.
+void tellOfOpening(ImportConsole& console) {
+  frmLog& log = console.session().log;
+  console.printLines(log.txtErr.text(), "lodex: ");
+  log.clear();
+}
+
 // Opens the database and finds its assays, afresh every time: it may have got new fields since.
 void mapStoredAssays(const ModalOptions& options, ImportConsole& console, MappedDatabase& database,
                      StoredSource& source, Worksheet& F1Ref) {
   Session& session = console.session();
   database.path = options.database;
   if (MapDatabase(session, database, {true, false, false}) != MapResult::Mapped) {
-    console.printLines(session.log.txtErr.text(), "lodex: ");
+    tellOfOpening(console);
     throw Error("Error in opening database " + options.database);
   }
-  session.log.clear();
+  tellOfOpening(console);
   source = {&database, options.filter, ""};
   buildMethodMap(source, console.tables().F1ELoc, F1Ref,
                  [&](const std::string& line) { session.log.LisaaLog(line, LogKind::Log); });
@@ -222,7 +230,8 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
                                    : options.minerals;
   if (database.empty()) throw Error("There is no mineral database; name one with --minerals");
   Connection minerals;
-  minerals.Open(ConnectionString(database, "", ""));
+  openDatabase(session, minerals, database);
+  tellOfOpening(console);
 
   ModalRequest request;
   request.F1CalcOpt = &setUp.F1CalcOpt;

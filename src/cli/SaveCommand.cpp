@@ -31,10 +31,10 @@ void runSave(const SaveOptions& options, CommandContext& context) {
   console.printLines(console.session().log.txtErr.text(), "lodex: ");
 
   frmDDB destination(console.session());
-  if (!destination.openDestination(options.database, true)) {
-    console.printLines(console.session().log.txtErr.text(), "lodex: ");
-    throw Error("Error in opening database " + options.database);
-  }
+  console.session().log.clear();
+  const bool opened = destination.openDestination(options.database, true);
+  console.printLines(console.session().log.txtErr.text(), "lodex: ");
+  if (!opened) throw Error("Error in opening database " + options.database);
   DataSheets& sheets = console.sheets();
   SavingStage stage(console.shell(), console.session(), sheets, destination);
   stage.chkMerge.setChecked(options.merge || options.overwrite);

@@ -8,7 +8,6 @@
 #include "cli/Commands.h"
 #include "db/Connection.h"
 #include "db/Recordset.h"
-#include "db/Servers.h"
 
 namespace lodex {
 
@@ -105,14 +104,9 @@ void printJson(Recordset& records, std::ostream& out) {
 }
 
 void runStatement(const SqlRequest& request, CommandContext& context) {
-  const std::string target = ConnectionString(request.database, "", "");
-  if (connectionItem(target, "Provider") == "MSDAORA") {
-    CliSession session(context);
-    useServerIni(session.session().record.UserIni, session.session().record.MainIni);
-  }
+  CliSession console(context);
   Connection connection;
-  connection.Open(target);
-  for (const auto& warning : connection.Warnings()) context.err << "lodex: " << warning << '\n';
+  console.open(connection, request.database);
   std::ostream& out = context.out;
   const auto records = connection.OpenRecordset(request.statement, CursorKind::ForwardOnly);
   if (records->Fields().empty()) return;

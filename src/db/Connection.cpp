@@ -5,7 +5,6 @@
 #include "db/Driver.h"
 #include "db/Errors.h"
 #include "db/Recordset.h"
-#include "db/Servers.h"
 #include "db/drivers/jet/AccessTwin.h"
 #include "db/drivers/odbc/OdbcDriver.h"
 #include "db/drivers/sqlite/SqliteDriver.h"
@@ -36,11 +35,15 @@ std::string_view passwordIn(std::string_view connectionString) {
 
 }  // namespace
 
-std::string ConnectionString(std::string_view path, std::string_view user,
-                             std::string_view password) {
+bool namesServer(std::string_view path) {
   const bool isFile =
       path.find(".mdb") != std::string_view::npos || path.find(".MDB") != std::string_view::npos;
-  if (!isFile && toUpper(path).find(".ORA") != std::string::npos) {
+  return !isFile && toUpper(path).find(".ORA") != std::string::npos;
+}
+
+std::string ConnectionString(std::string_view path, std::string_view user,
+                             std::string_view password) {
+  if (namesServer(path)) {
     return "Provider=" + std::string(kOracleProvider) + ";User ID=" + std::string(user) +
            ";Password=" + std::string(password) +
            ";Data Source=" + std::string(path.substr(0, path.size() - 4));
@@ -89,20 +92,20 @@ Connection::~Connection() = default;
 Connection::Connection(Connection&&) noexcept = default;
 Connection& Connection::operator=(Connection&&) noexcept = default;
 
-void Connection::Open(std::string_view connectionString) {
+void Connection::Open(std::string_view connectionString, const ServerIni& servers) {
   if (driver_) throw Error("The connection is open already", dberror::ObjectOpen);
+  warnings_.clear();
   const std::string provider = connectionItem(connectionString, "Provider");
   const std::string source = connectionItem(connectionString, "Data Source");
   if (equalsNoCase(provider, kOracleProvider)) {
-    driver_ =
-        openOdbc(source, serverConnectionText(source, connectionItem(connectionString, "User ID"),
-                                              passwordIn(connectionString)));
+    const std::string user = connectionItem(connectionString, "User ID");
+    driver_ = openOdbc(
+        source, serverConnectionText(servers, source, user, passwordIn(connectionString)));
     return;
   }
   if (!equalsNoCase(provider, kJetProvider)) {
     throw Error("The connection text names no known provider: " + provider, dberror::BadArgument);
   }
-  warnings_.clear();
   driver_ = isAccessFile(source) ? openAccessTwin(source, warnings_) : openSqliteFile(source);
   driver_->busyTimeout(kBusyTimeout);
 }

@@ -8,6 +8,7 @@
 
 #include "db/FieldTypes.h"
 #include "db/Schema.h"
+#include "db/Servers.h"
 
 namespace lodex {
 
@@ -18,6 +19,9 @@ class Recordset;
 /// database, any other path with ".ORA" (in any case) an Oracle service, all else a file database.
 std::string ConnectionString(std::string_view path, std::string_view user,
                              std::string_view password);
+
+/// True when a path names a service and no file.
+bool namesServer(std::string_view path);
 
 /// The value of a key such as "Provider" or "Data Source" in a connection text, "" if absent. The
 /// data source of a file database runs to the end of the text, so that a path may hold a ";".
@@ -44,8 +48,9 @@ class Connection {
   Connection(Connection&&) noexcept;
   Connection& operator=(Connection&&) noexcept;
 
-  /// Opens what a text of ConnectionString names. A file is never created by opening it.
-  void Open(std::string_view connectionString);
+  /// Opens what a text of ConnectionString names; `servers` tells what services are. A file is never
+  /// created by opening it.
+  void Open(std::string_view connectionString, const ServerIni& servers = {});
   void Close();
   bool IsOpen() const { return driver_ != nullptr; }
 

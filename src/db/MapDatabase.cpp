@@ -8,6 +8,7 @@
 #include "basic/Text.h"
 #include "db/Errors.h"
 #include "db/MapFile.h"
+#include "db/OpenDatabase.h"
 #include "db/Recordset.h"
 
 namespace lodex {
@@ -130,7 +131,7 @@ MapResult connectAndMap(Session& session, MappedDatabase& database, const MapReq
                         MapRole role) {
   showStatus(session, "Connecting " + database.path);
   database.connection = Connection();
-  database.connection.Open(ConnectionString(database.path, "", ""));
+  openDatabase(session, database.connection, database.path);
   if (aborted(session)) return MapResult::Aborted;
   bool store = request.saveMapFile;
   if (!request.readMapFile || !readStoredMap(database)) {

@@ -9,16 +9,6 @@ namespace lodex {
 
 namespace {
 
-struct ServerIni {
-  std::string user;
-  std::string main;
-};
-
-ServerIni& serverIni() {
-  static ServerIni files;
-  return files;
-}
-
 bool hasItem(std::string_view text, std::initializer_list<std::string_view> keys) {
   for (const std::string& piece : split(text, ";")) {
     const std::string_view key = trimBlanks(std::string_view(piece).substr(0, piece.find('=')));
@@ -37,17 +27,12 @@ std::string itemValue(std::string_view value) {
 
 }  // namespace
 
-void useServerIni(std::string_view userIni, std::string_view mainIni) {
-  serverIni() = {std::string(userIni), std::string(mainIni)};
-}
-
-std::string serverConnectionText(std::string_view service, std::string_view user,
-                                 std::string_view password) {
+std::string serverConnectionText(const ServerIni& ini, std::string_view service,
+                                 std::string_view user, std::string_view password) {
   if (trimBlanks(service).empty()) {
     throw Error("The database server has no name", dberror::BadArgument);
   }
-  std::string text =
-      GetIni2(serverIni().user, serverIni().main, "Servers", service, std::string(service));
+  std::string text = GetIni2(ini.user, ini.main, "Servers", service, std::string(service));
   if (text.find('=') == std::string::npos) text = "DSN=" + itemValue(text);
   if (!user.empty() && !hasItem(text, {"UID", "User ID", "Username"})) {
     text += ";UID=" + itemValue(user);

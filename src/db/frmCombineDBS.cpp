@@ -3,6 +3,7 @@
 #include "basic/Error.h"
 #include "db/CombineDatabases.h"
 #include "db/FieldLists.h"
+#include "db/OpenDatabase.h"
 #include "db/frmAddField.h"
 
 namespace lodex {
@@ -64,7 +65,7 @@ void frmCombineDBS::AvaaLista() {
   chosen_ = {};
   chosen_.path = currentText(lstSDB);
   if (!chosen_.path.empty()) {
-    chosen_.connection.Open(ConnectionString(chosen_.path, "", ""));
+    openDatabase(session_, chosen_.connection, chosen_.path);
     mapTables(session_, chosen_, false, MapRole::Source);
     session_.progress.ShowProgress("", 0);
   }

@@ -41,7 +41,7 @@ bool frmDDB::openDestination(const std::string& path, bool create) {
   opened.path = path;
   bool mapped = false;
   try {
-    if (create && !pathExists(path)) createDatabase(path);
+    if (create && !namesServer(path) && !pathExists(path)) createDatabase(path);
     mapped = MapDatabase(session_, opened, {}, MapRole::Destination) == MapResult::Mapped;
   } catch (const Error& failure) {
     session_.log.LisaaLog(failure.what(), LogKind::Both);

@@ -7,6 +7,7 @@
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "db/MapDatabase.h"
+#include "db/OpenDatabase.h"
 #include "modal/AmountFormula.h"
 
 namespace lodex {
@@ -348,8 +349,7 @@ bool frmMinCalc::RetAndCalc(int mode) {
   request.setUpName = setUpName;
   try {
     if (!minerals_.IsOpen()) {
-      minerals_.Open(
-          ConnectionString(session_.ExpandPath(session_.record.MineralDbPath, ""), "", ""));
+      openDatabase(session_, minerals_, session_.ExpandPath(session_.record.MineralDbPath, ""));
     }
     lodex::RetAndCalc(request, mode, lists_, result_, solver_, scratch, session_, &simulation);
   } catch (const Error& failure) {
