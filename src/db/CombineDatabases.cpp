@@ -8,6 +8,7 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "db/Connection.h"
+#include "db/OpenDatabase.h"
 #include "db/Recordset.h"
 
 namespace lodex {
@@ -16,38 +17,6 @@ namespace {
 
 // Rows after which the progress is shown again.
 constexpr int kRowsPerStep = 200;
-
-// The SQL type of a field, for the types of every driver.
-std::string sqlType(FieldCode code, int size) {
-  switch (code) {
-    case FieldCode::SmallInt:
-      return "SHORT";
-    case FieldCode::Integer:
-      return "LONG";
-    case FieldCode::Single:
-      return "SINGLE";
-    case FieldCode::Double:
-      return "DOUBLE";
-    case FieldCode::Numeric:
-      return "DECIMAL";
-    case FieldCode::Currency:
-      return "CURRENCY";
-    case FieldCode::Date:
-      return "DATE";
-    case FieldCode::Boolean:
-      return "BOOLEAN";
-    case FieldCode::Byte:
-      return "BYTE";
-    case FieldCode::Memo:
-      return "MEMO";
-    case FieldCode::Binary:
-      return "LONGBINARY";
-    case FieldCode::Text:
-    case FieldCode::VarText:
-      break;
-  }
-  return "TEXT (" + std::to_string(size > 0 ? size : 255) + ")";
-}
 
 struct SourceDatabase {
   std::string path;
@@ -76,7 +45,7 @@ std::string ofTable(const std::string& table) {
 class Combining {
  public:
   Combining(Session& session, const std::string& destination) : session_(session) {
-    destination_.Open(ConnectionString(destination, "", ""));
+    openDatabase(session, destination_, destination);
   }
 
   CombineOutcome run(const std::vector<std::string>& paths, const std::string& destination) {
@@ -84,7 +53,7 @@ class Combining {
       if (samePath(path, destination)) continue;
       auto source = std::make_unique<SourceDatabase>();
       source->path = path;
-      source->connection.Open(ConnectionString(path, "", ""));
+      openDatabase(session_, source->connection, path);
       source->tables = plainTables(source->connection);
       sources_.push_back(std::move(source));
     }
@@ -140,11 +109,14 @@ class Combining {
 
   void createFields(Recordset& columns, const std::string& table) {
     for (columns.Filter(ofTable(table)); !columns.Eof(); columns.MoveNext()) {
-      const auto code =
-          static_cast<FieldCode>(static_cast<int>(fieldNumber(columns.Value("DATA_TYPE"))));
-      const int size = static_cast<int>(fieldNumber(columns.Value("CHARACTER_MAXIMUM_LENGTH")));
+      const auto number = [&](const char* field) {
+        return static_cast<int>(fieldNumber(columns.Value(field)));
+      };
+      const FieldType type{static_cast<FieldCode>(number("DATA_TYPE")),
+                           number("CHARACTER_MAXIMUM_LENGTH"), number("NUMERIC_PRECISION"),
+                           number("NUMERIC_SCALE")};
       execute("ALTER TABLE " + quoteName(table) + " ADD COLUMN " +
-              quoteName(columns.Text("COLUMN_NAME")) + " " + sqlType(code, size));
+              quoteName(columns.Text("COLUMN_NAME")) + " " + jetTypeName(type));
     }
   }
 

@@ -36,15 +36,20 @@ constexpr std::array kTypeWords{
     TypeWord{"NVARCHAR", FieldCode::VarText},  TypeWord{"TEXT", FieldCode::VarText},
 };
 
-// The number in "TEXT (50)"; 0 if there is none.
-int sizeInBrackets(std::string_view declaration) {
+// The numbers in "TEXT (50)" or "DECIMAL (10, 2)"; 0 for one that is not there.
+std::array<int, 2> sizesInBrackets(std::string_view declaration) {
+  std::array<int, 2> sizes{};
   const size_t open = declaration.find('(');
-  if (open == std::string_view::npos) return 0;
-  const size_t close = declaration.find(')', open);
-  if (close == std::string_view::npos) return 0;
-  const auto size = parseInteger(declaration.substr(open + 1, close - open - 1));
-  return size ? std::clamp(*size, 0, 65535) : 0;
+  const size_t close = declaration.find(')', open == std::string_view::npos ? 0 : open);
+  if (open == std::string_view::npos || close == std::string_view::npos) return sizes;
+  const auto pieces = split(declaration.substr(open + 1, close - open - 1), ",");
+  for (size_t i = 0; i < std::min(pieces.size(), sizes.size()); ++i) {
+    sizes[i] = std::clamp(parseInteger(pieces[i]).value_or(0), 0, 65535);
+  }
+  return sizes;
 }
+
+constexpr int kMaxPrecision = 28;  // of a decimal field
 
 }  // namespace
 
@@ -86,13 +91,47 @@ FieldType parseFieldType(std::string_view declaration) {
   for (const TypeWord& known : kTypeWords) {
     if (!upper.starts_with(known.word)) continue;
     FieldType type{known.code, 0};
-    if (known.code == FieldCode::VarText) {
-      const int size = sizeInBrackets(upper);
-      type.size = size > 0 ? size : 255;
+    const auto [size, scale] = sizesInBrackets(upper);
+    if (known.code == FieldCode::VarText) type.size = size > 0 ? size : 255;
+    if (known.code == FieldCode::Numeric && size > 0) {
+      type.precision = std::min(size, kMaxPrecision);
+      type.scale = std::min(scale, type.precision);
     }
     return type;
   }
   return {FieldCode::VarText, 255};
+}
+
+std::string jetTypeName(FieldType type) {
+  switch (type.code) {
+    case FieldCode::SmallInt:
+      return "SHORT";
+    case FieldCode::Integer:
+      return "LONG";
+    case FieldCode::Single:
+      return "SINGLE";
+    case FieldCode::Double:
+      return "DOUBLE";
+    case FieldCode::Numeric:
+      if (type.precision == 0) return "DECIMAL";
+      return "DECIMAL (" + std::to_string(type.precision) + ", " + std::to_string(type.scale) + ")";
+    case FieldCode::Currency:
+      return "CURRENCY";
+    case FieldCode::Date:
+      return "DATE";
+    case FieldCode::Boolean:
+      return "BOOLEAN";
+    case FieldCode::Byte:
+      return "BYTE";
+    case FieldCode::Memo:
+      return "MEMO";
+    case FieldCode::Binary:
+      return "LONGBINARY";
+    case FieldCode::Text:
+    case FieldCode::VarText:
+      break;
+  }
+  return "TEXT (" + std::to_string(type.size > 0 ? type.size : 255) + ")";
 }
 
 std::string columnDeclaration(FieldType type) {
@@ -114,7 +153,9 @@ std::string columnDeclaration(FieldType type) {
     case FieldCode::Currency:
       return "CURRENCY REAL";
     case FieldCode::Numeric:
-      return "DECIMAL REAL";
+      if (type.precision == 0) return "DECIMAL REAL";
+      return "DECIMAL REAL(" + std::to_string(type.precision) + "," + std::to_string(type.scale) +
+             ")";
     case FieldCode::Date:
       return "DATE TEXT";
     case FieldCode::Memo:

@@ -26,10 +26,13 @@ enum class FieldCode {
 };
 
 /// A field's type. `size` is the greatest number of characters of a text, 0 for no limit and for
-/// all other types.
+/// all other types; `precision` the number of digits of a Numeric and `scale` how many of them
+/// stand behind the point, precision 0 where that is not known.
 struct FieldType {
   FieldCode code = FieldCode::VarText;
   int size = 0;
+  int precision = 0;
+  int scale = 0;
 
   bool isText() const;
   bool isNumber() const;
@@ -49,18 +52,23 @@ std::string fieldText(const FieldValue& value);
 /// The value as a number; 0 for Null and for text that holds no number.
 double fieldNumber(const FieldValue& value);
 
-/// A field of a recordset. `declared` is the type as the table declares it and `column` the table's
-/// name for the field, both "" for an expression.
+/// A field of a recordset. `declared` is the type as the table declares it, `column` the table's
+/// name for the field and `table` the table itself, also behind a view; all "" for an expression,
+/// and `table` where a server does not tell.
 struct Field {
   std::string name;
   FieldType type;
   std::string declared;
   std::string column = {};
+  std::string table = {};
 };
 
 /// The type that a declaration such as "TEXT (50)", "SINGLE" or "LONG" means, in any case. An
 /// unknown word gives text of 255 characters.
 FieldType parseFieldType(std::string_view declaration);
+
+/// The type as a statement of the Jet dialect names it, such as "TEXT (50)" or "DECIMAL (10, 2)".
+std::string jetTypeName(FieldType type);
 
 /// The declaration of a column in an embedded database. It names the type by its Jet word, which
 /// parseFieldType reads back, and adds a word that keeps texts texts and numbers numbers. Texts

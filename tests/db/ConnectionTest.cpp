@@ -201,9 +201,13 @@ TEST_F(ConnectionTest, ForwardOnlyRecordsPassOnce) {
 TEST_F(ConnectionTest, SchemaTellsTablesColumnsAndKeys) {
   auto connection = makeDatabase("schema.mdb");
   EXPECT_EQ(connection.OpenSchema(SchemaKind::Tables)->RecordCount(), 0);
-  connection.Execute("CREATE TABLE [b %] (y MEMO TEXT NOT NULL, x TEXT(30), PRIMARY KEY (x, y))");
+  connection.Execute(
+      "CREATE TABLE [b %] (y MEMO TEXT NOT NULL, x TEXT(30), d DECIMAL(10, 2), PRIMARY KEY (x, "
+      "y))");
   connection.Execute("CREATE TABLE [A] (k LONG INT, [v \"q\"] SINGLE REAL)");
   connection.Execute("CREATE UNIQUE INDEX [A k] ON [A] (k)");
+  connection.Execute(
+      "CREATE TABLE [C] (ID COUNTER PRIMARY KEY, [No] COUNTER, kk LONG REFERENCES [A] (k))");
   connection.Execute("CREATE VIEW [f_Rock] AS SELECT k AS n FROM [A]");
   connection.Execute("CREATE TABLE gone (x TEXT)");
   connection.Execute("CREATE VIEW [f_Broken] AS SELECT x FROM gone");
@@ -220,17 +224,27 @@ TEST_F(ConnectionTest, SchemaTellsTablesColumnsAndKeys) {
     }
     return text;
   };
-  EXPECT_EQ(listing(SchemaKind::Tables), "A|TABLE\nb %|TABLE\nf_Broken|VIEW\nf_Rock|VIEW\n");
+  EXPECT_EQ(listing(SchemaKind::Tables),
+            "A|TABLE\nb %|TABLE\nC|TABLE\nf_Broken|VIEW\nf_Rock|VIEW\n");
   EXPECT_EQ(listing(SchemaKind::Columns),
-            "A|k|1|3||True\n"
-            "A|v \"q\"|2|4||True\n"
-            "b %|y|1|203||False\n"
-            "b %|x|2|202|30|False\n"
-            "f_Rock|n|1|3||True\n");
+            "A|k|1|3||||True|False\n"
+            "A|v \"q\"|2|4||||True|False\n"
+            "b %|y|1|203||||False|False\n"
+            "b %|x|2|202|30|||False|False\n"
+            "b %|d|3|131||10|2|True|False\n"
+            "C|ID|1|3||||True|True\n"
+            "C|No|2|3||||True|True\n"
+            "C|kk|3|3||||True|False\n"
+            "f_Rock|n|1|3||||True|False\n");
   EXPECT_EQ(listing(SchemaKind::Indexes),
             "A|A k|False|True|1|k\n"
             "b %|PrimaryKey|True|True|1|x\n"
-            "b %|PrimaryKey|True|True|2|y\n");
+            "b %|PrimaryKey|True|True|2|y\n"
+            "C|PrimaryKey|True|True|1|ID\n");
+  EXPECT_EQ(listing(SchemaKind::ForeignKeys), "A|k|C|kk|1|AC0\n");
+  EXPECT_THAT(
+      errorOf([&] { connection.Execute("INSERT INTO [b %] VALUES ('y', 'x', 123456789)"); }),
+      HasSubstr("numbers of up to 8 digits before the point"));
 }
 
 TEST_F(ConnectionTest, MineralFormulasAreFoundByName) {

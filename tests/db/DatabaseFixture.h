@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -16,9 +17,10 @@ namespace lodex {
 class DatabaseFixture : public testing::Test {
  protected:
   void SetUp() override {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::replace(name.begin(), name.end(), '/', '_');
     folder_ = std::filesystem::temp_directory_path() /
-              ("lodex_" + std::string(test->name()) + "_" + std::to_string(::getpid()));
+              ("lodex_" + name + "_" + std::to_string(::getpid()));
     std::filesystem::create_directories(folder_);
     createDatabase(path());
     connection_.Open(ConnectionString(path(), "", ""));
@@ -65,6 +67,19 @@ class DatabaseFixture : public testing::Test {
   }
   std::string errorOfSql(const std::string& sql) {
     return errorOf([&] { connection_.OpenRecordset(sql); });
+  }
+
+  /// The structure of the database: a line per record of a schema question.
+  std::string structure(SchemaKind kind) {
+    std::string text;
+    const auto records = connection_.OpenSchema(kind);
+    for (; !records->Eof(); records->MoveNext()) {
+      for (size_t i = 0; i < records->Fields().size(); ++i) {
+        text += (i ? "|" : "") + records->Text(static_cast<int>(i));
+      }
+      text += '\n';
+    }
+    return text;
   }
 
   std::filesystem::path folder_;

@@ -19,33 +19,29 @@ class ServerTest : public DatabaseFixture {
     DatabaseFixture::SetUp();
     connection_.Close();
   }
-  void TearDown() override {
-    DatabaseFixture::TearDown();
-    useServerIni("", "");
-  }
-  void writeIni(const std::string& entry) {
+  ServerIni writeIni(const std::string& entry) {
     std::ofstream(path("servers.ini")) << "[Servers]\nLAB=" << entry << "\n";
-    useServerIni("", path("servers.ini"));
+    return {"", path("servers.ini")};
   }
   // Opens the temporary server of script/with-postgres; false if there is none.
-  bool openServer() {
+  bool openServer(const std::string& options = "") {
     if (!std::getenv("LODEX_TEST_SERVER")) return false;
-    writeIni("%LODEX_TEST_SERVER%");
-    connection_.Open(ConnectionString("LAB.ORA", "", ""));
+    connection_.Open(ConnectionString("LAB.ORA", "", ""),
+                     writeIni("%LODEX_TEST_SERVER%" + options));
     return true;
   }
 };
 
 TEST_F(ServerTest, AServiceIsAnEntryOrADataSource) {
   ::setenv("LODEX_TEST_SECRET", "s3cret", 1);
-  writeIni("Driver=x;Pwd=%LODEX_TEST_SECRET%");
-  EXPECT_EQ(serverConnectionText("lab", "me", "other"), "Driver=x;Pwd=s3cret;UID=me");
-  EXPECT_EQ(serverConnectionText("MINE", "me", "a;b}c"), "DSN=MINE;UID=me;PWD={a;b}}c}");
-  writeIni("Laboratory");
-  EXPECT_EQ(serverConnectionText("LAB", "", ""), "DSN=Laboratory");
-  writeIni("Driver={No such driver s3cret};Pwd=%LODEX_TEST_SECRET%");
+  ServerIni ini = writeIni("Driver=x;Pwd=%LODEX_TEST_SECRET%");
+  EXPECT_EQ(serverConnectionText(ini, "lab", "me", "other"), "Driver=x;Pwd=s3cret;UID=me");
+  EXPECT_EQ(serverConnectionText(ini, "MINE", "me", "a;b}c"), "DSN=MINE;UID=me;PWD={a;b}}c}");
+  ini = writeIni("Laboratory");
+  EXPECT_EQ(serverConnectionText(ini, "LAB", "", ""), "DSN=Laboratory");
+  ini = writeIni("Driver={No such driver s3cret};Pwd=%LODEX_TEST_SECRET%");
   const std::string error =
-      errorOf([&] { connection_.Open(ConnectionString("LAB.ORA", "me", "")); });
+      errorOf([&] { connection_.Open(ConnectionString("LAB.ORA", "me", ""), ini); });
   EXPECT_THAT(error, HasSubstr("Server LAB cannot be opened"));
   EXPECT_THAT(error, Not(HasSubstr("s3cret")));
   EXPECT_FALSE(connection_.IsOpen());
@@ -122,6 +118,73 @@ TEST_F(ServerTest, ReadsAndWritesARealServer) {
   EXPECT_EQ(records("SELECT Count(*) FROM [Lab results]"), "1");
   EXPECT_THAT(errorOfSql("SELECT * FROM [nowhere]"), HasSubstr("nowhere"));
   run("DROP TABLE [Lab results]");
+}
+
+// A server may give up a whole unit of work for one refused record, and the driver may be told to.
+class UnitOfWorkTest : public ServerTest, public testing::WithParamInterface<const char*> {};
+INSTANTIATE_TEST_SUITE_P(, UnitOfWorkTest, testing::Values("", ";Protocol=7.4-1"));
+
+TEST_P(UnitOfWorkTest, ARefusedRecordLeavesTheRest) {
+  if (!openServer(GetParam())) GTEST_SKIP() << "run under script/with-postgres";
+  run("CREATE TABLE [Units] ([SampleNo] TEXT (5) PRIMARY KEY, [n] LONG)");
+  auto units = connection_.OpenRecordset("SELECT * FROM [Units]");
+  const auto add = [&](const FieldValue& name, const FieldValue& n) {
+    units->AddNew();
+    units->SetValue("SampleNo", name);
+    units->SetValue("n", n);
+    units->Update();
+  };
+  Transaction work(connection_);
+  add("a", std::int64_t{1});
+  const struct {
+    std::string name;
+    FieldValue sample, n;
+    std::string reason;
+  } rows[] = {
+      {"duplicate key", "a", std::int64_t{2}, "duplicate key"},
+      {"no key", {}, std::int64_t{2}, "null value"},
+      {"text too long", "abcdef", {}, "[SampleNo] of table [Units] takes texts of up to 5"},
+      {"no number", "b", "<0.01", "[n] of table [Units] takes whole numbers"},
+      {"number out of range", "b", 3e9, "between -2147483648 and 2147483647"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_THAT(errorOf([&] { add(row.sample, row.n); }), HasSubstr(row.reason)) << row.name;
+    units->CancelUpdate();
+  }
+  EXPECT_THAT(errorOf([&] {
+                connection_.Execute("INSERT INTO [Units] VALUES (?, ?)", {"abcdef", FieldValue()});
+              }),
+              HasSubstr("too long"));
+  add("z", std::int64_t{9});
+  work.commit();
+  EXPECT_EQ(records("SELECT * FROM [Units] ORDER BY [SampleNo]"), "a|1;z|9");
+  run("DROP TABLE [Units]");
+}
+
+TEST_F(ServerTest, WhatTheServerFillsInIsReadBack) {
+  if (!openServer()) GTEST_SKIP() << "run under script/with-postgres";
+  run("CREATE TABLE [Numbered] ([ID] COUNTER PRIMARY KEY, [Name] TEXT (9), [Grade] LONG DEFAULT 7, "
+      "[d] DECIMAL (10, 2))");
+  run("CREATE TABLE [Parts] ([Of] LONG REFERENCES [Numbered] ([ID]))");
+  auto numbered = connection_.OpenRecordset("SELECT * FROM [Numbered]");
+  for (const auto* name : {"a", "b"}) {
+    numbered->AddNew();
+    numbered->SetValue("Name", name);
+    numbered->SetValue("d", 1.005);
+    numbered->Update();
+  }
+  EXPECT_EQ(numbered->Text("ID") + numbered->Text("Grade"), "27");
+  numbered->SetValue("Name", "c");
+  numbered->Update();
+  EXPECT_EQ(records("SELECT [Name] FROM [Numbered] ORDER BY [ID]"), "a;c");
+  auto columns = connection_.OpenSchema(SchemaKind::Columns);
+  columns->Filter("TABLE_NAME='Numbered' AND COLUMN_NAME='d'");
+  EXPECT_EQ(columns->Text("NUMERIC_PRECISION") + "," + columns->Text("NUMERIC_SCALE"), "10,2");
+  auto keys = connection_.OpenSchema(SchemaKind::ForeignKeys);
+  ASSERT_EQ(keys->RecordCount(), 1);
+  EXPECT_EQ(keys->Text("PK_TABLE_NAME") + keys->Text("PK_COLUMN_NAME"), "NumberedID");
+  run("DROP TABLE [Parts]");
+  run("DROP TABLE [Numbered]");
 }
 
 }  // namespace

@@ -25,6 +25,10 @@ bool isOracle(const OdbcLink& link) {
   return findNoCase(link.product, "Oracle") != std::string::npos;
 }
 
+bool isPostgres(const OdbcLink& link) {
+  return findNoCase(link.product, "PostgreSQL") != std::string::npos;
+}
+
 // A field's type in the words of the server.
 std::string serverType(FieldType type, const OdbcLink& link) {
   const bool oracle = isOracle(link);
@@ -40,8 +44,13 @@ std::string serverType(FieldType type, const OdbcLink& link) {
       return "REAL";
     case FieldCode::Double:
       return "DOUBLE PRECISION";
-    case FieldCode::Currency:
     case FieldCode::Numeric:
+      if (type.precision > 0) {
+        return "NUMERIC(" + std::to_string(type.precision) + ", " + std::to_string(type.scale) +
+               ")";
+      }
+      return "NUMERIC(19, 4)";
+    case FieldCode::Currency:
       return "NUMERIC(19, 4)";
     case FieldCode::Date:
       return "TIMESTAMP";
@@ -69,7 +78,7 @@ class OdbcWriter : public RecordWriter {
 
   const std::string& table() const override { return table_; }
 
-  FieldValue add(const std::vector<FieldChange>& changes, Row&) override {
+  FieldValue add(const std::vector<FieldChange>& changes, Row& row) override {
     std::string columns;
     std::string marks;
     Row values;
@@ -78,9 +87,15 @@ class OdbcWriter : public RecordWriter {
       marks += marks.empty() ? "?" : ", ?";
       values.push_back(change.value);
     }
-    const std::string values_ =
-        changes.empty() ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + marks + ")";
-    run("INSERT INTO " + quoted(table_) + values_, values);
+    const std::string sql =
+        "INSERT INTO " + quoted(table_) +
+        (changes.empty() ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + marks + ")");
+    if (isPostgres(*link_)) {
+      read(sql + " RETURNING " + fieldList(), values, row);
+      return {};
+    }
+    run(sql, values);
+    readByKey(changes, row);
     return {};
   }
 
@@ -107,11 +122,47 @@ class OdbcWriter : public RecordWriter {
     return statement.changed();
   }
 
-  void runOnOne(std::string sql, Row& values, const Row& former) const {
-    for (size_t i = 0; i < places_.size(); ++i) {
-      sql += (i == 0 ? " WHERE " : " AND ") + quoted(fields_[places_[i]].column) + " = ?";
-      values.push_back(former[places_[i]]);
+  std::string fieldList() const {
+    std::string list;
+    for (const Field& field : fields_) {
+      list += (list.empty() ? "" : ", ") + (field.column.empty() ? "NULL" : quoted(field.column));
     }
+    return list;
+  }
+
+  void read(const std::string& sql, const Row& values, Row& row) const {
+    OdbcStatement statement(link_);
+    statement.execute(sql, values, "");
+    if (!statement.next()) return;
+    for (size_t i = 0; i < row.size(); ++i) {
+      row[i] = statement.value(static_cast<int>(i), fields_[i].type);
+    }
+  }
+
+  // What the server filled in, as far as the new record can be found again: by a key that was
+  // given.
+  void readByKey(const std::vector<FieldChange>& changes, Row& row) const {
+    if (changes.size() == fields_.size()) return;
+    for (const int place : places_) {
+      if (isNull(row[place])) return;
+    }
+    Row values;
+    const std::string where = ofRecord(row, values);
+    read("SELECT " + fieldList() + " FROM " + quoted(table_) + where, values, row);
+  }
+
+  // The condition for a record, and the values of its marks.
+  std::string ofRecord(const Row& former, Row& values) const {
+    std::string where;
+    for (const int place : places_) {
+      where += (where.empty() ? " WHERE " : " AND ") + quoted(fields_[place].column) + " = ?";
+      values.push_back(former[place]);
+    }
+    return where;
+  }
+
+  void runOnOne(std::string sql, Row& values, const Row& former) const {
+    sql += ofRecord(former, values);
     if (run(sql, values) == 0) {
       throw Error("The record of table [" + table_ + "] is gone", dberror::NoCurrentRecord);
     }
@@ -345,9 +396,7 @@ std::string withoutSecrets(std::string reason, std::string_view connectionText) 
   return reason;
 }
 
-}  // namespace
-
-std::unique_ptr<Driver> openOdbc(std::string_view service, std::string_view connectionText) {
+Link connect(std::string_view service, const std::string& connectionText) {
   auto link = std::make_shared<OdbcLink>();
   link->service = service;
   allocate(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &link->environment);
@@ -374,6 +423,33 @@ std::unique_ptr<Driver> openOdbc(std::string_view service, std::string_view conn
                                 static_cast<SQLSMALLINT>(sizeof product), &bytes))) {
     const std::u16string name(reinterpret_cast<const char16_t*>(product.data()), product.size());
     link->product = fromUtf16(name.substr(0, name.find(u'\0')));
+  }
+  return link;
+}
+
+// PostgreSQL gives up a whole transaction for one refused statement, and what was written before
+// would be lost. Its driver can undo the statement alone and does so unless it was told otherwise,
+// in the text or in a data source; "" for a text that tells nothing of the kind.
+std::string withStatementUndo(std::string_view connectionText) {
+  constexpr std::string_view kKey = "Protocol";
+  std::string changed;
+  bool isNeeded = false;
+  for (const std::string& piece : split(connectionText, ";")) {
+    const std::string_view key = trimBlanks(std::string_view(piece).substr(0, piece.find('=')));
+    const bool isMode = equalsNoCase(key, kKey);
+    isNeeded = isNeeded || isMode || equalsNoCase(key, "DSN");
+    if (!isMode) changed += piece + ";";
+  }
+  return isNeeded ? changed + std::string(kKey) + "=7.4-2" : std::string();
+}
+
+}  // namespace
+
+std::unique_ptr<Driver> openOdbc(std::string_view service, std::string_view connectionText) {
+  Link link = connect(service, std::string(connectionText));
+  if (isPostgres(*link)) {
+    const std::string safer = withStatementUndo(connectionText);
+    if (!safer.empty()) link = connect(service, safer);
   }
   return std::make_unique<OdbcDriver>(std::move(link));
 }

@@ -1,9 +1,10 @@
 #include "db/drivers/odbc/OdbcSchema.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "basic/Text.h"
-#include "db/RowFilter.h"
+#include "db/SchemaRows.h"
 #include "db/drivers/odbc/OdbcStatement.h"
 
 namespace lodex {
@@ -11,14 +12,6 @@ namespace lodex {
 namespace {
 
 using Link = std::shared_ptr<OdbcLink>;
-
-constexpr FieldType kName{FieldCode::VarText, 255};
-constexpr FieldType kNumber{FieldCode::Integer, 0};
-constexpr FieldType kTruth{FieldCode::Boolean, 0};
-
-FieldValue truth(bool value) {
-  return std::int64_t{value ? -1 : 0};
-}
 
 // What servers keep for themselves.
 bool isSystemSchema(const std::string& schema) {
@@ -51,66 +44,103 @@ std::vector<ServerTable> listTables(const Link& link) {
   return tables;
 }
 
-std::vector<Row> columns(const Link& link) {
-  OdbcStatement statement(link);
-  statement.askColumns();
+std::vector<Row> tables(const Link& link) {
   std::vector<Row> rows;
-  while (statement.next()) {
-    if (isSystemSchema(statement.text(1))) continue;
-    const std::string table = statement.text(2);
-    const std::string name = statement.text(3);
-    const int sqlType = statement.number(4);
-    const std::string typeName = statement.text(5);
-    const int size = statement.number(6);
-    const bool nullable = statement.number(10) != SQL_NO_NULLS;
-    const int ordinal = statement.number(16);
-    const FieldType type =
-        odbcFieldType(sqlType, typeName, size > 0 ? static_cast<SQLULEN>(size) : 0);
-    FieldValue length;
-    if (type.size > 0) length = std::int64_t{type.size};
-    rows.push_back({table, name, std::int64_t{ordinal}, static_cast<std::int64_t>(type.code),
-                    length, truth(nullable)});
+  for (const ServerTable& table : listTables(link)) {
+    rows.push_back(tableRow(table.name, table.isView));
   }
-  std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
-    const int order = compareFields(a[0], b[0]);
-    return order != 0 ? order < 0 : fieldNumber(a[2]) < fieldNumber(b[2]);
-  });
   return rows;
 }
 
-std::vector<Row> keyRows(const Link& link, const std::string& schema, const std::string& table) {
+std::vector<Row> columns(const Link& link) {
   OdbcStatement statement(link);
-  statement.askPrimaryKey(schema, table);
-  std::vector<Row> rows;
+  statement.askColumns();
+  std::vector<ColumnFacts> found;
   while (statement.next()) {
-    const std::string column = statement.text(3);
-    const int ordinal = statement.number(4);
-    rows.push_back(
-        {table, statement.text(5), truth(true), truth(true), std::int64_t{ordinal}, column});
+    if (isSystemSchema(statement.text(1))) continue;
+    ColumnFacts column;
+    column.table = statement.text(2);
+    column.name = statement.text(3);
+    const int sqlType = statement.number(4);
+    const std::string typeName = statement.text(5);
+    const int size = statement.number(6);
+    const int digits = statement.number(8);
+    column.nullable = statement.number(10) != SQL_NO_NULLS;
+    const std::string standard = statement.text(12);
+    column.ordinal = statement.number(16);
+    column.type = odbcFieldType(sqlType, typeName, size > 0 ? static_cast<SQLULEN>(size) : 0);
+    if (column.type.code == FieldCode::Numeric) {
+      column.type.precision = std::max(0, size);
+      column.type.scale = std::max(0, digits);
+    }
+    column.counter = startsWithNoCase(standard, "nextval(") ||
+                     findNoCase(typeName, "serial") != std::string::npos ||
+                     findNoCase(typeName, "identity") != std::string::npos;
+    found.push_back(std::move(column));
   }
-  std::sort(rows.begin(), rows.end(),
-            [](const Row& a, const Row& b) { return fieldNumber(a[4]) < fieldNumber(b[4]); });
+  std::stable_sort(found.begin(), found.end(), [](const ColumnFacts& a, const ColumnFacts& b) {
+    const int order = compareNoCase(a.table, b.table);
+    return order != 0 ? order < 0 : a.ordinal < b.ordinal;
+  });
+  std::vector<Row> rows;
+  for (const ColumnFacts& column : found) rows.push_back(columnRow(column));
   return rows;
+}
+
+std::vector<IndexFacts> keyOf(const Link& link, const ServerTable& table) {
+  OdbcStatement statement(link);
+  statement.askPrimaryKey(table.schema, table.name);
+  std::vector<IndexFacts> key;
+  while (statement.next()) {
+    IndexFacts part{table.name, "", true, true, 0, statement.text(3)};
+    part.ordinal = statement.number(4);
+    part.name = statement.text(5);
+    key.push_back(std::move(part));
+  }
+  std::sort(key.begin(), key.end(),
+            [](const IndexFacts& a, const IndexFacts& b) { return a.ordinal < b.ordinal; });
+  return key;
 }
 
 std::vector<Row> indexes(const Link& link) {
   std::vector<Row> rows;
   for (const ServerTable& table : listTables(link)) {
     if (table.isView) continue;
-    const std::vector<Row> key = keyRows(link, table.schema, table.name);
-    rows.insert(rows.end(), key.begin(), key.end());
+    const std::vector<IndexFacts> key = keyOf(link, table);
+    for (const IndexFacts& part : key) rows.push_back(indexRow(part));
     OdbcStatement statement(link);
     statement.askIndexes(table.schema, table.name);
     while (statement.next()) {
-      const bool isUnique = statement.number(3) == 0;
-      const std::string name = statement.text(5);
+      IndexFacts index{table.name};
+      index.unique = statement.number(3) == 0;
+      index.name = statement.text(5);
       if (statement.number(6) == SQL_TABLE_STAT) continue;
-      if (!key.empty() && key[0][1] == FieldValue(name)) continue;
-      const int ordinal = statement.number(7);
+      if (!key.empty() && key[0].name == index.name) continue;
+      index.ordinal = statement.number(7);
+      index.column = statement.text(8);
       // The names of indexes that this program makes begin with their table's.
-      const bool own = name.starts_with(table.name + "|");
-      rows.push_back({table.name, own ? name.substr(table.name.size() + 1) : name, truth(false),
-                      truth(isUnique), std::int64_t{ordinal}, statement.text(8)});
+      if (index.name.starts_with(table.name + "|")) index.name.erase(0, table.name.size() + 1);
+      rows.push_back(indexRow(index));
+    }
+  }
+  return rows;
+}
+
+std::vector<Row> foreignKeys(const Link& link) {
+  std::vector<Row> rows;
+  for (const ServerTable& table : listTables(link)) {
+    if (table.isView) continue;
+    OdbcStatement statement(link);
+    statement.askForeignKeys(table.schema, table.name);
+    while (statement.next()) {
+      ForeignKeyFacts key;
+      key.parent = statement.text(2);
+      key.parentColumn = statement.text(3);
+      key.table = table.name;
+      key.column = statement.text(7);
+      key.ordinal = statement.number(8);
+      key.name = statement.text(11);
+      rows.push_back(foreignKeyRow(key));
     }
   }
   return rows;
@@ -123,40 +153,24 @@ std::vector<std::string> odbcPrimaryKey(const std::shared_ptr<OdbcLink>& link,
   std::vector<std::string> fields;
   for (const ServerTable& known : listTables(link)) {
     if (known.isView || known.name != table) continue;
-    for (const Row& row : keyRows(link, known.schema, table)) fields.push_back(fieldText(row[5]));
+    for (const IndexFacts& part : keyOf(link, known)) fields.push_back(part.column);
     return fields;
   }
   return fields;
 }
 
 std::unique_ptr<RowSource> readOdbcSchema(const std::shared_ptr<OdbcLink>& link, SchemaKind kind) {
-  std::vector<Field> fields{{"TABLE_NAME", kName, ""}};
-  std::vector<Row> rows;
   switch (kind) {
     case SchemaKind::Tables:
-      fields.push_back({"TABLE_TYPE", kName, ""});
-      for (const ServerTable& table : listTables(link)) {
-        rows.push_back({table.name, table.isView ? "VIEW" : "TABLE"});
-      }
-      break;
+      return schemaAnswer(kind, tables(link));
     case SchemaKind::Columns:
-      fields.insert(fields.end(), {{"COLUMN_NAME", kName, ""},
-                                   {"ORDINAL_POSITION", kNumber, ""},
-                                   {"DATA_TYPE", kNumber, ""},
-                                   {"CHARACTER_MAXIMUM_LENGTH", kNumber, ""},
-                                   {"IS_NULLABLE", kTruth, ""}});
-      rows = columns(link);
-      break;
+      return schemaAnswer(kind, columns(link));
     case SchemaKind::Indexes:
-      fields.insert(fields.end(), {{"INDEX_NAME", kName, ""},
-                                   {"PRIMARY_KEY", kTruth, ""},
-                                   {"UNIQUE", kTruth, ""},
-                                   {"ORDINAL_POSITION", kNumber, ""},
-                                   {"COLUMN_NAME", kName, ""}});
-      rows = indexes(link);
+      return schemaAnswer(kind, indexes(link));
+    case SchemaKind::ForeignKeys:
       break;
   }
-  return std::make_unique<StoredRows>(std::move(fields), std::move(rows));
+  return schemaAnswer(kind, foreignKeys(link));
 }
 
 }  // namespace lodex

@@ -154,6 +154,13 @@ void OdbcStatement::askIndexes(const std::string& schema, const std::string& tab
                        SQL_INDEX_ALL, SQL_QUICK));
 }
 
+void OdbcStatement::askForeignKeys(const std::string& schema, const std::string& table) {
+  std::u16string owner = toUtf16(schema);
+  std::u16string name = toUtf16(table);
+  check(SQLForeignKeysW(handle_, nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0, wideOrNull(owner),
+                        SQL_NTS, wide(name), SQL_NTS));
+}
+
 std::vector<Field> OdbcStatement::fields() {
   SQLSMALLINT count = 0;
   check(SQLNumResultCols(handle_, &count));

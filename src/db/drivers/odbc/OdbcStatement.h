@@ -46,6 +46,8 @@ class OdbcStatement {
   void askColumns();
   void askPrimaryKey(const std::string& schema, const std::string& table);
   void askIndexes(const std::string& schema, const std::string& table);
+  /// The keys of other tables that this one refers to.
+  void askForeignKeys(const std::string& schema, const std::string& table);
 
   /// The fields of the result; none if it has no records.
   std::vector<Field> fields();

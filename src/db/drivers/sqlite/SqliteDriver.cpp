@@ -72,10 +72,12 @@ class SqliteRows : public RowSource {
     const char* name = sqlite3_column_name(statement, column);
     const char* declared = sqlite3_column_decltype(statement, column);
     const char* origin = sqlite3_column_origin_name(statement, column);
+    const char* table = sqlite3_column_table_name(statement, column);
     Field field{validSqliteText(name ? name : ""),
                 {},
                 declared ? declared : "",
-                validSqliteText(origin ? origin : "")};
+                validSqliteText(origin ? origin : ""),
+                validSqliteText(table ? table : "")};
     if (declared) {
       field.type = parseFieldType(declared);
     } else if (hasRecord_) {

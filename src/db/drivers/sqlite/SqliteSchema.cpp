@@ -2,19 +2,18 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "basic/Error.h"
+#include "basic/Text.h"
+#include "db/SchemaRows.h"
 #include "db/drivers/sqlite/SqliteStatement.h"
 #include "db/drivers/sqlite/SqliteTables.h"
 
 namespace lodex {
 
 namespace {
-
-constexpr FieldType kName{FieldCode::VarText, 255};
-constexpr FieldType kNumber{FieldCode::Integer, 0};
-constexpr FieldType kTruth{FieldCode::Boolean, 0};
 
 using File = std::shared_ptr<SqliteFile>;
 
@@ -31,31 +30,61 @@ std::vector<Row> rowsOf(const File& file, std::string_view sql, const Row& param
   return rows;
 }
 
-std::vector<Row> tables(const File& file) {
-  return rowsOf(file,
-                "SELECT name, CASE type WHEN 'view' THEN 'VIEW' ELSE 'TABLE' END "
-                "FROM sqlite_master WHERE type IN ('table', 'view') "
-                "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' AND name NOT LIKE 'MSys%' "
-                "ORDER BY name COLLATE NOCASE");
+int wholeOf(const FieldValue& value) {
+  return static_cast<int>(fieldNumber(value));
 }
 
-FieldValue truth(bool value) {
-  return std::int64_t{value ? -1 : 0};
+struct Table {
+  std::string name;
+  bool isView = false;
+};
+
+std::vector<Table> listTables(const File& file) {
+  std::vector<Table> tables;
+  for (const Row& row : rowsOf(file,
+                               "SELECT name, type = 'view' FROM sqlite_master "
+                               "WHERE type IN ('table', 'view') "
+                               "AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' "
+                               "AND name NOT LIKE 'MSys%' ORDER BY name COLLATE NOCASE")) {
+    tables.push_back({fieldText(row[0]), wholeOf(row[1]) != 0});
+  }
+  return tables;
+}
+
+std::vector<Row> tables(const File& file) {
+  std::vector<Row> result;
+  for (const Table& table : listTables(file)) result.push_back(tableRow(table.name, table.isView));
+  return result;
+}
+
+// The triggers of counter fields, by their names in upper case.
+std::unordered_set<std::string> counterTriggers(const File& file) {
+  std::unordered_set<std::string> names;
+  for (const Row& row :
+       rowsOf(file,
+              "SELECT name FROM sqlite_master WHERE type = 'trigger' AND name LIKE '%|counter'")) {
+    names.insert(toUpper(fieldText(row[0])));
+  }
+  return names;
 }
 
 std::vector<Row> columns(const File& file) {
+  const auto counters = counterTriggers(file);
   std::vector<Row> result;
-  for (const Row& table : tables(file)) {
+  for (const Table& table : listTables(file)) {
     try {
-      for (const Row& column :
-           rowsOf(file, "SELECT name, cid + 1, type, \"notnull\" FROM pragma_table_info(?)",
-                  {table[0]})) {
-        if (column[0] == FieldValue(std::string(kNoFields))) continue;
-        const FieldType type = parseFieldType(fieldText(column[2]));
-        FieldValue length;
-        if (type.size > 0) length = std::int64_t{type.size};
-        result.push_back({table[0], column[0], column[1], static_cast<int>(type.code), length,
-                          truth(fieldNumber(column[3]) == 0)});
+      for (const Row& row :
+           rowsOf(file, "SELECT name, cid + 1, type, \"notnull\", pk FROM pragma_table_info(?)",
+                  {table.name})) {
+        ColumnFacts column{table.name, fieldText(row[0]), wholeOf(row[1])};
+        if (column.name == kNoFields) continue;
+        const std::string declared = fieldText(row[2]);
+        column.type = parseFieldType(declared);
+        column.nullable = wholeOf(row[3]) == 0;
+        // A key of this very type is the record's number.
+        column.counter = (wholeOf(row[4]) == 1 && equalsNoCase(declared, "INTEGER")) ||
+                         counters.contains(toUpper(table.name + "|" + column.name + "|counter"));
+        result.push_back(columnRow(column));
       }
     } catch (const FileError&) {
       throw;
@@ -68,25 +97,59 @@ std::vector<Row> columns(const File& file) {
 
 std::vector<Row> indexes(const File& file) {
   std::vector<Row> result;
-  for (const Row& table : tables(file)) {
-    if (table[1] != FieldValue("TABLE")) continue;
+  for (const Table& table : listTables(file)) {
+    if (table.isView) continue;
     for (const Row& key :
          rowsOf(file, "SELECT name, pk FROM pragma_table_info(?) WHERE pk > 0 ORDER BY pk",
-                {table[0]})) {
-      result.push_back({table[0], "PrimaryKey", truth(true), truth(true), key[1], key[0]});
+                {table.name})) {
+      result.push_back(
+          indexRow({table.name, "PrimaryKey", true, true, wholeOf(key[1]), fieldText(key[0])}));
     }
     for (const Row& index : rowsOf(file,
                                    "SELECT name, \"unique\" FROM pragma_index_list(?) "
                                    "WHERE origin <> 'pk' ORDER BY seq DESC",
-                                   {table[0]})) {
-      const bool isUnique = fieldNumber(index[1]) != 0;
-      const IndexName name = readIndexName(fieldText(table[0]), fieldText(index[0]));
+                                   {table.name})) {
+      const bool isUnique = wholeOf(index[1]) != 0;
+      const IndexName name = readIndexName(table.name, fieldText(index[0]));
       for (const Row& column :
            rowsOf(file, "SELECT seqno + 1, name FROM pragma_index_info(?) ORDER BY seqno",
                   {index[0]})) {
-        result.push_back(
-            {table[0], name.name, truth(name.primary), truth(isUnique), column[0], column[1]});
+        result.push_back(indexRow({table.name, name.name, name.primary, isUnique,
+                                   wholeOf(column[0]), fieldText(column[1])}));
       }
+    }
+  }
+  return result;
+}
+
+// Those that tables declare; the engine has no names for them.
+void addDeclaredKeys(const File& file, const std::string& table, std::vector<Row>& result) {
+  for (const Row& row : rowsOf(file,
+                               "SELECT \"table\", \"to\", \"from\", seq + 1, id "
+                               "FROM pragma_foreign_key_list(?) ORDER BY id DESC, seq",
+                               {table})) {
+    const std::string parent = fieldText(row[0]);
+    result.push_back(foreignKeyRow({parent, fieldText(row[1]), table, fieldText(row[2]),
+                                    wholeOf(row[3]), parent + table + fieldText(row[4])}));
+  }
+}
+
+std::vector<Row> foreignKeys(const File& file) {
+  std::vector<Row> result;
+  const bool fromAccess =
+      !rowsOf(file, "SELECT 1 FROM sqlite_master WHERE name = 'MSysRelationships'").empty();
+  for (const Table& table : listTables(file)) {
+    if (table.isView) continue;
+    addDeclaredKeys(file, table.name, result);
+    if (!fromAccess) continue;
+    for (const Row& row :
+         rowsOf(file,
+                "SELECT szReferencedObject, szReferencedColumn, szColumn, icolumn + 1, "
+                "szRelationship FROM MSysRelationships WHERE szObject = ? COLLATE NOCASE "
+                "ORDER BY szRelationship, icolumn",
+                {table.name})) {
+      result.push_back(foreignKeyRow({fieldText(row[0]), fieldText(row[1]), table.name,
+                                      fieldText(row[2]), wholeOf(row[3]), fieldText(row[4])}));
     }
   }
   return result;
@@ -95,31 +158,17 @@ std::vector<Row> indexes(const File& file) {
 }  // namespace
 
 std::unique_ptr<RowSource> readSqliteSchema(const File& file, SchemaKind kind) {
-  std::vector<Field> fields{{"TABLE_NAME", kName, ""}};
-  std::vector<Row> rows;
   switch (kind) {
     case SchemaKind::Tables:
-      fields.push_back({"TABLE_TYPE", kName, ""});
-      rows = tables(file);
-      break;
+      return schemaAnswer(kind, tables(file));
     case SchemaKind::Columns:
-      fields.insert(fields.end(), {{"COLUMN_NAME", kName, ""},
-                                   {"ORDINAL_POSITION", kNumber, ""},
-                                   {"DATA_TYPE", kNumber, ""},
-                                   {"CHARACTER_MAXIMUM_LENGTH", kNumber, ""},
-                                   {"IS_NULLABLE", kTruth, ""}});
-      rows = columns(file);
-      break;
+      return schemaAnswer(kind, columns(file));
     case SchemaKind::Indexes:
-      fields.insert(fields.end(), {{"INDEX_NAME", kName, ""},
-                                   {"PRIMARY_KEY", kTruth, ""},
-                                   {"UNIQUE", kTruth, ""},
-                                   {"ORDINAL_POSITION", kNumber, ""},
-                                   {"COLUMN_NAME", kName, ""}});
-      rows = indexes(file);
+      return schemaAnswer(kind, indexes(file));
+    case SchemaKind::ForeignKeys:
       break;
   }
-  return std::make_unique<StoredRows>(std::move(fields), std::move(rows));
+  return schemaAnswer(kind, foreignKeys(file));
 }
 
 }  // namespace lodex

@@ -47,9 +47,14 @@ Demand demandOf(const JetColumn& column) {
     case FieldCode::Single:
       return {number + " AND abs(coalesce(" + field + ", 0)) <= 3.402824E38",
               "numbers of single precision"};
+    case FieldCode::Numeric: {
+      if (column.type.precision == 0) return {number, "numbers"};
+      const int digits = column.type.precision - column.type.scale;
+      return {number + " AND abs(coalesce(" + field + ", 0)) < 1E" + std::to_string(digits),
+              "numbers of up to " + std::to_string(digits) + " digits before the point"};
+    }
     case FieldCode::Double:
     case FieldCode::Currency:
-    case FieldCode::Numeric:
       return {number, "numbers"};
     case FieldCode::Date:
       return {field + " GLOB '[0-9][0-9][0-9][0-9]-[0-1][0-9]-[0-3][0-9]*'",
