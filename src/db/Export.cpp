@@ -1,17 +1,13 @@
 #include "db/Export.h"
 
-#include <fmt/format.h>
-
-#include <filesystem>
-#include <fstream>
-#include <map>
 #include <set>
 
 #include "basic/Error.h"
 #include "basic/Files.h"
-#include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "db/Connection.h"
+#include "db/Dates.h"
+#include "db/ExportTexts.h"
 #include "db/Recordset.h"
 #include "worksheet/Limits.h"
 #include "worksheet/Worksheet.h"
@@ -20,10 +16,10 @@ namespace lodex {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr std::string_view kForbiddenInFiles = "\\/:*?\"<>|.#[]!`";
 constexpr std::string_view kForbiddenInSheets = "\\/:*?[]'";
+// What a cell of a workbook holds, in UTF-16 units.
+constexpr size_t kLongestCell = 32767;
+constexpr size_t kLongestAccessName = 64;
 
 std::vector<std::string> tableNames(Connection& connection) {
   std::vector<std::string> names;
@@ -34,232 +30,116 @@ std::vector<std::string> tableNames(Connection& connection) {
   return names;
 }
 
-std::unique_ptr<Recordset> recordsOf(Connection& connection, const std::string& table) {
-  return connection.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
+// The number under which a workbook knows a date; nothing for one before its calendar.
+std::optional<double> workbookDate(const DateTime& date) {
+  const std::int64_t day = dayNumber(date);
+  constexpr std::int64_t kFirstSureDay = 61;  // 1900-03-01: before it programs differ
+  if (day < kFirstSureDay) return std::nullopt;
+  const double seconds = date.hour * 3600 + date.minute * 60 + date.second;
+  return static_cast<double>(day) + seconds / 86400;
 }
 
-// A name between brackets, as Access takes it.
-std::string bracketed(const std::string& name) {
-  return "[" + name + "]";
-}
-
-std::string quotedCsv(const std::string& text) {
-  return "\"" + replaceAll(text, "\"", "\"\"") + "\"";
-}
-
-// A value as Access reads it from a text, exact to the last digit.
-std::string csvText(const FieldValue& value, const FieldType& type) {
-  if (isNull(value)) return {};
-  if (type.code == FieldCode::Boolean) return fieldNumber(value) != 0 ? "True" : "False";
-  if (const auto* number = std::get_if<double>(&value)) {
-    if (type.code == FieldCode::Single) return fmt::format("{}", static_cast<float>(*number));
-    return exactNumberText(*number);
-  }
-  if (!std::holds_alternative<std::string>(value)) return fieldText(value);
-  const std::string& text = std::get<std::string>(value);
-  if (type.isNumber()) return text;
-  if (type.code == FieldCode::Date) return text.size() == 10 ? text + " 00:00:00" : text;
-  return quotedCsv(text);
-}
-
-void writeCsv(Recordset& records, std::ostream& out) {
-  const std::vector<Field>& fields = records.Fields();
-  for (size_t i = 0; i < fields.size(); ++i) out << (i ? "," : "") << quotedCsv(fields[i].name);
-  out << "\r\n";
-  for (; !records.Eof(); records.MoveNext()) {
-    for (size_t i = 0; i < fields.size(); ++i) {
-      out << (i ? "," : "") << csvText(records.Value(static_cast<int>(i)), fields[i].type);
-    }
-    out << "\r\n";
-  }
-}
-
-struct TypeNames {
-  std::string schema;  // as schema.ini names it
-  std::string sql;     // as the Jet dialect does
-};
-
-TypeNames namesOf(const FieldType& type) {
-  switch (type.code) {
-    case FieldCode::SmallInt:
-      return {"Short", "SHORT"};
-    case FieldCode::Integer:
-      return {"Long", "LONG"};
-    case FieldCode::Single:
-      return {"Single", "SINGLE"};
-    case FieldCode::Double:
-      return {"Double", "DOUBLE"};
-    case FieldCode::Currency:
-      return {"Currency", "CURRENCY"};
-    case FieldCode::Numeric:
-      return {"Double", "DOUBLE"};
-    case FieldCode::Date:
-      return {"DateTime", "DATETIME"};
-    case FieldCode::Boolean:
-      return {"Bit", "BIT"};
-    case FieldCode::Byte:
-      return {"Byte", "BYTE"};
-    case FieldCode::Memo:
-    case FieldCode::Binary:
-      return {"Memo", "MEMO"};
-    case FieldCode::Text:
-    case FieldCode::VarText:
-      break;
-  }
-  if (type.size <= 0 || type.size > 255) return {"Memo", "MEMO"};
-  return {fmt::format("Text Width {}", type.size), fmt::format("TEXT({})", type.size)};
-}
-
-void writeSchema(const std::vector<Field>& fields, const std::string& file, std::ostream& out) {
-  out << "[" << file << "]\r\nColNameHeader=True\r\nFormat=CSVDelimited\r\nCharacterSet=65001\r\n"
-      << "DecimalSymbol=.\r\nDateTimeFormat=yyyy-mm-dd hh:nn:ss\r\nMaxScanRows=0\r\n";
-  for (size_t i = 0; i < fields.size(); ++i) {
-    out << "Col" << i + 1 << "=" << quotedCsv(fields[i].name) << " "
-        << namesOf(fields[i].type).schema << "\r\n";
-  }
-  out << "\r\n";
-}
-
-void writeCreation(const std::string& table, const std::vector<Field>& fields, std::ostream& out) {
-  out << "CREATE TABLE " << bracketed(table) << " (";
-  for (size_t i = 0; i < fields.size(); ++i) {
-    out << (i ? ", " : "") << bracketed(fields[i].name) << " " << namesOf(fields[i].type).sql;
-  }
-  out << ");\r\n";
-}
-
-// The indexes of all tables; those of a primary key carry its words.
-void writeIndexes(Connection& connection, std::ostream& out) {
-  struct Index {
-    std::string table, name, columns;
-    bool unique, primary;
-  };
-  std::vector<Index> indexes;
-  const auto rows = connection.OpenSchema(SchemaKind::Indexes);
-  for (; !rows->Eof(); rows->MoveNext()) {
-    const std::string table = rows->Text("TABLE_NAME");
-    const std::string name = rows->Text("INDEX_NAME");
-    const std::string column = bracketed(rows->Text("COLUMN_NAME"));
-    if (!indexes.empty() && indexes.back().table == table && indexes.back().name == name) {
-      indexes.back().columns += ", " + column;
-    } else {
-      indexes.push_back({table, name, column, rows->Text("UNIQUE") == "True",
-                         rows->Text("PRIMARY_KEY") == "True"});
-    }
-  }
-  for (const Index& index : indexes) {
-    std::string name = index.name;
-    if (name.starts_with(index.table + "|")) name = name.substr(index.table.size() + 1);
-    out << "CREATE " << (index.unique ? "UNIQUE " : "") << "INDEX " << bracketed(name) << " ON "
-        << bracketed(index.table) << " (" << index.columns << ")"
-        << (index.primary ? " WITH PRIMARY" : "") << ";\r\n";
-  }
-}
-
-void writeRelationships(Connection& connection, const std::set<std::string>& tables,
-                        std::ostream& out) {
-  struct Link {
-    std::string table, columns, parent, parentColumns;
-  };
-  std::unique_ptr<Recordset> rows;
-  try {
-    rows = connection.OpenRecordset("SELECT * FROM [MSysRelationships]");
-  } catch (const Error&) {
-    return;  // only databases that came from Access keep them
-  }
-  rows->Sort("szRelationship, icolumn");
-  std::map<std::string, Link> links;
-  for (; !rows->Eof(); rows->MoveNext()) {
-    Link& link = links[rows->Text("szRelationship")];
-    const bool isFirst = link.table.empty();
-    link.table = rows->Text("szObject");
-    link.parent = rows->Text("szReferencedObject");
-    link.columns += (isFirst ? "" : ", ") + bracketed(rows->Text("szColumn"));
-    link.parentColumns += (isFirst ? "" : ", ") + bracketed(rows->Text("szReferencedColumn"));
-  }
-  for (const auto& [name, link] : links) {
-    if (!tables.contains(link.table) || !tables.contains(link.parent)) continue;
-    out << "ALTER TABLE " << bracketed(link.table) << " ADD CONSTRAINT " << bracketed(name)
-        << " FOREIGN KEY (" << link.columns << ") REFERENCES " << bracketed(link.parent) << " ("
-        << link.parentColumns << ");\r\n";
-  }
-}
-
-// A text file of the folder, which must come out whole.
-class TextFile {
+class WorkbookExport {
  public:
-  explicit TextFile(const fs::path& path) : path_(path), file_(path, std::ios::binary) {}
-  std::ostream& stream() { return file_; }
-  void close() {
-    file_.close();
-    if (!file_) throw FileError(pathText(path_) + " cannot be written");
+  explicit WorkbookExport(Connection& connection) : connection_(connection) {}
+
+  void run(const std::vector<std::string>& tables, std::string_view out) {
+    const std::vector<std::string> names = exportNames(tables, kForbiddenInSheets, 31);
+    if (!tables.empty()) book_.NumSheets(static_cast<int>(tables.size()));
+    for (size_t i = 0; i < tables.size(); ++i) {
+      const int sheet = static_cast<int>(i) + 1;
+      book_.SheetName(sheet, names[i]);
+      fill(sheet, tables[i]);
+    }
+    book_.Sheet(1);
+    book_.Write(out, FileType::Xlsx);
+    if (shortened_ > 0) {
+      remarks_.push_back(std::to_string(shortened_) +
+                         " texts are longer than a cell can be and were cut; a folder holds them "
+                         "whole");
+    }
   }
+
+  const std::vector<std::string>& remarks() const { return remarks_; }
 
  private:
-  fs::path path_;
-  std::ofstream file_;
-};
-
-void exportTexts(Connection& connection, const std::vector<std::string>& tables,
-                 const fs::path& folder) {
-  std::error_code failed;
-  fs::create_directories(folder, failed);
-  if (failed)
-    throw FileError("Folder " + pathText(folder) + " cannot be made: " + failed.message());
-  const std::vector<std::string> names = exportNames(tables, kForbiddenInFiles, 100);
-  TextFile schema(folder / "schema.ini");
-  TextFile script(folder / "database.sql");
-  std::string fillings;
-  for (size_t i = 0; i < tables.size(); ++i) {
-    const auto records = recordsOf(connection, tables[i]);
-    writeSchema(records->Fields(), names[i] + ".csv", schema.stream());
-    writeCreation(tables[i], records->Fields(), script.stream());
-    fillings += "INSERT INTO " + bracketed(tables[i]) +
-                " SELECT * FROM [Text;HDR=Yes;FMT=Delimited;CharacterSet=65001;DATABASE=" +
-                pathText(fs::absolute(folder)) + "].[" + names[i] + "#csv];\r\n";
-    TextFile csv(folder / nativePath(names[i] + ".csv"));
-    writeCsv(*records, csv.stream());
-    csv.close();
-  }
-  // Keys come before the records, so that Access checks these, relationships behind them.
-  writeIndexes(connection, script.stream());
-  script.stream() << fillings;
-  writeRelationships(connection, {tables.begin(), tables.end()}, script.stream());
-  schema.close();
-  script.close();
-}
-
-void fillSheet(Worksheet& book, int sheet, Recordset& records, const std::string& table) {
-  const std::vector<Field>& fields = records.Fields();
-  for (size_t i = 0; i < fields.size(); ++i) {
-    book.TextSRC(sheet, 1, static_cast<int>(i) + 1, fields[i].name);
-  }
-  for (int row = 2; !records.Eof(); records.MoveNext(), ++row) {
-    if (row > maxRows) throw Error("Table " + table + " has more records than a sheet has rows");
-    for (int i = 0; i < static_cast<int>(fields.size()); ++i) {
-      const FieldValue& value = records.Value(i);
-      if (isNull(value)) continue;
-      const bool isNumber = !std::holds_alternative<std::string>(value);
-      if (isNumber && fields[static_cast<size_t>(i)].type.code != FieldCode::Boolean) {
-        book.NumberSRC(sheet, row, i + 1, fieldNumber(value));
-      } else {
-        book.TextSRC(sheet, row, i + 1, records.Text(i));
+  void fill(int sheet, const std::string& table) {
+    const auto records =
+        connection_.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
+    const std::vector<Field>& fields = records->Fields();
+    const int count = static_cast<int>(fields.size());
+    if (count > maxColumns) throw Error("Table " + table + " has more fields than a sheet can");
+    book_.Sheet(sheet);
+    book_.FixedRows(1);
+    for (int i = 0; i < count; ++i) {
+      book_.ValueSRC(sheet, 1, i + 1, Value::text(fields[static_cast<size_t>(i)].name));
+    }
+    for (int row = 2; !records->Eof(); records->MoveNext(), ++row) {
+      if (row > maxRows) throw Error("Table " + table + " has more records than a sheet has rows");
+      for (int i = 0; i < count; ++i) {
+        setCell(sheet, row, i + 1, records->Value(i), fields[static_cast<size_t>(i)].type);
       }
     }
   }
+
+  void setCell(int sheet, int row, int column, const FieldValue& value, const FieldType& type) {
+    if (isNull(value)) return;
+    if (type.code == FieldCode::Boolean) {
+      return book_.ValueSRC(sheet, row, column, Value::boolean(fieldNumber(value) != 0));
+    }
+    const auto* text = std::get_if<std::string>(&value);
+    if (!text) return book_.NumberSRC(sheet, row, column, fieldNumber(value));
+    if (type.code == FieldCode::Date && setDate(sheet, row, column, *text)) return;
+    book_.ValueSRC(sheet, row, column, Value::text(cellText(*text)));
+  }
+
+  bool setDate(int sheet, int row, int column, const std::string& text) {
+    const auto date = parseDate(text);
+    const auto number = date ? workbookDate(*date) : std::nullopt;
+    if (!number) return false;
+    book_.NumberSRC(sheet, row, column, *number);
+    CellFormat format;
+    format.numberFormat =
+        *number == static_cast<double>(dayNumber(*date)) ? "yyyy-mm-dd" : "yyyy-mm-dd hh:mm:ss";
+    book_.setFormat(sheet, row, column, format);
+    return true;
+  }
+
+  std::string cellText(const std::string& text) {
+    if (text.size() <= kLongestCell) return text;
+    std::u16string units = toUtf16(text);
+    if (units.size() <= kLongestCell) return text;
+    ++shortened_;
+    const bool halved = units[kLongestCell - 1] >= 0xD800 && units[kLongestCell - 1] < 0xDC00;
+    return fromUtf16(units.substr(0, kLongestCell - (halved ? 1 : 0)));
+  }
+
+  Connection& connection_;
+  Worksheet book_;
+  int shortened_ = 0;
+  std::vector<std::string> remarks_;
+};
+
+bool isAccessName(const std::string& name) {
+  return name.find_first_of(".![]`") == std::string::npos && !name.starts_with(' ') &&
+         characterCount(name) <= kLongestAccessName;
 }
 
-void exportWorkbook(Connection& connection, const std::vector<std::string>& tables,
-                    std::string_view out) {
-  const std::vector<std::string> names = exportNames(tables, kForbiddenInSheets, 31);
-  Worksheet book;
-  if (!tables.empty()) book.NumSheets(static_cast<int>(tables.size()));
-  for (size_t i = 0; i < tables.size(); ++i) {
-    const int sheet = static_cast<int>(i) + 1;
-    book.SheetName(sheet, names[i]);
-    fillSheet(book, sheet, *recordsOf(connection, tables[i]), tables[i]);
+// What Access will not take as it stands.
+void tellAwkwardNames(Connection& connection, std::vector<std::string>& remarks) {
+  std::string last;
+  const auto columns = connection.OpenSchema(SchemaKind::Columns);
+  for (; !columns->Eof(); columns->MoveNext()) {
+    const std::string table = columns->Text("TABLE_NAME");
+    const std::string name = columns->Text("COLUMN_NAME");
+    if (table != last && !isAccessName(table)) {
+      remarks.push_back("Table " + table + " has a name that Access cannot take");
+    }
+    last = table;
+    if (isAccessName(name)) continue;
+    remarks.push_back("Field " + name + " of table " + table +
+                      " has a name that Access cannot take");
   }
-  book.Write(out, FileType::Xlsx);
 }
 
 }  // namespace
@@ -291,15 +171,13 @@ std::vector<std::string> exportDatabase(Connection& connection, std::string_view
   std::vector<std::string> remarks;
   if (tables.empty()) remarks.push_back("The database has no tables");
   if (extensionOf(out) == "xlsx") {
-    exportWorkbook(connection, tables, out);
+    WorkbookExport book(connection);
+    book.run(tables, out);
+    remarks.insert(remarks.end(), book.remarks().begin(), book.remarks().end());
     return remarks;
   }
-  exportTexts(connection, tables, nativePath(out));
-  for (const std::string& table : tables) {
-    if (table.find_first_of("]") != std::string::npos) {
-      remarks.push_back("Table " + table + " has a name that Access cannot take");
-    }
-  }
+  exportTexts(connection, tables, out);
+  tellAwkwardNames(connection, remarks);
   return remarks;
 }
 

@@ -1,20 +1,15 @@
 #include "db/Export.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-
-#include "basic/Error.h"
+#include "DatabaseFixture.h"
 #include "basic/Files.h"
-#include "db/Connection.h"
+#include "basic/Text.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {
 namespace {
 
-namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -23,67 +18,137 @@ TEST(ExportNames, FitAndDiffer) {
               ElementsAre("a_b", "a__2", "A__3", "Erzm", "__", "Er_2"));
 }
 
-class ExportTest : public testing::Test {
+class ExportTest : public DatabaseFixture {
  protected:
   void SetUp() override {
-    folder_ = fs::temp_directory_path() / ("lodex_export_" + std::to_string(::getpid()));
-    fs::create_directories(folder_);
-    createDatabase(path("source.mdb"));
-    connection_.Open(ConnectionString(path("source.mdb"), "", ""));
-    connection_.Execute(
-        "CREATE TABLE [Rock / assays] ([Sample No] TEXT(20) NOT NULL, [SiO2] DOUBLE, [Fe] SINGLE, "
-        "[Taken] DATETIME, [Checked] BIT, [Notes] MEMO)");
-    connection_.Execute(
-        "CREATE UNIQUE INDEX [SampleKey] ON [Rock / assays] ([Sample No]) WITH PRIMARY");
-    const std::string insertion = "INSERT INTO [Rock / assays] VALUES (?, ?, ?, ?, ?, ?)";
-    connection_.Execute(insertion, {std::string("A \"1\", north"), 0.1 + 0.2, 12.3, {}, -1, ""});
-    connection_.Execute(
-        insertion,
-        {std::string("Mörtel"), {}, {}, std::string("2020-01-31"), 0, std::string("two\nlines")});
+    DatabaseFixture::SetUp();
+    run("CREATE TABLE [Rock / assays] ([Sample No] TEXT(20) NOT NULL, [SiO2] DOUBLE, [Fe] SINGLE, "
+        "[Taken] DATETIME, [Checked] BIT, [Notes] MEMO, [Cost] CURRENCY, [d] DECIMAL(10,2))");
+    run("CREATE UNIQUE INDEX [SampleKey] ON [Rock / assays] ([Sample No]) WITH PRIMARY");
+    run("CREATE TABLE [Zone;1] ([ID] COUNTER PRIMARY KEY, [b] BYTE NOT NULL, [s] SHORT, "
+        "[Sample] TEXT(20) REFERENCES [Rock / assays] ([Sample No]))");
+    run("CREATE INDEX [by zone] ON [Zone;1] ([s] , [b])");
+    add({"A \"1\", north", 0.1 + 0.2, 12.3, {}, -1, "", 1.0001, 0.25});
+    add({"Mörtel; ☃", {}, {}, "2020-01-31", 0, "two\nlines\r\n", {}, {}});
+    add({"007", -1e-300, 1e38, "2020-01-31 12:30:00", 0, "=1+1", -922337203685.4775, 99999999.99});
+    add({"12", {}, {}, "1850-05-01", 0, std::string(40000, 'x') + "Ä", {}, {}});
   }
-  void TearDown() override {
-    connection_.Close();
-    fs::remove_all(folder_);
+  void add(const Row& values) {
+    connection_.Execute("INSERT INTO [Rock / assays] VALUES (?, ?, ?, ?, ?, ?, ?, ?)", values);
   }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-  fs::path folder_;
-  Connection connection_;
 };
 
-TEST_F(ExportTest, AFolderHoldsEveryValueItsTypesAndAScript) {
+// A text of comma-separated values; Null as nothing and an empty text as "".
+std::vector<std::vector<std::string>> readCsv(const std::string& text) {
+  std::vector<std::vector<std::string>> rows(1);
+  std::string field;
+  bool quoted = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c == '"') quoted = !quoted;
+    if (quoted || (c != ',' && c != '\r')) {
+      field += c;
+      continue;
+    }
+    rows.back().push_back(field);
+    field.clear();
+    if (c != '\r') continue;
+    ++i;
+    if (i + 1 < text.size()) rows.emplace_back();
+  }
+  return rows;
+}
+
+TEST_F(ExportTest, AFolderHoldsEveryValueOfEveryTable) {
   exportDatabase(connection_, path("out"));
-  EXPECT_EQ(readFile(path("out/Rock _ assays.csv")),
-            "\"Sample No\",\"SiO2\",\"Fe\",\"Taken\",\"Checked\",\"Notes\"\r\n"
-            "\"A \"\"1\"\", north\",0.30000000000000004,12.3,,True,\"\"\r\n"
-            "\"Mörtel\",,,2020-01-31 00:00:00,False,\"two\nlines\"\r\n");
+  const auto rows = readCsv(readFile(path("out/Rock _ assays.csv")));
+  ASSERT_EQ(rows.size(), 5U);
+  EXPECT_THAT(rows[0], ElementsAre("\"Sample No\"", "\"SiO2\"", "\"Fe\"", "\"Taken\"",
+                                   "\"Checked\"", "\"Notes\"", "\"Cost\"", "\"d\""));
+  const auto records = connection_.OpenRecordset("SELECT * FROM [Rock / assays]");
+  for (size_t row = 1; row < rows.size(); ++row, records->MoveNext()) {
+    ASSERT_EQ(rows[row].size(), 8U);
+    for (int i = 0; i < 8; ++i) {
+      const std::string& field = rows[row][static_cast<size_t>(i)];
+      EXPECT_EQ(field.empty(), isNull(records->Value(i))) << row << " " << i;
+      if (const auto* number = std::get_if<double>(&records->Value(i))) {
+        EXPECT_EQ(std::stod(field), *number) << row << " " << i;
+      } else if (field.starts_with('"')) {
+        const std::string inner = replaceAll(field.substr(1, field.size() - 2), "\"\"", "\"");
+        EXPECT_EQ(inner, records->Text(i));
+      }
+    }
+  }
+  EXPECT_EQ(rows[2][3] + rows[3][3], "2020-01-31 00:00:002020-01-31 12:30:00");
+  EXPECT_EQ(rows[1][4] + rows[2][4], "TrueFalse");
   const std::string schema = readFile(path("out/schema.ini"));
   EXPECT_THAT(schema, HasSubstr("[Rock _ assays.csv]\r\n"));
   EXPECT_THAT(schema, HasSubstr("Col1=\"Sample No\" Text Width 20\r\n"));
   EXPECT_THAT(schema, HasSubstr("Col4=\"Taken\" DateTime\r\n"));
-  const std::string script = readFile(path("out/database.sql"));
-  EXPECT_THAT(script,
-              HasSubstr("CREATE TABLE [Rock / assays] ([Sample No] TEXT(20), [SiO2] DOUBLE"));
-  EXPECT_THAT(script, HasSubstr("ON [Rock / assays] ([Sample No]) WITH PRIMARY;"));
-  EXPECT_THAT(script, HasSubstr("].[Rock _ assays#csv];"));
+}
+
+TEST_F(ExportTest, TheScriptMakesTheSameStructure) {
+  exportDatabase(connection_, path("out"));
+  const std::string columns = structure(SchemaKind::Columns);
+  const std::string indexes = structure(SchemaKind::Indexes);
+  EXPECT_THAT(columns, HasSubstr("|d|8|131||10|2|True|False\n"));
+  EXPECT_THAT(columns, HasSubstr("Zone;1|ID|1|3||||True|True\n"));
+  connection_.Close();
+  createDatabase(path("again.mdb"));
+  connection_.Open(ConnectionString(path("again.mdb"), "", ""));
+  std::vector<std::string> others;
+  for (const std::string& statement : split(readFile(path("out/database.sql")), "\r\n")) {
+    if (statement.starts_with("CREATE")) {
+      run(statement);
+    } else if (!statement.empty()) {
+      others.push_back(statement);
+    }
+  }
+  EXPECT_EQ(structure(SchemaKind::Columns), columns);
+  EXPECT_EQ(structure(SchemaKind::Indexes), indexes);
+  EXPECT_THAT(others,
+              ElementsAre("INSERT INTO [Rock / assays] SELECT * FROM [Text;HDR=Yes;FMT=Delimited;"
+                          "CharacterSet=65001;DATABASE=.].[Rock _ assays#csv];",
+                          "INSERT INTO [Zone;1] SELECT * FROM [Text;HDR=Yes;FMT=Delimited;"
+                          "CharacterSet=65001;DATABASE=.].[Zone;1#csv];",
+                          "ALTER TABLE [Zone;1] ADD CONSTRAINT [Rock / assaysZone;10] FOREIGN KEY "
+                          "([Sample]) REFERENCES [Rock / assays] ([Sample No]);"));
 }
 
 TEST_F(ExportTest, AWorkbookHoldsASheetPerTable) {
-  connection_.Execute("CREATE TABLE [Minerals] ([Name] TEXT(50))");
-  exportDatabase(connection_, path("out.xlsx"));
+  const auto remarks = exportDatabase(connection_, path("out.xlsx"));
+  EXPECT_THAT(remarks, ElementsAre(HasSubstr("1 texts are longer than a cell can be")));
   Worksheet book;
   book.Read(path("out.xlsx"));
   ASSERT_EQ(book.NumSheets(), 2);
-  EXPECT_EQ(book.SheetName(1), "Minerals");
-  EXPECT_EQ(book.SheetName(2), "Rock _ assays");
-  EXPECT_EQ(book.TextSRC(2, 2, 1), "A \"1\", north");
-  EXPECT_EQ(book.NumberSRC(2, 2, 2), 0.1 + 0.2);
-  EXPECT_FALSE(book.HasContent(2, 3, 2));
+  EXPECT_EQ(book.SheetName(1), "Rock _ assays");
+  EXPECT_EQ(book.SheetName(2), "Zone;1");
+  const auto records = connection_.OpenRecordset("SELECT * FROM [Rock / assays]");
+  for (int row = 2; row <= 5; ++row, records->MoveNext()) {
+    EXPECT_EQ(book.TextSRC(1, row, 1), records->Text(0));
+    EXPECT_TRUE(book.ValueSRC(1, row, 1).isText()) << records->Text(0);
+    for (const int column : {2, 3, 7, 8}) {
+      const FieldValue& value = records->Value(column - 1);
+      EXPECT_EQ(book.HasContent(1, row, column), !isNull(value)) << row << " " << column;
+      EXPECT_EQ(book.NumberSRC(1, row, column), fieldNumber(value)) << row << " " << column;
+    }
+    const std::string note = records->Text(5);
+    EXPECT_EQ(book.TextSRC(1, row, 6), note.size() < 30000 ? note : note.substr(0, 32767));
+  }
+  EXPECT_FALSE(book.HasFormula(1, 4, 6));
+  EXPECT_EQ(book.TextSRC(1, 3, 4), "2020-01-31");
+  EXPECT_EQ(book.TextSRC(1, 4, 4), "2020-01-31 12:30:00");
+  EXPECT_EQ(book.TextSRC(1, 5, 4), "1850-05-01");
+  EXPECT_TRUE(book.ValueSRC(1, 2, 5).isBoolean());
 }
 
-TEST_F(ExportTest, WhatCannotBeWrittenIsAnError) {
-  EXPECT_THROW(exportDatabase(connection_, path("source.mdb")), FileError);
+TEST_F(ExportTest, WhatCannotBeWrittenIsAnErrorAndWhatAccessCannotTakeIsTold) {
+  EXPECT_THROW(exportDatabase(connection_, path()), FileError);
   EXPECT_THROW(exportDatabase(connection_, path("missing/out.xlsx")), Error);
+  run("CREATE TABLE [a.b] ([x!] LONG)");
+  EXPECT_THAT(exportDatabase(connection_, path("out")),
+              ElementsAre("Table a.b has a name that Access cannot take",
+                          "Field x! of table a.b has a name that Access cannot take"));
 }
 
 }  // namespace

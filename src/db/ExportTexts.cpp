@@ -1,0 +1,245 @@
+#include "db/ExportTexts.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <set>
+
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "basic/Numbers.h"
+#include "basic/Text.h"
+#include "db/Connection.h"
+#include "db/Export.h"
+#include "db/Recordset.h"
+
+namespace lodex {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kForbiddenInFiles = "\\/:*?\"<>|.#[]!`";
+constexpr int kLongestAccessText = 255;
+
+std::unique_ptr<Recordset> recordsOf(Connection& connection, const std::string& table) {
+  return connection.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
+}
+
+// A name between brackets, as Access takes it.
+std::string bracketed(const std::string& name) {
+  return "[" + name + "]";
+}
+
+std::string quotedCsv(const std::string& text) {
+  return "\"" + replaceAll(text, "\"", "\"\"") + "\"";
+}
+
+// A value as Access reads it from a text, exact to the last digit.
+std::string csvText(const FieldValue& value, const FieldType& type) {
+  if (isNull(value)) return {};
+  if (type.code == FieldCode::Boolean) return fieldNumber(value) != 0 ? "True" : "False";
+  if (const auto* number = std::get_if<double>(&value)) {
+    if (type.code == FieldCode::Single) return fmt::format("{}", static_cast<float>(*number));
+    return exactNumberText(*number);
+  }
+  if (!std::holds_alternative<std::string>(value)) return fieldText(value);
+  const std::string& text = std::get<std::string>(value);
+  if (type.isNumber()) return text;
+  if (type.code == FieldCode::Date) return text.size() == 10 ? text + " 00:00:00" : text;
+  return quotedCsv(text);
+}
+
+void writeCsv(Recordset& records, std::ostream& out) {
+  const std::vector<Field>& fields = records.Fields();
+  for (size_t i = 0; i < fields.size(); ++i) out << (i ? "," : "") << quotedCsv(fields[i].name);
+  out << "\r\n";
+  for (; !records.Eof(); records.MoveNext()) {
+    for (size_t i = 0; i < fields.size(); ++i) {
+      out << (i ? "," : "") << csvText(records.Value(static_cast<int>(i)), fields[i].type);
+    }
+    out << "\r\n";
+  }
+}
+
+// How the driver for texts of the reading program names a type.
+std::string schemaTypeName(const FieldType& type) {
+  switch (type.code) {
+    case FieldCode::SmallInt:
+      return "Short";
+    case FieldCode::Integer:
+      return "Long";
+    case FieldCode::Single:
+      return "Single";
+    case FieldCode::Double:
+    case FieldCode::Numeric:
+      return "Double";
+    case FieldCode::Currency:
+      return "Currency";
+    case FieldCode::Date:
+      return "DateTime";
+    case FieldCode::Boolean:
+      return "Bit";
+    case FieldCode::Byte:
+      return "Byte";
+    case FieldCode::Memo:
+    case FieldCode::Binary:
+      return "Memo";
+    case FieldCode::Text:
+    case FieldCode::VarText:
+      break;
+  }
+  if (type.size <= 0 || type.size > kLongestAccessText) return "Memo";
+  return fmt::format("Text Width {}", type.size);
+}
+
+void writeSchema(const std::vector<Field>& fields, const std::string& file, std::ostream& out) {
+  out << "[" << file << "]\r\nColNameHeader=True\r\nFormat=CSVDelimited\r\nCharacterSet=65001\r\n"
+      << "DecimalSymbol=.\r\nCurrencyDecimalSymbol=.\r\nDateTimeFormat=yyyy-mm-dd hh:nn:ss\r\n"
+      << "MaxScanRows=0\r\n";
+  for (size_t i = 0; i < fields.size(); ++i) {
+    out << "Col" << i + 1 << "=" << quotedCsv(fields[i].name) << " "
+        << schemaTypeName(fields[i].type) << "\r\n";
+  }
+  out << "\r\n";
+}
+
+// --- The script ---
+
+// A column as a statement declares it. Bytes come as texts, and so does what is too long for a text
+// field; a decimal of unknown size would lose its fraction.
+std::string columnSql(Recordset& columns) {
+  const auto number = [&](const char* field) {
+    return static_cast<int>(fieldNumber(columns.Value(field)));
+  };
+  FieldType type{static_cast<FieldCode>(number("DATA_TYPE")), number("CHARACTER_MAXIMUM_LENGTH"),
+                 number("NUMERIC_PRECISION"), number("NUMERIC_SCALE")};
+  if (type.code == FieldCode::Binary || (type.isText() && type.size > kLongestAccessText)) {
+    type = {FieldCode::Memo, 0};
+  }
+  if (type.code == FieldCode::Numeric && type.precision == 0) type = {FieldCode::Double, 0};
+  const std::string name = bracketed(columns.Text("COLUMN_NAME"));
+  if (number("AUTOINCREMENT") != 0) return name + " COUNTER";
+  return name + " " + jetTypeName(type) + (number("IS_NULLABLE") == 0 ? " NOT NULL" : "");
+}
+
+void writeTables(Connection& connection, const std::set<std::string>& tables, std::ostream& out) {
+  const auto columns = connection.OpenSchema(SchemaKind::Columns);
+  std::string open;
+  for (; !columns->Eof(); columns->MoveNext()) {
+    const std::string table = columns->Text("TABLE_NAME");
+    if (!tables.contains(table)) continue;
+    if (table != open) {
+      out << (open.empty() ? "" : ");\r\n") << "CREATE TABLE " << bracketed(table) << " (";
+    } else {
+      out << ", ";
+    }
+    open = table;
+    out << columnSql(*columns);
+  }
+  if (!open.empty()) out << ");\r\n";
+}
+
+// The indexes of all tables; those of a primary key carry its words.
+void writeIndexes(Connection& connection, std::ostream& out) {
+  std::string open;
+  std::string end;
+  const auto rows = connection.OpenSchema(SchemaKind::Indexes);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const std::string table = bracketed(rows->Text("TABLE_NAME"));
+    const std::string name = bracketed(rows->Text("INDEX_NAME"));
+    const std::string column = bracketed(rows->Text("COLUMN_NAME"));
+    if (name + table == open) {
+      out << ", " << column;
+      continue;
+    }
+    out << end << "CREATE " << (rows->Text("UNIQUE") == "True" ? "UNIQUE " : "") << "INDEX " << name
+        << " ON " << table << " (" << column;
+    end = rows->Text("PRIMARY_KEY") == "True" ? ") WITH PRIMARY;\r\n" : ");\r\n";
+    open = name + table;
+  }
+  out << end;
+}
+
+void writeRelationships(Connection& connection, const std::set<std::string>& tables,
+                        std::ostream& out) {
+  struct Link {
+    std::string table, name, parent, columns, parentColumns;
+  };
+  std::vector<Link> links;
+  const auto rows = connection.OpenSchema(SchemaKind::ForeignKeys);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const std::string table = rows->Text("FK_TABLE_NAME");
+    const std::string name = rows->Text("FK_NAME");
+    if (links.empty() || links.back().table != table || links.back().name != name) {
+      links.push_back({table, name, rows->Text("PK_TABLE_NAME"), "", ""});
+    }
+    const auto add = [](std::string& list, const std::string& column) {
+      if (!column.empty()) list += (list.empty() ? "" : ", ") + bracketed(column);
+    };
+    add(links.back().columns, rows->Text("FK_COLUMN_NAME"));
+    add(links.back().parentColumns, rows->Text("PK_COLUMN_NAME"));
+  }
+  for (const Link& link : links) {
+    const auto isParent = [&](const std::string& table) {
+      return equalsNoCase(table, link.parent);
+    };
+    if (std::none_of(tables.begin(), tables.end(), isParent)) continue;
+    out << "ALTER TABLE " << bracketed(link.table) << " ADD CONSTRAINT " << bracketed(link.name)
+        << " FOREIGN KEY (" << link.columns << ") REFERENCES " << bracketed(link.parent)
+        << (link.parentColumns.empty() ? "" : " (" + link.parentColumns + ")") << ";\r\n";
+  }
+}
+
+// A text file of the folder, which must come out whole.
+class TextFile {
+ public:
+  explicit TextFile(const fs::path& path) : path_(path), file_(path, std::ios::binary) {}
+  std::ostream& stream() { return file_; }
+  void close() {
+    file_.close();
+    if (!file_) throw FileError(pathText(path_) + " cannot be written");
+  }
+
+ private:
+  fs::path path_;
+  std::ofstream file_;
+};
+
+}  // namespace
+
+void exportTexts(Connection& connection, const std::vector<std::string>& tables,
+                 std::string_view path) {
+  const fs::path folder = nativePath(path);
+  std::error_code failed;
+  fs::create_directories(folder, failed);
+  if (failed) {
+    throw FileError("Folder " + pathText(folder) + " cannot be made: " + failed.message());
+  }
+  const std::vector<std::string> names = exportNames(tables, kForbiddenInFiles, 100);
+  TextFile schema(folder / "schema.ini");
+  TextFile script(folder / "database.sql");
+  const std::set<std::string> known(tables.begin(), tables.end());
+  writeTables(connection, known, script.stream());
+  // Keys come before the records, so that Access checks these, relationships behind them.
+  writeIndexes(connection, script.stream());
+  for (size_t i = 0; i < tables.size(); ++i) {
+    const auto records = recordsOf(connection, tables[i]);
+    if (records->Fields().empty()) continue;
+    writeSchema(records->Fields(), names[i] + ".csv", schema.stream());
+    TextFile csv(folder / nativePath(names[i] + ".csv"));
+    writeCsv(*records, csv.stream());
+    csv.close();
+    script.stream() << "INSERT INTO " << bracketed(tables[i])
+                    << " SELECT * FROM [Text;HDR=Yes;FMT=Delimited;CharacterSet=65001;DATABASE=.].["
+                    << names[i] << "#csv];\r\n";
+  }
+  writeRelationships(connection, known, script.stream());
+  schema.close();
+  script.close();
+}
+
+}  // namespace lodex

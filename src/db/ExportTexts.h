@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lodex {
+
+class Connection;
+
+/// The folder of exportDatabase: a text per table, "schema.ini" and "database.sql".
+void exportTexts(Connection& connection, const std::vector<std::string>& tables,
+                 std::string_view path);
+
+}  // namespace lodex
