@@ -31,6 +31,12 @@ class JetParser : public JetQueries {
     return std::move(statement_);
   }
 
+  std::string runExpression() {
+    const std::string text = expressionText();
+    if (peek().kind != JetToken::End) fail("this cannot stand here");
+    return text;
+  }
+
  private:
   void parseStatement() {
     if (peek().kind == JetToken::End) {
@@ -300,8 +306,7 @@ class JetParser : public JetQueries {
       type += (type.empty() ? "" : " ") + toUpper(take().text);
     }
     if (takeMark("(")) {
-      const std::vector<std::string> sizes = arguments();
-      if (sizes.size() == 1) type += "(" + sizes[0] + ")";
+      type += "(" + join(arguments(), ",") + ")";
       while (peek().kind == JetToken::Word && !atColumnWord()) take();
     }
     column.type = parseFieldType(type);
@@ -417,6 +422,12 @@ std::string literal(const FieldValue& value) {
   return fieldText(value);
 }
 
+void refuseControlCharacters(std::string_view sql) {
+  if (sql.find('\0') != std::string_view::npos || sql.find(kCell) != std::string_view::npos) {
+    throw Error("A control character cannot stand in a database statement", dberror::BadArgument);
+  }
+}
+
 }  // namespace
 
 std::string targetName(std::string_view name, SqlTarget target) {
@@ -434,10 +445,13 @@ std::string targetText(std::string_view text) {
 }
 
 JetStatement readJetSql(std::string_view sql, SqlTarget target) {
-  if (sql.find('\0') != std::string_view::npos || sql.find(kCell) != std::string_view::npos) {
-    throw Error("A control character cannot stand in a database statement", dberror::BadArgument);
-  }
+  refuseControlCharacters(sql);
   return JetParser(sql, target).run();
+}
+
+std::string readJetExpression(std::string_view expression, SqlTarget target) {
+  refuseControlCharacters(expression);
+  return JetParser(expression, target).runExpression();
 }
 
 std::string transformQuery(const JetStatement& statement, const std::vector<FieldValue>& values,

@@ -73,6 +73,10 @@ struct JetStatement {
 /// has no counterpart in the target.
 JetStatement readJetSql(std::string_view sql, SqlTarget target);
 
+/// Reads one expression, such as a default value or a condition, and gives it in the target's SQL.
+/// Throws Error as readJetSql does.
+std::string readJetExpression(std::string_view expression, SqlTarget target);
+
 /// The query of a Transform for the values found by its pivotSql, in their order. Throws Error for
 /// more columns than a query can have.
 std::string transformQuery(const JetStatement& statement, const std::vector<FieldValue>& values,

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
@@ -21,6 +22,11 @@ constexpr size_t kDoubleDigits = 15;
 // What calculated columns put before their value: a length stands at 16.
 constexpr size_t kCalculatedLength = 16;
 constexpr size_t kCalculatedValue = 20;
+// A memo's field: its length with flags, a pointer, and four bytes without use.
+constexpr size_t kLongHeader = 12;
+// An extended date: 19 digits of days, a colon, 19 digits of ticks, a colon, a digit.
+constexpr size_t kExtendedDigits = 19;
+constexpr int kMostPointers = 16;
 
 // A whole number written with `scale` decimals; as a double where that is exact, else as text.
 void setDecimal(bool negative, std::string digits, size_t scale, AccessValue& value) {
@@ -66,9 +72,38 @@ void setWhole(std::int64_t whole, AccessValue& value) {
   value.whole = whole;
 }
 
+// SQLite keeps a negative zero only where numbers are stored as they come.
 void setNumber(double number, AccessValue& value) {
   value.kind = AccessValue::Number;
   value.number = number;
+  value.exact = number == 0 && std::signbit(number);
+}
+
+// The words of a whole number, the highest first, as decimal digits.
+std::string decimalDigits(std::array<std::uint32_t, 4> words) {
+  std::string digits;
+  bool isZero = false;
+  while (!isZero) {
+    std::uint64_t rest = 0;
+    isZero = true;
+    for (std::uint32_t& word : words) {
+      const std::uint64_t dividend = rest << 32 | word;
+      word = static_cast<std::uint32_t>(dividend / 10);
+      rest = dividend % 10;
+      isZero = isZero && word == 0;
+    }
+    digits.insert(digits.begin(), static_cast<char>('0' + rest));
+  }
+  return digits;
+}
+
+std::string dayText(std::chrono::year_month_day date) {
+  return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
+                     static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+}
+
+std::string timeText(std::int64_t seconds) {
+  return fmt::format(" {:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }
 
 }  // namespace
@@ -89,20 +124,46 @@ void readCurrency(std::int64_t stored, AccessValue& value) {
 void readNumeric(AccessBytes bytes, int scale, AccessValue& value) {
   std::array<std::uint32_t, 4> words{};
   for (size_t i = 0; i < 4; ++i) words[i] = bytes.u32(1 + 4 * i);
-  std::string digits;
-  bool isZero = false;
-  while (!isZero) {
-    std::uint64_t rest = 0;
-    isZero = true;
-    for (std::uint32_t& word : words) {
-      const std::uint64_t dividend = rest << 32 | word;
-      word = static_cast<std::uint32_t>(dividend / 10);
-      rest = dividend % 10;
-      isZero = isZero && word == 0;
-    }
-    digits.insert(digits.begin(), static_cast<char>('0' + rest));
+  setDecimal(bytes.u8(0) != 0, decimalDigits(words), static_cast<size_t>(scale), value);
+}
+
+void readCalculatedNumeric(AccessBytes bytes, AccessValue& value) {
+  const size_t size = bytes.u16(0) > 2 ? bytes.u16(0) - 2u : bytes.size() - 4;
+  const size_t count = std::min<size_t>(size / 4, 4);
+  const int scale = bytes.u8(2);
+  // Pairs of words lie with the lower one first; a word without a partner leads.
+  std::array<std::uint32_t, 4> words{};
+  for (size_t i = 0; i < count; ++i) {
+    const bool paired = count % 2 == 0 || i > 0;
+    const bool isFirstOfPair = (i + count) % 2 == 0;
+    const size_t from = !paired ? i : isFirstOfPair ? i + 1 : i - 1;
+    words[4 - count + i] = bytes.u32(4 + 4 * from);
   }
-  setDecimal(bytes.u8(0) != 0, digits, static_cast<size_t>(scale), value);
+  setDecimal(bytes.u8(3) != 0, decimalDigits(words), static_cast<size_t>(scale), value);
+}
+
+std::string extendedDateText(std::string_view stored) {
+  namespace chrono = std::chrono;
+  constexpr std::int64_t kTicksOfSecond = 10'000'000;
+  constexpr chrono::sys_days kDayZero = chrono::year(1) / 1 / 1;
+  if (stored.size() < 2 * kExtendedDigits + 1) return {};
+  const auto digits = [&](size_t at) -> std::int64_t {
+    std::int64_t number = 0;
+    for (const char digit : stored.substr(at, kExtendedDigits)) {
+      if (digit < '0' || digit > '9' || number > INT64_MAX / 10 - 1) return -1;
+      number = number * 10 + (digit - '0');
+    }
+    return number;
+  };
+  const std::int64_t days = digits(0);
+  const std::int64_t ticks = digits(kExtendedDigits + 1);
+  if (days < 0 || days > 3'652'058 || ticks < 0 || ticks >= 86'400 * kTicksOfSecond) return {};
+  std::string text = dayText(kDayZero + chrono::days(static_cast<int>(days)));
+  if (ticks == 0) return text;
+  text += timeText(ticks / kTicksOfSecond);
+  if (ticks % kTicksOfSecond == 0) return text;
+  text += fmt::format(".{:07}", ticks % kTicksOfSecond);
+  return text.substr(0, text.find_last_not_of('0') + 1);
 }
 
 std::string accessDateText(double days) {
@@ -119,26 +180,23 @@ std::string accessDateText(double days) {
   const chrono::year_month_day date(kDayZero + chrono::days(static_cast<int>(day)));
   const int year = static_cast<int>(date.year());
   if (year < 100 || year > 9999) return {};
-  std::string text = fmt::format("{:04}-{:02}-{:02}", year, static_cast<unsigned>(date.month()),
-                                 static_cast<unsigned>(date.day()));
+  std::string text = dayText(date);
   if (rest == 0) return text;
-  const std::int64_t seconds = rest / 1000;
-  text += fmt::format(" {:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+  text += timeText(rest / 1000);
   if (rest % 1000) text += fmt::format(".{:03}", rest % 1000);
   return text;
 }
 
-// A record taken apart: how many columns it knows, its null mask, where its variable part begins.
+// A record taken apart: how many columns it knows, its null mask, where its variable part ends.
 struct AccessRows::Crack {
   AccessBytes record;
   int columnCount = 0;
   AccessBytes mask;
+  bool hasOffsets = false;
 };
 
 AccessRows::AccessRows(const AccessFile& file, const AccessTable& table)
-    : file_(file), table_(table), pages_(pagesOf(file, table)), values_(table.columns.size()) {
-  for (const AccessColumn& column : table.columns) hasVariable_ = hasVariable_ || !column.fixed;
-}
+    : file_(file), table_(table), pages_(pagesOf(file, table)), values_(table.columns.size()) {}
 
 bool AccessRows::nextPage() {
   while (nextPage_ < pages_.size()) {
@@ -166,44 +224,21 @@ bool AccessRows::next() {
 bool AccessRows::readRow() {
   AccessFile::Row row = file_.row(page_.bytes(), row_++);
   if (row.deleted || row.bytes.empty()) return false;
-  if (row.pointer) {
-    row.bytes = file_.pointedRow(row.bytes.u32(0), overflow_);
-    if (row.bytes.size() == 4) throw FileError("a record points in a circle");
+  for (int steps = 0; row.pointer; ++steps) {
+    if (steps == kMostPointers) throw FileError("a record points in a circle");
+    const std::uint32_t pointer = row.bytes.u32(0);
+    file_.read(pointer >> 8, overflow_);
+    row = file_.row(overflow_.bytes(), static_cast<int>(pointer & 0xFF));
   }
 
   const AccessBytes record = row.bytes;
   const size_t size = record.size();
-  const bool old = file_.isJet3();
   Crack crack;
   crack.record = record;
-  crack.columnCount = old ? record.u8(0) : record.u16(0);
+  crack.columnCount = file_.isJet3() ? record.u8(0) : record.u16(0);
   const size_t maskSize = static_cast<size_t>(crack.columnCount + 7) / 8;
   if (maskSize > size) throw FileError("a record is too short");
   crack.mask = record.from(size - maskSize);
-
-  // Offsets of the variable columns stand before the mask, the first one last.
-  varOffsets_.clear();
-  if (hasVariable_ && old) {
-    const size_t countAt = size - maskSize - 1;
-    const int count = record.u8(countAt);
-    // Offsets of one byte: "jumps" tell from which column on another 256 are to be added.
-    const size_t stored = (size - 1) / 256;
-    size_t jumps = stored;
-    const size_t firstAt = countAt - stored - 1;
-    if ((firstAt - static_cast<size_t>(count)) / 256 < jumps) --jumps;
-    size_t used = 0;
-    for (int i = 0; i <= count; ++i) {
-      while (used < jumps && record.u8(countAt - used - 1) == i) ++used;
-      varOffsets_.push_back(record.u8(firstAt - static_cast<size_t>(i)) +
-                            static_cast<int>(used) * 256);
-    }
-  } else if (hasVariable_) {
-    const size_t countAt = size - maskSize - 2;
-    const int count = record.u16(countAt);
-    for (int i = 0; i <= count; ++i) {
-      varOffsets_.push_back(record.u16(countAt - 2 - 2 * static_cast<size_t>(i)));
-    }
-  }
 
   for (size_t i = 0; i < table_.columns.size(); ++i) {
     const AccessColumn& column = table_.columns[i];
@@ -211,7 +246,9 @@ bool AccessRows::readRow() {
     value.kind = AccessValue::Null;
     value.exact = false;
     bool isNull = false;
-    const AccessBytes bytes = stored(crack, column, isNull);
+    AccessBytes bytes = stored(crack, column, isNull);
+    const bool isLong = column.type == AccessType::Memo || column.type == AccessType::Ole;
+    if (isLong && !isNull) isNull = !readLong(bytes);
     if (column.type == AccessType::Boolean && !column.calculated) {
       setWhole(isNull ? 0 : -1, value);
     } else if (!isNull) {
@@ -221,7 +258,36 @@ bool AccessRows::readRow() {
   return true;
 }
 
-AccessBytes AccessRows::stored(const Crack& crack, const AccessColumn& column, bool& isNull) const {
+// Offsets of the variable columns stand before the mask, the first one last. A record that is older
+// than the first of these columns has none.
+void AccessRows::readOffsets(const Crack& crack) {
+  const AccessBytes record = crack.record;
+  const size_t size = record.size();
+  varOffsets_.clear();
+  if (!file_.isJet3()) {
+    const size_t countAt = size - crack.mask.size() - 2;
+    const int count = record.u16(countAt);
+    for (int i = 0; i <= count; ++i) {
+      varOffsets_.push_back(record.u16(countAt - 2 - 2 * static_cast<size_t>(i)));
+    }
+    return;
+  }
+  const size_t countAt = size - crack.mask.size() - 1;
+  const int count = record.u8(countAt);
+  // Offsets of one byte: "jumps" tell from which column on another 256 are to be added.
+  const size_t stored = (size - 1) / 256;
+  size_t jumps = stored;
+  const size_t firstAt = countAt - stored - 1;
+  if ((firstAt - static_cast<size_t>(count)) / 256 < jumps) --jumps;
+  size_t used = 0;
+  for (int i = 0; i <= count; ++i) {
+    while (used < jumps && record.u8(countAt - used - 1) == i) ++used;
+    varOffsets_.push_back(record.u8(firstAt - static_cast<size_t>(i)) +
+                          static_cast<int>(used) * 256);
+  }
+}
+
+AccessBytes AccessRows::stored(Crack& crack, const AccessColumn& column, bool& isNull) {
   isNull = column.number >= crack.columnCount ||
            !(crack.mask.u8(static_cast<size_t>(column.number) / 8) & 1 << column.number % 8);
   if (isNull || (column.type == AccessType::Boolean && !column.calculated)) return {};
@@ -229,6 +295,8 @@ AccessBytes AccessRows::stored(const Crack& crack, const AccessColumn& column, b
     const size_t start = static_cast<size_t>(column.fixedOffset) + (file_.isJet3() ? 1 : 2);
     return crack.record.part(start, static_cast<size_t>(column.size));
   }
+  if (!crack.hasOffsets) readOffsets(crack);
+  crack.hasOffsets = true;
   const auto at = static_cast<size_t>(column.varIndex);
   if (at + 1 >= varOffsets_.size()) {
     isNull = true;
@@ -240,14 +308,25 @@ AccessBytes AccessRows::stored(const Crack& crack, const AccessColumn& column, b
   return crack.record.part(static_cast<size_t>(start), static_cast<size_t>(end - start));
 }
 
-void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value) {
-  if (column.type == AccessType::Memo || column.type == AccessType::Ole) {
+// Makes `bytes`, the field of a memo, its content; false where there is none. A memo that cannot be
+// read is lost alone, without the rest of its record.
+bool AccessRows::readLong(AccessBytes& bytes) {
+  if (bytes.empty()) return false;
+  try {
     bytes = longValue(bytes, longBytes_);
+    return true;
+  } catch (const FileError&) {
+    ++lostMemos_;
+    return false;
   }
+}
+
+void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value) {
   if (column.calculated) {
     if (bytes.size() < kCalculatedValue) return;
     bytes = bytes.part(kCalculatedValue, bytes.u32(kCalculatedLength));
     if (column.type == AccessType::Boolean) return setWhole(bytes.u8(0) ? -1 : 0, value);
+    if (column.type == AccessType::Numeric) return readCalculatedNumeric(bytes, value);
   }
   switch (column.type) {
     case AccessType::Boolean:
@@ -279,8 +358,11 @@ void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessVal
     case AccessType::Memo:
       value.kind = AccessValue::Text;
       return file_.decodeText(bytes, value.bytes);
-    case AccessType::ExtendedDate:
-      return setText(bytes.chars().substr(0, bytes.chars().find('\0')), value);
+    case AccessType::ExtendedDate: {
+      const std::string_view chars = bytes.chars().substr(0, bytes.chars().find('\0'));
+      const std::string text = extendedDateText(chars);
+      return setText(text.empty() ? chars : text, value);
+    }
     case AccessType::Binary:
     case AccessType::Ole:
       break;
@@ -292,7 +374,11 @@ void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessVal
 AccessBytes AccessRows::longValue(AccessBytes field, std::string& whole) {
   const std::uint32_t header = field.u32(0);
   const size_t length = header & kLengthBits;
-  if (header & kInline) return field.from(12);
+  if (header & kInline) {
+    const AccessBytes content = field.from(kLongHeader);
+    return content.part(0, std::min(length, content.size()));
+  }
+  if (length == 0) return {};
   std::uint32_t pointer = field.u32(4);
   if (header & kOnePage) {
     const AccessBytes row = file_.pointedRow(pointer, longPage_);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "db/drivers/jet/AccessTable.h"
@@ -9,8 +10,8 @@
 namespace lodex {
 
 /// One stored value. Dates are texts as databases keep them (2020-01-31 09:30:00.250), Booleans -1
-/// and 0. `bytes` holds Text and Binary; a Text marked `exact` is a number with more digits than a
-/// double can hold.
+/// and 0. `bytes` holds Text and Binary. `exact` marks what a column of numbers would change: a
+/// Text that is a number with more digits than a double can hold, and a negative zero.
 struct AccessValue {
   enum Kind { Null, Whole, Number, Text, Binary };
   Kind kind = Null;
@@ -35,12 +36,16 @@ class AccessRows {
 
   /// Records that were left out because they are damaged.
   int damaged() const { return damaged_; }
+  /// Memos and OLE objects that are Null in their records because they are damaged.
+  int lostMemos() const { return lostMemos_; }
 
  private:
   struct Crack;
   bool nextPage();
   bool readRow();
-  AccessBytes stored(const Crack& crack, const AccessColumn& column, bool& isNull) const;
+  void readOffsets(const Crack& crack);
+  AccessBytes stored(Crack& crack, const AccessColumn& column, bool& isNull);
+  bool readLong(AccessBytes& bytes);
   void decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value);
   AccessBytes longValue(AccessBytes field, std::string& whole);
 
@@ -54,7 +59,7 @@ class AccessRows {
   int row_ = 0;
   int rowCount_ = 0;
   int damaged_ = 0;
-  bool hasVariable_ = false;
+  int lostMemos_ = 0;
   std::string longBytes_;
   std::vector<int> varOffsets_;
   std::vector<AccessValue> values_;
@@ -70,5 +75,13 @@ void readCurrency(std::int64_t stored, AccessValue& value);
 /// A Numeric: a byte for the sign and four 32-bit words, the highest first; it has `scale`
 /// decimals.
 void readNumeric(AccessBytes bytes, int scale, AccessValue& value);
+
+/// A Numeric that Access calculated: its size in bytes (16 bits), its decimals, its sign, and up to
+/// four words.
+void readCalculatedNumeric(AccessBytes bytes, AccessValue& value);
+
+/// An extended date, stored as digits: days since 0001-01-01, ":", ten-millionths of a second of
+/// that day. The result is a text such as 2020-06-17 12:30:45.1234567; "" for anything else.
+std::string extendedDateText(std::string_view stored);
 
 }  // namespace lodex

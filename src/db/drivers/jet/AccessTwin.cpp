@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 constexpr int kPatience = 20'000;  // milliseconds without progress
 constexpr size_t kStampBytes = 64 * 1024;
 // Counts up whenever twins are made in another way, so that old ones are made anew.
-constexpr int kTwinKind = 1;
+constexpr int kTwinKind = 2;
 
 std::string& chosenFolder() {
   static std::string folder;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "db/drivers/jet/AccessProperties.h"
+#include "db/drivers/jet/AccessTable.h"
+#include "db/drivers/jet/AccessTarget.h"
+
+namespace lodex {
+
+class AccessCopyReport;
+
+/// Table of a copy that holds what Access tells of fields beyond their types, with the columns
+/// table_name, field_name ("" for the table itself), description, caption, default_value, rule and
+/// rule_text, all as Access words them.
+inline constexpr std::string_view kFieldsTable = "MSysLodexFields";
+
+/// The statement that makes it.
+std::string fieldsTableSql();
+
+/// Copies one table with its records, keys, indexes, and what its properties demand (by field, as
+/// readAccessProperties gives them). Records come before demands: a key, index, required field or
+/// rule that they do not obey is left out with a warning. Throws FileError when the table cannot be
+/// read or the target not written.
+void copyAccessTable(const AccessFile& file, const AccessTable& table,
+                     const std::map<std::string, AccessProperties>& properties,
+                     AccessTarget& target, AccessCopyReport& report);
+
+}  // namespace lodex
