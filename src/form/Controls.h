@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -196,7 +197,10 @@ class Grid : public Control {
   Grid(Form& form, std::string_view name, Worksheet& sheet) : Control(form, name), sheet_(&sheet) {}
   Worksheet& sheet() { return *sheet_; }
   const Worksheet& sheet() const { return *sheet_; }
-  void refresh() { changed(); }
+  void refresh() {
+    revision_ = ++lastRevision_;
+    changed();
+  }
 
   /// What a click into a cell does; row or column is 0 for a click on a heading.
   void onClick(std::function<void(int row, int column)> command) { click_ = std::move(command); }
@@ -209,12 +213,17 @@ class Grid : public Control {
   /// What happens after the user changed cells.
   void onEdit(std::function<void()> command) { edit_ = std::move(command); }
   void edited() {
+    revision_ = ++lastRevision_;
     if (edit_) edit_();
   }
+  /// Another number after every change of the cells; no two grids ever have the same but 0.
+  std::uint64_t revision() const { return revision_; }
 
  private:
   Worksheet* sheet_;
   bool picking_ = false;
+  std::uint64_t revision_ = 0;
+  inline static std::uint64_t lastRevision_ = 0;
   std::function<void(int, int)> click_;
   std::function<void()> edit_;
 };

@@ -134,15 +134,20 @@ frmDataIN& DataSheets::newSheet(std::string_view prefix) {
   return made;
 }
 
-bool DataSheets::Open() {
+std::vector<std::string> DataSheets::askFiles() {
   FileRequest request;
   request.filter = openFilter;
   request.folder = lastFolder_.empty() ? context_.session.record.UserPath + "\\data" : lastFolder_;
   request.multiple = true;
   clearSheet(F1Ref);
   const std::vector<std::string> files = context_.session.dialogs().openFiles(request);
+  if (!files.empty()) lastFolder_ = folderOf(files.front());
+  return files;
+}
+
+bool DataSheets::Open() {
+  const std::vector<std::string> files = askFiles();
   if (files.empty()) return false;
-  lastFolder_ = folderOf(files.front());
   openSources(files);
   return true;
 }

@@ -47,6 +47,8 @@ class DataSheets {
 
   /// Adds an empty sheet named with the prefix and its running number, as in "New Data 3".
   frmDataIN& newSheet(std::string_view prefix);
+  /// Asks for files to open; none when cancelled.
+  std::vector<std::string> askFiles();
   /// Asks for files and opens them. False when cancelled.
   bool Open();
   /// Opens what a file dialog returned as text: one path, or a folder and file names between
@@ -73,7 +75,7 @@ class DataSheets {
   ImportContext& context_;
   std::vector<std::unique_ptr<frmDataIN>> sheets_;
   std::vector<std::unique_ptr<frmDataIN>> closed_;  // until their own close() has returned
-  frmDataIN* last_ = nullptr;  // of sheets_
+  frmDataIN* last_ = nullptr;                       // of sheets_
   std::string lastFolder_;
 };
 

@@ -54,6 +54,7 @@ class Autosave {
     std::uint64_t revision = 0;
   };
   bool claimFolder();
+  void saveOne(const frmDataIN& sheet);
   std::vector<std::string> abandonedFolders() const;
 
   std::string folder_;

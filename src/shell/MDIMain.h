@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -134,6 +133,8 @@ class MDIMain : public Form {
   bool QueryUnload();
   /// The window's X: QueryUnload, then the end of the program.
   void close() override;
+  /// The menu's exit, which asks in its own words.
+  void Exit();
 
   // --- Commands ---
 
@@ -180,27 +181,36 @@ class MDIMain : public Form {
   void guarded(const std::function<void()>& command);
 
  private:
+  void run(Button& button, const std::function<void()>& command);
   void connectStages();
   void connectTools();
   void connectMenus();
-  void describe();
+  void describeTools();
+  void makeLastFileEntries();
+
   void watchForms();
+  std::vector<Form*> standingForms();
   bool useOtherInstance();
-  void readTables();
+  void tellSplash(std::string_view text);
   void readThesaurus();
   void loadGroup();
-  void openMinerals();
   void showDatabases();
-  void changeDatabase();
-  void refreshLastFiles();
-  void openLast(const std::string& section, int place);
+  void openMinerals();
+  void recover(const SavedSheet& saved);
+
+  bool exitAsked(std::string_view question, std::string_view title);
+  void unloadForms();
+  void end();
+
   void openPaths(const std::vector<std::string>& paths);
+  bool openDatabase(const std::string& path, const MapRequest& request = {true, true, false});
+  void changeDatabase();
+  void remember(const std::string& path, std::string_view section);
+  void refreshLastFiles();
+  void openLast(std::string_view section, int place);
   void chooseSet();
   void toggleBdl();
   void startViewer();
-  void toggleResult();
-  bool exitAsked(std::string_view question, std::string_view title);
-  void unloadForms();
   void bringToFront(Form& form);
 
   Session& session_;
@@ -210,6 +220,7 @@ class MDIMain : public Form {
   std::unique_ptr<frmExcelCalc> single_;
   std::unique_ptr<MineralCatalogue> minerals_;
   std::unique_ptr<Autosave> autosave_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
   bool loaded_ = false;
   bool bdlConversion_ = false;
 };

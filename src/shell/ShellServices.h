@@ -37,6 +37,8 @@ struct ShellServices {
   std::function<void(Arrangement)> arrange{};
   /// Brings a window to the front although it is shown already.
   std::function<void(Form&)> bringToFront{};
+  /// Calls tmrReady once after so many milliseconds.
+  std::function<void(int milliseconds)> startTmrReady{};
   /// Ends the process; all forms are closed by then.
   std::function<void()> quit{};
 };

@@ -9,14 +9,15 @@ constexpr std::string_view usualKeyField = "SampleNo";
 
 }  // namespace
 
-SourceDatabase::SourceDatabase(Session& session, ImportContext& import, frmDB& form,
-                               DataSheets& sheets, Calculations& calculations)
-    : session_(session),
-      import_(import),
-      form_(form),
-      sheets_(sheets),
-      calculations_(calculations) {
+SourceDatabase::SourceDatabase(ImportContext& import, frmDB& form, DataSheets& sheets,
+                               Calculations& calculations)
+    : import_(import), form_(form), sheets_(sheets), calculations_(calculations) {
   form_.onChange([this] { sourceChanged(); });
+  form_.txtDB.onChange([this] { sourceChanged(); });
+  form_.onOpened = [this](const DatabaseMap&) {
+    forgetTables();
+    listed_.clear();
+  };
   sheets_.sourceTables = [this] {
     return pathInUse().empty() ? std::vector<std::string>() : form_.source().map.tables();
   };
@@ -27,14 +28,10 @@ std::string SourceDatabase::pathInUse() const {
 }
 
 bool SourceDatabase::AvaaDB(const std::string& path, const MapRequest& request) {
-  forgetTables();
   const bool opened = form_.AvaaDB(path, request);
-  listed_.clear();
   sourceChanged();
-  if (!opened) return false;
-  PushLastFile(session_.record, path, "Session");
-  form_.show();
-  return true;
+  if (opened) form_.show();
+  return opened;
 }
 
 // Whenever a database begins or ends to be the source, the list and the calculations follow.
@@ -43,7 +40,7 @@ void SourceDatabase::sourceChanged() {
   if (inUse == listed_) return;
   listed_ = inUse;
   forgetTables();
-  session_.record.SourcesBuilt = false;
+  import_.session.record.SourcesBuilt = false;
   if (inUse.empty()) {
     calculations_.databaseTables = nullptr;
   } else {

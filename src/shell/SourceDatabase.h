@@ -15,11 +15,11 @@ namespace lodex {
 /// lstSrcF and the calculations read them.
 class SourceDatabase {
  public:
-  SourceDatabase(Session& session, ImportContext& import, frmDB& form, DataSheets& sheets,
+  SourceDatabase(ImportContext& import, frmDB& form, DataSheets& sheets,
                  Calculations& calculations);
 
-  /// Opens a database as the source, puts it on the list of last databases and shows its window.
-  /// False when it could not be opened, which has been told.
+  /// Opens a database as the source and shows its window. False when it could not be opened, which
+  /// has been told.
   bool AvaaDB(const std::string& path, const MapRequest& request = {true, true, false});
   /// What was read of the tables is read anew at the next need.
   void forgetTables() { tables_.reset(); }
@@ -31,7 +31,6 @@ class SourceDatabase {
   SourceSheets selectedTables();
   std::string keyField(const std::string& table, int row) const;
 
-  Session& session_;
   ImportContext& import_;
   frmDB& form_;
   DataSheets& sheets_;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <array>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -64,23 +64,25 @@ class StagePanel {
   std::function<void(const std::function<void()>&)> guarded{};
 
  private:
+  void describe();
+  void connectCommands();
   void connectLists();
   void connectMenus();
-  void enterStage(int stage);
-  void switchSheets(int stage);
-  void selectIdentified(bool show);
-  void clickDestination(int index);
+  void enterStage(Stage stage);
+  void switchSheets();
+  void chooseSamples();
+  void chooseMethods();
+  void chooseSheetsToSave();
   void showSheet(const std::string& name);
+  void clickDestination(int index);
   void selectMethods(char kind);
-  void removeSheets(const std::vector<std::string>& names);
+  std::vector<frmDataIN*> allSheets();
 
-  Form& shell_;
   Session& session_;
   DataSheets& sheets_;
   Calculations& calculations_;
   std::deque<Label> fraSo_;
-  std::vector<std::string> defaultMethods_;
-  bool hasDefaultMethods_ = false;
+  std::optional<std::vector<std::string>> defaultMethods_;
   int stage_ = 0;
 };
 
