@@ -8,6 +8,8 @@ frmSelectFromList::frmSelectFromList(Dialogs& dialogs, std::string_view caption,
                                      const std::vector<std::string>& items, bool several)
     : Form("frmSelectFromList", caption), dialogs_(dialogs), several_(several) {
   for (const std::string& item : items) lstItems.add(item);
+  lstItems.setMultiple(several);
+  lstItems.onActivate([this](int) { accept(); });
   cmdOK.onClick([this] { accept(); });
   cmdCancel.onClick([this] { close(); });
 }

@@ -20,9 +20,19 @@ int numberWithin(const TextBox& box, int last) {
   return number > 0 && number <= last ? number : 0;
 }
 
+// True for a sheet whose file says where columns go although it was never identified: that is what
+// the writer of the file wants. What identification wrote itself it may write anew.
+bool comesDescribed(Worksheet& cells) {
+  SheetStructure found;
+  findSystemRows({cells, found});
+  return found.row(sysrow::Table) > 0 && found.row(sysrow::Field) > 0 &&
+         found.row(sysrow::Type) > 0 && found.row(sysrow::Identified) == 0;
+}
+
 constexpr int pickFirstDataRow = 20;
 constexpr int pickIdColumn = 21;
 constexpr int pickMineralColumn = 22;
+constexpr int thesaurusTab = 1;
 
 }  // namespace
 
@@ -34,21 +44,46 @@ DataSheetForm::DataSheetForm(ImportContext& context, std::string_view name,
     const std::string number = std::to_string(i);
     txtH_.emplace_back(*this, "txtH" + number, texts.caption);
     txtH_.back().setText("0");
+    addNumberButtons(i + 1, "H" + number, texts.label);
     if (texts.copied.empty()) continue;
     mnuCopyRow_.emplace_back(*this, "mnuCopyRow" + number, texts.copied);
   }
   for (TextBox* box : {&txtFDR, &txtID, &txtMinCol}) box->setText("0");
+  addNumberButtons(pickFirstDataRow, "FDR", firstDataRowLabel);
+  addNumberButtons(pickIdColumn, "ID", idColumnLabel);
+  addNumberButtons(pickMineralColumn, "MinCol", mineralColumnLabel);
+  shpGreen.setVisible(false);
+  mnuPanel.setChecked(true);
   // No system row holds minerals: the entry stands in the menu and has nothing to copy.
   mnuCopyRowMineral.setEnabled(false);
   cmdSplit.setEnabled(false);
   cmdTranspose.setVisible(false);
+  connectPanel();
   connectControls();
 }
 
-void DataSheetForm::connectControls() {
+void DataSheetForm::addNumberButtons(int pickMode, const std::string& number,
+                                     std::string_view label) {
+  NumberButtons& buttons = numberButtons_.try_emplace(pickMode, *this, number, label).first->second;
+  buttons.cmdPick.onClick([this, pickMode] { setPickMode(pickMode_ == pickMode ? 0 : pickMode); });
+  buttons.cmdUp.onClick([this, pickMode] { guarded([&] { stepNumber(pickMode, 1); }); });
+  buttons.cmdDown.onClick([this, pickMode] { guarded([&] { stepNumber(pickMode, -1); }); });
+}
+
+void DataSheetForm::connectPanel() {
   txtH(sysrow::Element).onChange([this] {
     lblStatus.setCaption(statusGreen() ? "Identified" : "Not Identied");
+    shpGreen.setVisible(statusGreen());
+    shpRed.setVisible(!statusGreen());
   });
+  picLe.onChange([this] { mnuPanel.setChecked(picLe.visible()); });
+  mnuPanel.onClick([this] { picLe.setVisible(!picLe.visible()); });
+  gridF1D.onClick([this](int row, int column) { guarded([&] { clickGrid(row, column); }); });
+  gridF1D.onEdit([this] { Changed = true; });
+  cmdThesaurus.onClick([this] { context_.thesaurus.show(); });
+}
+
+void DataSheetForm::connectControls() {
   txtH(sysrow::Header).onChange([this] { cmdSplit.setEnabled(SystemRows(sysrow::Header) > 0); });
   txtID.onChange([this] {
     const int old = lastIdColumn_;
@@ -128,19 +163,30 @@ TextBox* DataSheetForm::pickedBox(int pickMode) {
   return nullptr;
 }
 
+void DataSheetForm::setPickMode(int pickMode) {
+  pickMode_ = pickMode;
+  for (auto& [mode, buttons] : numberButtons_) buttons.cmdPick.setChecked(mode == pickMode);
+  gridF1D.setPicking(pickMode != 0);
+}
+
 void DataSheetForm::clickGrid(int row, int column) {
-  TextBox* box = pickedBox(PickMode);
-  const bool picksColumn = PickMode == pickIdColumn || PickMode == pickMineralColumn;
-  PickMode = 0;
-  if (box != nullptr) {
-    box->setNumber(std::max(0, picksColumn ? column : row));
-  } else if (chkThesaurusTab.checked() && column > 0) {
-    SheetStructure numbers = structure();
-    context_.thesaurus.AddRule(described(numbers).text(sysrow::Header, column));
+  TextBox* box = pickedBox(pickMode_);
+  const bool picksColumn = pickMode_ == pickIdColumn || pickMode_ == pickMineralColumn;
+  setPickMode(0);
+  if (box == nullptr) {
+    if (tabLe.selected() == thesaurusTab && column > 0) addRule(column);
+    return;
   }
-  const int activeRow = std::clamp(row, 1, F1D.MaxRow());
-  F1D.SetActiveCell(activeRow, std::clamp(column, 1, F1D.MaxCol()));
+  box->setNumber(std::max(0, picksColumn ? column : row));
+  F1D.SetActiveCell(std::clamp(row, 1, F1D.MaxRow()), std::clamp(column, 1, F1D.MaxCol()));
   gridF1D.refresh();
+}
+
+void DataSheetForm::addRule(int column) {
+  SheetStructure numbers = structure();
+  const std::string header = described(numbers).text(sysrow::Header, column);
+  context_.thesaurus.AddRule(header);
+  if (!header.empty()) context_.thesaurus.show();
 }
 
 void DataSheetForm::stepNumber(int pickMode, int by) {
@@ -182,6 +228,7 @@ void DataSheetForm::logLines(const LogLines& lines) {
 void DataSheetForm::runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log) {
   std::optional<ThesaurusIndex> thesaurus;
   if (useThesaurus) thesaurus.emplace(context_.thesaurus.F1Lib);
+  if (sheet.structure.highestRow() == 0) cameDescribed_ = comesDescribed(sheet.cells);
   autoIdentify(sheet, thesaurus ? &*thesaurus : nullptr, rules().fileMethod, log);
 }
 
@@ -208,7 +255,8 @@ bool DataSheetForm::mayReadFormulas(LogLines& log) {
 }
 
 void DataSheetForm::runColumns(bool onlyNonX, const DescribedSheet& sheet, LogLines& log) {
-  const IdentifyRules rules = this->rules();
+  IdentifyRules rules = this->rules();
+  rules.keepDescription = cameDescribed_;
   ColumnIdentification columns(sheet, F1Ref, context_.tables.F1Data, context_.converter, rules,
                                log);
   columns.identifyElements(sheetNumber_, onlyNonX);
@@ -237,7 +285,7 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
   }
   if (request.automatic) runAutoIdentify(request.useThesaurus, sheet, log);
   if (request.columns) runColumns(request.onlyNonX, sheet, log);
-  if (request.columns) warnOfUnknownHeadings(sheet, log);
+  if (request.columns && !cameDescribed_) warnOfUnknownHeadings(sheet, log);
   if (request.unidentifiedToUser) placeUnidentified(sheet, rules(), log);
   if (numbers.idColumn > 0) {
     nameIdField(sheet);
@@ -247,21 +295,41 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
   cleanNames(sheet, log);
 }
 
+// Sheets of a workbook share their structure: each gets the same rows, the current sheet last,
+// whose columns the cross-reference tells.
+void DataSheetForm::runAllSheets(const IdentifyRequest& request, SheetStructure& numbers,
+                                 LogLines& log) {
+  const int current = F1D.Sheet();
+  const SheetStructure before = numbers;
+  for (int number = 1; before.highestRow() > 0 && number <= F1D.NumSheets(); ++number) {
+    if (number == current || F1D.LastRow(number) == 0) continue;
+    SheetStructure same = before;
+    F1D.Sheet(number);
+    F1D.MaxRow(maxRows);
+    F1D.MaxCol(maxColumns);
+    runSteps(request, described(same), log);
+  }
+  F1D.Sheet(current);
+  F1D.MaxRow(maxRows);
+  F1D.MaxCol(maxColumns);
+  runSteps(request, described(numbers), log);
+}
+
 void DataSheetForm::AjaTunnista(const IdentifyRequest& request) {
   MineralAsked = false;
   if (!caption().empty()) F1Ref.SheetName(1, caption());
   const bool narrowed = F1D.MaxRow() < maxRows || F1D.MaxCol() < maxColumns;
+  const int current = F1D.Sheet();
   LogLines log;
   SheetStructure numbers = structure();
   const auto finish = [&] {
+    F1D.Sheet(current);
     setStructure(numbers);
     logLines(log);
     Varjaa(narrowed);
   };
-  F1D.MaxRow(maxRows);
-  F1D.MaxCol(maxColumns);
   try {
-    runSteps(request, described(numbers), log);
+    runAllSheets(request, numbers, log);
   } catch (const Error&) {
     finish();
     throw;

@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,12 +59,29 @@ class DataSheetForm : public Form {
       *this, "optOrientation", {"Horizontal (row wise)", "Vertical (column wise)"}};
   CheckBox chkSysRows{*this, "chkSysRows", "Hide system rows (except Header)"};
   Label lblStatus{*this, "lblStatus", "Not Identified"};
-  Label picLe{*this, "picLe"};                                      // the panel at the left
-  CheckBox chkThesaurusTab{*this, "chkThesaurusTab", "Thesaurus"};  // its thesaurus tab is open
+  Label shpGreen{*this, "shpGreen"};  // the status light: one of the two shows
+  Label shpRed{*this, "shpRed"};
+  Label picLe{*this, "picLe"};  // the panel at the left
+  OptionButtons tabLe{*this, "tabLe", {"Structure", "Thesaurus"}};
+
+  /// The buttons beside a number of the panel: the one that lets the next click in the grid set it
+  /// (captioned with the heading that marks the row or column) and the two that step it.
+  struct NumberButtons {
+    NumberButtons(Form& form, const std::string& number, std::string_view label)
+        : cmdPick(form, "cmdPick" + number, label),
+          cmdUp(form, "cmdUp" + number),
+          cmdDown(form, "cmdDown" + number) {}
+    MenuItem cmdPick;
+    Button cmdUp;
+    Button cmdDown;
+  };
+  /// The buttons of a number; throws std::out_of_range for what is no pick mode.
+  NumberButtons& numberButtons(int pickMode) { return numberButtons_.at(pickMode); }
 
   Button cmdIdentify{*this, "cmdIdentify", "Identify"};
   Button cmdSplit{*this, "cmdSplit", "Split"};
   Button cmdTranspose{*this, "cmdTranspose", "Transpose"};
+  Button cmdThesaurus{*this, "cmdThesaurus", "Show Thesaurus"};
   MenuItem mnuIdentify{*this, "mnuIdentify", "&Identify Structure"};
   MenuItem mnuOpenData{*this, "mnuOpenData", "Open data File"};
   MenuItem mnuSaveFile{*this, "mnuSaveFile", "Save File"};
@@ -79,6 +97,7 @@ class DataSheetForm : public Form {
   MenuItem mnuDeleteCol{*this, "mnuDeleteCol", "Delete columns"};
   MenuItem mnuFreeze{*this, "mnuFreeze", "Freeze header rows"};
   MenuItem mnuUnfreeze{*this, "mnuUnfreeze", "Unfreeze header rows"};
+  MenuItem mnuPanel{*this, "mnuPanel", "Structure Panel"};  // shows and hides picLe
   /// The entries of "Copy Row Content", one per system row but the last.
   MenuItem& mnuCopyRow(int systemRow) { return mnuCopyRow_.at(static_cast<size_t>(systemRow)); }
   MenuItem mnuCopyRowMineral{*this, "mnuCopyRowMineral", "From Mineral"};
@@ -94,7 +113,8 @@ class DataSheetForm : public Form {
 
   /// What the next click in the grid sets: 1 to 12 a system row, 20 the first data row, 21 the ID
   /// column, 22 the mineral column, 0 nothing.
-  int PickMode = 0;
+  int PickMode() const { return pickMode_; }
+  void setPickMode(int pickMode);
   void clickGrid(int row, int column);
   /// Steps a number of the panel, never below 0, and repaints. The boxes are those of PickMode.
   void stepNumber(int pickMode, int by);
@@ -157,11 +177,15 @@ class DataSheetForm : public Form {
     int count() const { return last - first + 1; }
   };
   void connectControls();
+  void connectPanel();
+  void addNumberButtons(int pickMode, const std::string& number, std::string_view label);
+  void runAllSheets(const IdentifyRequest& request, SheetStructure& numbers, LogLines& log);
   void runSteps(const IdentifyRequest& request, const DescribedSheet& sheet, LogLines& log);
   void runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log);
   void runColumns(bool onlyNonX, const DescribedSheet& sheet, LogLines& log);
   bool mayReadFormulas(LogLines& log);
   TextBox* pickedBox(int pickMode);
+  void addRule(int column);
   // Selected rows or columns, ends inclusive; without a selection the active one.
   Span selectedRows() const;
   Span selectedColumns() const;
@@ -171,8 +195,11 @@ class DataSheetForm : public Form {
   ImportContext& context_;
   std::deque<TextBox> txtH_;
   std::deque<MenuItem> mnuCopyRow_;
+  std::map<int, NumberButtons> numberButtons_;  // by pick mode
+  int pickMode_ = 0;
   int sheetNumber_ = 0;
   int lastIdColumn_ = 0;
+  bool cameDescribed_ = false;  // with tables, fields and types, as saved results do
   bool settingStructure_ = false;
 };
 

@@ -52,6 +52,7 @@ inline constexpr std::array<SystemRowText, systemRowCount> systemRowTexts = {{
 
 inline constexpr std::string_view firstDataRowLabel = "-1-";
 inline constexpr std::string_view idColumnLabel = "-ID-";
+inline constexpr std::string_view mineralColumnLabel = "-Min-";
 
 constexpr std::string_view systemRowCaption(int index) {
   return systemRowTexts[static_cast<size_t>(index)].caption;

@@ -9,6 +9,8 @@ frmSplitDialog::frmSplitDialog(Mode mode, std::string_view sample)
     : Form("frmSplitDialog", "Split Data"), mode_(mode) {
   txtSample.setText(sample);
   txtSample.setCaption(mode == Mode::Columns ? "First row:" : "Original:");
+  fraColumns.setVisible(mode == Mode::Columns);
+  fraTitles.setVisible(mode == Mode::Titles);
   for (int fact = 0; fact < titleFactCount; ++fact) {
     const std::string number = std::to_string(fact);
     chkFact_.emplace_back(*this, "chkFact" + number, titleFacts[static_cast<size_t>(fact)]);

@@ -26,9 +26,11 @@ class frmSplitDialog : public Form {
   Mode mode() const { return mode_; }
 
   // First mode.
+  Label fraColumns{*this, "fraColumns"};
   CheckBox chkTab{*this, "chkTab", "Tab"};
   TextBox txtSeparator{*this, "txtSeparator", "Column Separator is:"};
   // Second mode.
+  Label fraTitles{*this, "fraTitles", "Columns are consisting of following parts:"};
   CheckBox& chkFact(int fact) { return chkFact_.at(static_cast<size_t>(fact)); }
   TextBox& txtPart(int fact) { return txtPart_.at(static_cast<size_t>(fact)); }
   TextBox txtElSepChar{*this, "txtElSepChar", "Parts are separated by character"};

@@ -28,6 +28,8 @@ frmSynonLib::frmSynonLib(Session& session) : Form("frmSynonLib", "Thesaurus"), s
   mnuSave.onClick([this] { guarded([this] { Save(); }); });
   mnuSaveDefault.onClick([this] { guarded([this] { SaveAsDefault(); }); });
   mnuDeleteRow.onClick([this] { DeleteRow(); });
+  gridF1Lib.onClick([this](int row, int column) { clickGrid(row, column); });
+  gridF1Lib.onEdit([this] { changed_ = true; });
 }
 
 template <typename Command>

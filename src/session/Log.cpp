@@ -1,5 +1,9 @@
 #include "session/Log.h"
 
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "session/Session.h"
+
 namespace lodex {
 namespace {
 
@@ -14,7 +18,19 @@ void addLine(TextBox& pane, std::string_view text, bool unique) {
 
 }  // namespace
 
-frmLog::frmLog() : Form("frmLog", "Log") {}
+frmLog::frmLog(Session& session) : Form("frmLog", "Log"), session_(session) {
+  for (Button* button : {static_cast<Button*>(&mnuSave), &cmdSave}) {
+    button->onClick([this] { save(); });
+  }
+  for (Button* button : {static_cast<Button*>(&mnuClear), &cmdClear}) {
+    button->onClick([this] { currentPane().setText(""); });
+  }
+  mnuCopy.onClick([this] { session_.clipboard().setText(currentPane().text()); });
+  for (Button* button :
+       {static_cast<Button*>(&mnuHide), static_cast<Button*>(&mnuClose), &cmdClose}) {
+    button->onClick([this] { close(); });
+  }
+}
 
 void frmLog::LisaaLog(std::string_view text, LogKind kind, bool unique) {
   if (kind != LogKind::Log) addLine(txtErr, text, unique);
@@ -28,6 +44,18 @@ void frmLog::clear() {
 
 void frmLog::activate() {
   if (txtErr.text().empty()) txtErr.setText("No Errors");
+}
+
+void frmLog::save() {
+  const auto path = session_.dialogs().saveFile(
+      {"Save", "Text files (*.txt)|*.txt", session_.record.BasePath + "/data", "", false});
+  if (!path) return;
+  try {
+    writeFileWhole(*path, currentPane().text());
+  } catch (const Error& error) {
+    session_.dialogs().messageBox("Error " + std::to_string(error.number()) + " " + error.what(),
+                                  MessageButtons::Ok, MessageIcon::Stop);
+  }
 }
 
 Progress::Progress() : Form("tbBottom") {

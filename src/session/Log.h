@@ -7,16 +7,27 @@
 
 namespace lodex {
 
+class Session;
+
 /// Where a log line goes. The numbers are the ones that callers' texts speak of.
 enum class LogKind { Errors = 0, Log = 1, Both = 2 };
 
 /// The log window: a pane for the log and one for errors. The texts stay while it is hidden.
 class frmLog : public Form {
  public:
-  frmLog();
+  explicit frmLog(Session& session);
 
+  OptionButtons TabStrip1{*this, "TabStrip1", {"Log", "Errors"}};
   TextBox txtLog{*this, "txtLog"};
   TextBox txtErr{*this, "txtErr"};
+  MenuItem mnuSave{*this, "mnuSave", "&Save..."};
+  MenuItem mnuClear{*this, "mnuClear", "C&lear"};
+  MenuItem mnuCopy{*this, "mnuCopy", "&Copy"};
+  MenuItem mnuHide{*this, "mnuHide", "&Hide"};
+  MenuItem mnuClose{*this, "mnuClose", "Cl&ose"};
+  Button cmdSave{*this, "cmdSave", "Save..."};
+  Button cmdClear{*this, "cmdClear", "Clear"};
+  Button cmdClose{*this, "cmdClose", "Close"};
 
   /// Adds a line at the end of a pane; a pane's first text stands alone, later ones follow a CR LF.
   /// With `unique` nothing is added when the pane already holds the text.
@@ -25,6 +36,13 @@ class frmLog : public Form {
   void clear();
   /// An empty error pane receives "No Errors" when the window is activated.
   void activate() override;
+
+ private:
+  /// The pane whose tab is open.
+  TextBox& currentPane() { return TabStrip1.selected() == 0 ? txtLog : txtErr; }
+  void save();
+
+  Session& session_;
 };
 
 /// The status line of long jobs: the bar, its text and the Abort button.

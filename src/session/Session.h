@@ -66,7 +66,7 @@ class Session {
   explicit Session(Services services) : services_(services) {}
 
   SessionRecord record;
-  frmLog log;
+  frmLog log{*this};
   Progress progress;
   frmLoad splash;
 

@@ -84,24 +84,39 @@ TEST_F(Edit, PaintShowsTheStructure) {
 }
 
 TEST_F(Edit, ClicksAndStepsSetTheNumbers) {
-  form.PickMode = 2;
+  form.setPickMode(2);
   form.clickGrid(5, 3);
   EXPECT_EQ(form.SystemRows(sysrow::Element), 5);
-  EXPECT_EQ(form.PickMode, 0);
-  form.PickMode = 22;
+  EXPECT_EQ(form.PickMode(), 0);
+  form.setPickMode(22);
   form.clickGrid(0, 4);
   EXPECT_EQ(form.MineralColumn(), 4);
   EXPECT_EQ(form.F1D.Row(), 1);
+  form.clickGrid(2, 3);
+  EXPECT_EQ(form.F1D.Row(), 1) << "a plain click is the grid's own business";
+
+  auto& unit = form.numberButtons(4);
+  auto& id = form.numberButtons(21);
+  unit.cmdPick.click();
+  id.cmdPick.click();
+  EXPECT_TRUE(id.cmdPick.checked() && !unit.cmdPick.checked() && form.gridF1D.picking());
+  id.cmdPick.click();
+  EXPECT_FALSE(id.cmdPick.checked() || form.gridF1D.picking());
+  EXPECT_EQ(id.cmdPick.caption(), "-ID-");
+  unit.cmdUp.click();
+  EXPECT_EQ(form.F1D.RowText(form.SystemRows(sysrow::Unit)), "-Uni-");
   form.stepNumber(1, -5);
   EXPECT_EQ(form.SystemRows(sysrow::Header), 0);
   EXPECT_FALSE(form.cmdSplit.enabled());
   form.txtH(sysrow::Element).setText("0");
   EXPECT_EQ(form.lblStatus.caption(), "Not Identied");
-  form.PickMode = 1;
+  EXPECT_TRUE(form.shpRed.visible() && !form.shpGreen.visible());
+  form.setPickMode(1);
   form.clickGrid(1, 1);
-  form.chkThesaurusTab.setChecked(true);
+  form.tabLe.select(1);
   form.clickGrid(3, 3);
   EXPECT_EQ(thesaurus.F1Lib.TextRC(1, 1), "Fe %");
+  EXPECT_TRUE(thesaurus.visible());
 }
 
 TEST_F(Edit, TransposeNewCopyAllAndCopyRow) {

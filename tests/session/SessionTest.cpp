@@ -166,8 +166,8 @@ TEST_F(SessionTest, LastFilesKeepTenWithoutDuplicates) {
   EXPECT_EQ(LastFiles(session_.record, "Session"), expected);
 }
 
-TEST(Log, LinesGoToTheirPanes) {
-  frmLog log;
+TEST_F(SessionTest, LogLinesGoToTheirPanes) {
+  frmLog& log = session_.log;
   log.LisaaLog("first");
   log.LisaaLog("second line", LogKind::Both);
   log.LisaaLog("second", LogKind::Log, true);
@@ -176,6 +176,34 @@ TEST(Log, LinesGoToTheirPanes) {
   log.clear();
   log.activate();
   EXPECT_EQ(log.txtErr.text(), "No Errors");
+}
+
+TEST_F(SessionTest, LogCommandsTakeTheOpenPane) {
+  frmLog& log = session_.log;
+  log.LisaaLog("a line");
+  log.show();
+  log.activate();
+  log.TabStrip1.select(1);
+  log.mnuCopy.click();
+  EXPECT_EQ(clipboard_.text(), "No Errors");
+  log.TabStrip1.select(0);
+  log.cmdClear.click();
+  EXPECT_EQ(log.txtLog.text(), "");
+  EXPECT_EQ(log.txtErr.text(), "No Errors");
+
+  log.LisaaLog("kept");
+  const std::string file = app() + "/log.txt";
+  dialogs_.expectSave(file);
+  log.mnuSave.click();
+  EXPECT_EQ(readFile(file), "kept");
+  dialogs_.expectSave(app());
+  EXPECT_THROW(log.cmdSave.click(), std::logic_error);
+  EXPECT_TRUE(dialogs_.asked().back().starts_with("Error ")) << dialogs_.asked().back();
+  dialogs_.expectSave(std::nullopt);
+  log.cmdSave.click();
+  log.mnuHide.click();
+  EXPECT_FALSE(log.visible());
+  EXPECT_EQ(log.txtLog.text(), "kept");
 }
 
 TEST(ProgressLine, EndsClearedAndAbortIsAFlag) {
