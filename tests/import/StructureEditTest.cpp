@@ -103,8 +103,8 @@ TEST_F(Edit, ClicksAndStepsSetTheNumbers) {
   id.cmdPick.click();
   EXPECT_FALSE(id.cmdPick.checked() || form.gridF1D.picking());
   EXPECT_EQ(id.cmdPick.caption(), "-ID-");
-  unit.cmdUp.click();
-  EXPECT_EQ(form.F1D.RowText(form.SystemRows(sysrow::Unit)), "-Uni-");
+  id.cmdUp.click();
+  EXPECT_EQ(form.F1D.ColText(form.IDColumn()), "-ID-");
   form.stepNumber(1, -5);
   EXPECT_EQ(form.SystemRows(sysrow::Header), 0);
   EXPECT_FALSE(form.cmdSplit.enabled());
