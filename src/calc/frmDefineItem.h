@@ -13,8 +13,9 @@ class frmDefineItem : public Form {
  public:
   frmDefineItem(std::string_view caption, const SourceSheets& sheets);
 
-  ComboBox cmbSheet{*this, "cmbSheet"};
-  ComboBox cmbColumn{*this, "cmbColumn"};  // columns of the current sheet: number and heading
+  ListBox cmbSheet{*this, "cmbSheet", "Sheet:"};
+  ListBox cmbColumn{*this, "cmbColumn",
+                    "Column:"};  // columns of the current sheet: number and heading
   Button cmdOK{*this, "cmdOK", "OK"};
   Button cmdCancel{*this, "cmdCancel", "Cancel"};
 

@@ -28,6 +28,7 @@ frmExcelCalc::frmExcelCalc(ImportContext& context, Calculations& calculations)
   int row = 0;
   for (const char* hint : hints) F1D.TextRC(++row, 1, hint);
   lstCalc.setVisible(false);
+  picLe.setVisible(false);
   fillMethods();
   const std::string examples = context.session.record.GeoPath + "\\System\\Examples.xls";
   if (FileExists(examples)) guarded([&] { readExamples(examples); });
@@ -42,6 +43,7 @@ frmExcelCalc::frmExcelCalc(ImportContext& context, Calculations& calculations)
     });
   });
   cmdCalculate.onClick([this] { guarded([this] { Calculate(cmbRoutines.text()); }); });
+  lstCalc.onActivate([this](int method) { guarded([&] { Calculate(lstCalc.item(method)); }); });
   lstCalc.onChange([this] {
     if (lstCalc.current() >= 0) cmbRoutines.setText(lstCalc.item(lstCalc.current()));
   });

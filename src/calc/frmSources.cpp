@@ -36,6 +36,8 @@ frmSources::frmSources(Session& session, const taulukot& tables, SourcesCaller c
   fraRoutine.setVisible(false);
   txtSrcList.setVisible(false);
   cmdOK2.setVisible(false);
+  chkAskRefs.setVisible(caller_.chkAskRefs != nullptr);
+  if (caller_.chkAskRefs != nullptr) chkAskRefs.setChecked(caller_.chkAskRefs->checked());
   connectControls();
   if (lstItem.count() > 0) lstItem.setCurrent(0);
 }
@@ -61,6 +63,9 @@ void frmSources::connectControls() {
   TabStrip1.onChange([this] {
     fraSources.setVisible(TabStrip1.selected() == 0);
     fraRoutine.setVisible(TabStrip1.selected() == 1);
+  });
+  chkAskRefs.onChange([this] {
+    if (caller_.chkAskRefs != nullptr) caller_.chkAskRefs->setChecked(chkAskRefs.checked());
   });
   const auto on = [this](Button& button, void (frmSources::*command)()) {
     button.onClick([this, command] { guarded([this, command] { (this->*command)(); }); });

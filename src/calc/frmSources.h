@@ -21,6 +21,7 @@ struct SourcesCaller {
   std::function<void()> rebuild{};   // builds the common map of the caller anew
   std::function<void()> accepted{};  // after OK
   CalculationGroup& group;           // the loaded methods
+  CheckBox* chkAskRefs = nullptr;    // the caller's, which the window shows too
 };
 
 /// "Calculation Options": which columns feed which element, for all methods or for one, and the
@@ -30,11 +31,12 @@ class frmSources : public Form {
   frmSources(Session& session, const taulukot& tables, SourcesCaller caller);
 
   Worksheet F1Ref;
-  ListBox lstItem{*this, "lstItem"};
+  ListBox lstItem{*this, "lstItem", "Calculation:"};
   /// An entry per element: its symbol, checked when it has sources; the current one is selected.
   ListBox TarnPD1{*this, "TarnPD1"};
   /// The sources of the selected element; what is unchecked is not used.
   ListBox lstEls{*this, "lstEls", "Uncheck element to not use it"};
+  CheckBox chkAskRefs{*this, "chkAskRefs", "Ask when ambiguous"};
   TextBox txtSrcList{*this, "txtSrcList"};
   Button cmdGet{*this, "cmdGet", "Reset"};
   Button cmdList{*this, "cmdList", "Show List..."};

@@ -8,6 +8,10 @@ frmAddField::frmAddField(Session& session, Connection& connection, std::string_v
     : Form("frmAddField", "Add Field"), session_(session), connection_(connection), table_(table) {
   optType.select(static_cast<int>(optType.captions().size()) - 1);
   txtLen.setText("50");
+  // Only a text has a length.
+  optType.onChange([this] {
+    txtLen.setEnabled(optType.captions()[static_cast<size_t>(optType.selected())] == "TEXT");
+  });
   cmdAdd.onClick([this] { add(); });
   cmdCancel.onClick([this] { close(); });
 }

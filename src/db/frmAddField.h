@@ -11,12 +11,12 @@ class frmAddField : public Form {
  public:
   frmAddField(Session& session, Connection& connection, std::string_view table);
 
-  TextBox txtFName{*this, "txtFName"};
+  TextBox txtFName{*this, "txtFName", "Field name:"};
   OptionButtons optType{
       *this,
       "optType",
       {"CURRENCY", "BYTE", "MEMO", "SINGLE", "DOUBLE", "LONG", "INTEGER", "TEXT"}};
-  TextBox txtLen{*this, "txtLen"};  // of a text
+  TextBox txtLen{*this, "txtLen", "Length:"};  // of a text
   CheckBox chkIndex{*this, "chkIndex", "Indexed"};
   CheckBox chkUnique{*this, "chkUnique", "Unique "};
   CheckBox chkPrimary{*this, "chkPrimary", "Primary field"};

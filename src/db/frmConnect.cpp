@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 #include "basic/Files.h"
+#include "session/Ini.h"
 
 namespace lodex {
 
@@ -18,6 +20,30 @@ struct DatabaseKind {
 constexpr std::array kKinds{DatabaseKind{"Microsoft Access", "mdb"},
                             DatabaseKind{"ODBC Database", "dsn"}};
 
+// Where the browsing of folders can begin.
+std::vector<std::string> startFolders(const SessionRecord& record) {
+  std::vector<std::string> folders;
+  const std::string root = pathText(std::filesystem::current_path().root_path());
+  for (const std::string& folder : {record.UserPath, record.BasePath, ExpandEnv("%HOME%"), root}) {
+    const bool known = std::find(folders.begin(), folders.end(), folder) != folders.end();
+    if (!folder.empty() && !known) folders.push_back(folder);
+  }
+  return folders;
+}
+
+// Names in a folder, sorted; what cannot be read counts as empty.
+std::vector<std::string> namesIn(const std::string& folder, bool folders) {
+  std::vector<std::string> names;
+  std::error_code failed;
+  for (std::filesystem::directory_iterator at(nativePath(folder), failed), end;
+       !failed && at != end; at.increment(failed)) {
+    std::error_code unknown;
+    if (at->is_directory(unknown) == folders) names.push_back(pathText(at->path().filename()));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 }  // namespace
 
 frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), session_(session) {
@@ -27,11 +53,21 @@ frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), 
   }
   txtFolder.setText(session.record.UserPath + "\\data");
   ListDBTypes.onChange([this] { chooseType(); });
-  txtFolder.onChange([this] { fillFiles(); });
+  for (const std::string& start : startFolders(session.record)) Drive1.add(start);
+  for (const auto& [name, path] : {std::pair("Sample database: ", session.record.SampleDbPath),
+                                   std::pair("Mineral database: ", session.record.MineralDbPath)}) {
+    if (!path.empty()) txtInUse.appendText(name + path + "\r\n");
+  }
+  txtFolder.onChange([this] { showFolder(); });
+  Drive1.onClick([this](int drive) { txtFolder.setText(Drive1.item(drive)); });
+  Dir1.onActivate([this](int) { changeFolder(); });
   lstFiles.onChange([this] {
     if (lstFiles.current() >= 0) txtFile.setText(lstFiles.item(lstFiles.current()));
   });
+  lstFiles.onActivate([this](int) { openFile(); });
+  lstLast.onActivate([this](int) { openLast(); });
   ListDBTypes.setCurrent(0);
+  showFolder();
   Command2.onClick([this] { openFile(); });
   cmdBrowse.onClick([this] { browse(); });
   cmdOpenLast.onClick([this] { openLast(); });
@@ -47,18 +83,31 @@ void frmConnect::chooseType() {
   fillFiles();
 }
 
+void frmConnect::showFolder() {
+  Dir1.clear();
+  Dir1.add("..");
+  for (const std::string& name : namesIn(txtFolder.text(), true)) {
+    if (!name.starts_with(".")) Dir1.add(name);
+  }
+  fillFiles();
+}
+
+void frmConnect::changeFolder() {
+  if (Dir1.current() < 0) return;
+  const std::string& name = Dir1.item(Dir1.current());
+  if (name == "..") {
+    txtFolder.setText(pathText(nativePath(txtFolder.text()).parent_path()));
+  } else {
+    txtFolder.setText(txtFolder.text() + "\\" + name);
+  }
+}
+
 void frmConnect::fillFiles() {
   const std::string wanted = extensionOf(txtPattern.text());
-  std::vector<std::string> names;
-  std::error_code failed;
-  for (std::filesystem::directory_iterator at(nativePath(txtFolder.text()), failed), end;
-       !failed && at != end; at.increment(failed)) {
-    const std::string name = pathText(at->path().filename());
-    if (extensionOf(name) == wanted && !at->is_directory(failed)) names.push_back(name);
-  }
-  std::sort(names.begin(), names.end());
   lstFiles.clear();
-  for (const std::string& name : names) lstFiles.add(name);
+  for (const std::string& name : namesIn(txtFolder.text(), false)) {
+    if (extensionOf(name) == wanted) lstFiles.add(name);
+  }
 }
 
 void frmConnect::openFile() {

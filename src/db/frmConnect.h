@@ -13,12 +13,15 @@ class frmConnect : public Form {
  public:
   explicit frmConnect(Session& session);
 
-  ComboBox ListDBTypes{*this, "ListDBTypes"};
-  TextBox txtFolder{*this, "txtFolder"};    // the folder on show
-  TextBox txtPattern{*this, "txtPattern"};  // the mask of the files on show
-  ListBox lstFiles{*this, "lstFiles"};
-  TextBox txtFile{*this, "txtFile"};
-  ListBox lstLast{*this, "lstLast"};
+  ListBox ListDBTypes{*this, "ListDBTypes", "Database type:"};
+  ListBox Drive1{*this, "Drive1", "Drive:"};         // where folders begin
+  ListBox Dir1{*this, "Dir1", "Folders:"};           // ".." and the folders of the folder on show
+  TextBox txtFolder{*this, "txtFolder", "Folder:"};  // the folder on show
+  TextBox txtPattern{*this, "txtPattern", "Pattern:"};  // the mask of the files on show
+  ListBox lstFiles{*this, "lstFiles", "Files:"};
+  TextBox txtFile{*this, "txtFile", "File name:"};
+  ListBox lstLast{*this, "lstLast", "Last databases:"};
+  TextBox txtInUse{*this, "txtInUse", "Databases in use:"};
   CheckBox chkMapE{*this, "chkMapE", "Map database"};
   CheckBox chkMapLast{*this, "chkMapLast", "Map database"};
   Button Command2{*this, "Command2", "Open"};
@@ -39,7 +42,9 @@ class frmConnect : public Form {
   void openLast();
 
  private:
+  void showFolder();
   void fillFiles();
+  void changeFolder();
   void chooseType();
   void browse();
   void take(const std::string& path, bool mapAfresh);
