@@ -7,6 +7,8 @@
 namespace lodex {
 namespace {
 
+constexpr int ironNumber = 26;
+
 struct WantedItem {
   int row = 0;
   std::string text;
@@ -42,7 +44,7 @@ bool planReference(const CalculationGroup& group, const std::string& text, Input
 // How well a column fits one of several forms of its element: as what it was analysed, then as
 // the total, since a total may be given in any form.
 int fitOf(const ItemHeading& wanted, const ItemHeading& column) {
-  if (wanted.form == column.form) return 5;
+  if (wanted.form == column.form && wanted.isTotal == column.isTotal) return 5;
   if (wanted.sameForm(column)) return 4;
   if (wanted.isTotal && column.isTotal) return 3;
   if (wanted.formula == column.formula) return 2;
@@ -121,6 +123,12 @@ class Planner {
     if (heading.isOxide && !heading.formula.empty()) {
       std::stable_partition(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
         return !candidate.heading.isOxide || candidate.heading.sameForm(heading);
+      });
+    }
+    if (heading.element == ironNumber && (heading.isTotal || !heading.isOxide)) {
+      // FeO and Fe2O3 hold a part of the iron only.
+      std::stable_partition(candidates.begin(), candidates.end(), [](const Candidate& candidate) {
+        return !candidate.heading.isOxide || candidate.heading.isTotal;
       });
     }
     if (heading.method.empty()) return;

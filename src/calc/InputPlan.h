@@ -30,7 +30,8 @@ struct InputRow {
 ///
 /// The sources of an element are those of the item-source map, in its order, except that
 /// - a heading with a method puts columns of that method first;
-/// - an oxide puts columns of other oxides of its element last;
+/// - an oxide puts columns of other oxides of its element last, and total iron those that hold one
+/// state of it alone;
 /// - where a method asks for several forms of one element (FeO and Fe2O3, S and SO3), a column
 /// feeds
 ///   only one of them: the form that it holds, else the first one. Iron that was analysed as Fe2O3

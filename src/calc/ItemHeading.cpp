@@ -26,8 +26,15 @@ std::string methodName(std::string_view text) {
   while (!text.empty() && std::string_view(" _/(,").find(text.back()) != std::string_view::npos) {
     text.remove_suffix(1);
   }
-  const std::string name = toUpper(text);
-  return name == "TOT" ? std::string() : name;
+  return toUpper(text);
+}
+
+// "TOT" stands for no method. On an oxide of iron it says that all iron stands in the column.
+void readMethod(ItemHeading& heading, std::string_view text) {
+  heading.method = methodName(text);
+  if (heading.method != "TOT") return;
+  heading.method.clear();
+  if (heading.formula == "FeO" || heading.formula == "Fe2O3") heading.isTotal = true;
 }
 
 // Takes the form apart: "FeOtot", "Fe2O3(T)" and "Fe2O3T" are totals.
@@ -61,16 +68,15 @@ ItemHeading itemHeading(std::string_view text, SymbolEnd end, const CompoundConv
   const std::string_view body = bodyOf(text);
   const size_t formEnd = std::min(body.size(), body.find_first_of(" _/"));
   heading.form = body.substr(0, formEnd);
-  heading.method = methodName(body.substr(formEnd));
   std::string symbol(text);
   heading.element = end == SymbolEnd::Strict ? ElementNumberStrict(symbol) : ElementNumber(symbol);
   if (heading.element == 0) {
     // No formula: "Structural height" and "LOI" are names.
     heading.form = body;
-    heading.method.clear();
     return heading;
   }
   readForm(heading, converter);
+  readMethod(heading, body.substr(formEnd));
   return heading;
 }
 
@@ -78,9 +84,9 @@ ItemHeading columnHeading(std::string_view element, std::string_view method, std
                           const CompoundConverter& converter) {
   ItemHeading heading;
   heading.form = trimBlanks(element);
-  heading.method = methodName(method);
   heading.unitFactor = DataUnitFactor(unit);
   readForm(heading, converter);
+  readMethod(heading, method);
   if (!heading.formula.empty()) {
     std::string symbol = heading.formula;
     heading.element = ElementNumber(symbol);

@@ -8,7 +8,7 @@
 namespace lodex {
 
 /// What an item of a method or a column of a data sheet is: "FeOtot_XRF %" has the form "FeOtot",
-/// the formula "FeO", the method "XRF" and is a total.
+/// the formula "FeO", the method "XRF" and is a total. So is "FeO" of the method "TOT".
 struct ItemHeading {
   std::string form;
   std::string formula;    // the form without "tot"; "" when that is no chemical formula

@@ -25,6 +25,7 @@ TEST(ItemHeading, ReadsItemsOfMethods) {
            Case{"SiO2 %", Loose, "SiO2", "SiO2", "", 14, 1, false},
            Case{"FeOtot %", Strict, "FeOtot", "FeO", "", 26, 1, true},
            Case{"Fe2O3(T)_XRF %", Loose, "Fe2O3(T)", "Fe2O3", "XRF", 26, 1, true},
+           Case{"Fe2O3_TOT %", Loose, "Fe2O3", "Fe2O3", "", 26, 1, true},
            Case{"Ni_BM ppm", Loose, "Ni", "Ni", "BM", 28, 10000, false},
            Case{"Ni_BM ppm", Strict, "Ni_BM", "", "", 0, 10000, false},
            Case{"Ni/TOT ppb", Loose, "Ni", "Ni", "", 28, 10000000, false},

@@ -286,7 +286,7 @@ TEST(CipwTest, ReproducesPublishedNorms) {
 // A minor oxide and the major one it counts with; its other oxides count for themselves.
 const std::map<std::string, std::string> countsWith = {
     {"MnO", "FeO"},  {"NiO", "FeO"},  {"CoO", "FeO"},   {"BaO", "CaO"},   {"SrO", "CaO"},
-    {"Rb2O", "K2O"}, {"Cs2O", "K2O"}, {"Li2O", "Na2O"}, {"V2O3", "Fe2O3"}};
+    {"Rb2O", "K2O"}, {"Cs2O", "K2O"}, {"Li2O", "Na2O"}, {"V2O3", "Cr2O3"}};
 
 struct Component {
   double mass = 0;  // in 100 g
