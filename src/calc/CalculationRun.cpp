@@ -63,7 +63,8 @@ class Run {
       : request_(request),
         queue_(queueOf(request)),
         runner_(request.group, request.sheets, request.F1Ref, request.converter),
-        results_(request.results, keyFieldOf(request.sheets)) {}
+        results_(request.results, keyFieldOf(request.sheets),
+                 request.keptResults.value_or(resultStructure())) {}
 
   CalculationOutcome run() {
     const SampleJoin join =
@@ -73,7 +74,7 @@ class Run {
     outcome_.errors = join.duplicates;
     log(std::to_string(A2.RowCount()) + " rows found.", LogKind::Log);
     const std::vector<std::string> names = namesOf(request_);
-    if (request_.keepResults) {
+    if (request_.keptResults) {
       results_.addSheets(names);
     } else {
       results_.reset(names);
@@ -105,7 +106,7 @@ class Run {
     const MethodBook& method = request_.group.method(number);
     try {
       runner_.calculate(number);
-      results_.write(method);
+      results_.WriteResults(method);
     } catch (const Error& error) {
       ++outcome_.errors;
       log(" Error: Sample " + id + ", " + method.name() + ": " + error.what(), LogKind::Both);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,8 @@ struct CalculationRequest {
   const Worksheet& F1Ref;            // where items come from
   const CompoundConverter& converter;
   Worksheet& results;
-  bool keepResults = false;  // add to the results that are there
+  /// The structure of results that are there already, to add to them; empty to start anew.
+  std::optional<SheetStructure> keptResults{};
 
   std::function<void(std::string_view line, LogKind kind)> log{};
   /// Called before each sample with its number, from 1, and the number of all; false ends the run.

@@ -231,7 +231,8 @@ void Calculations::Calculate() {
     session.dialogs().messageBox("Select data sources!");
     return;
   }
-  const bool keep = keepResults();
+  std::optional<SheetStructure> kept;
+  if (keepResults()) kept = resultStructureFrom(sheets_.result.structure());
   const RunningMark mark(running_);
   session.log.clear();
   freezeIdentifiers();
@@ -239,23 +240,24 @@ void Calculations::Calculate() {
   ensureSources(sheets);
   const std::vector<const Worksheet*> tables = openTables();
   CalculationRequest request{
-      group, methods, sheets, sheets_.F1Ref, context_.converter, sheets_.result.F1D, keep};
+      group, methods, sheets, sheets_.F1Ref, context_.converter, sheets_.result.F1D, kept};
   request.log = [&](std::string_view line, LogKind kind) { session.log.LisaaLog(line, kind); };
   request.nextSample = [&](std::string_view text, int sample, int samples) {
     return goOn(tables, text, sample, samples);
   };
   session.progress.ShowStop(true);
   try {
-    showResult(runCalculation(request), keep);
+    const CalculationOutcome outcome = runCalculation(request);
+    showResult(outcome, kept.value_or(resultStructure()));
   } catch (const Error&) {
     session.progress.ShowProgress("", 0);
     throw;
   }
 }
 
-void Calculations::showResult(const CalculationOutcome& outcome, bool kept) {
+void Calculations::showResult(const CalculationOutcome& outcome, const SheetStructure& structure) {
   frmCResult& result = sheets_.result;
-  if (!kept || result.FirstDataRow() == 0) result.setStructure(resultStructure());
+  result.setStructure(structure);
   result.setCaption(calculationResult);
   result.Varjaa(false);
   result.F1D.SetActiveCell(1, 1);

@@ -56,7 +56,7 @@ class Calculations {
   bool goOn(const std::vector<const Worksheet*>& tables, std::string_view text, int sample,
             int samples);
   std::vector<const Worksheet*> openTables() const;
-  void showResult(const CalculationOutcome& outcome, bool kept);
+  void showResult(const CalculationOutcome& outcome, const SheetStructure& structure);
   void guarded(const std::function<void()>& command);
 
   static std::string selectionOf(const SourceSheets& sheets);

@@ -53,7 +53,14 @@ SheetStructure resultStructure() {
   return structure;
 }
 
-ResultSheets::ResultSheets(Worksheet& book, KeyField key) : book_(book), key_(std::move(key)) {
+SheetStructure resultStructureFrom(SheetStructure structure) {
+  if (structure.row(sysrow::Header) == 0 || structure.idColumn == 0) return resultStructure();
+  structure.firstDataRow = std::max(structure.firstDataRow, structure.highestRow() + 1);
+  return structure;
+}
+
+ResultSheets::ResultSheets(Worksheet& book, KeyField key, const SheetStructure& structure)
+    : book_(book), key_(std::move(key)), structure_(structure) {
   if (key_.name.empty()) key_.name = "SampleNo";
 }
 
@@ -87,10 +94,10 @@ ResultSheets::Sheet& ResultSheets::sheet(int number) {
   while (sheets_.size() < static_cast<size_t>(number)) {
     const int added = static_cast<int>(sheets_.size()) + 1;
     Sheet made;
-    made.lastRow = std::max(book_.LastRow(added), resultrow::firstData - 1);
-    made.lastColumn = std::max(book_.LastCol(added), resultIdColumn);
-    for (int column = resultIdColumn + 1; column <= made.lastColumn; ++column) {
-      made.columns.emplace(book_.TextSRC(added, resultrow::heading, column), column);
+    made.lastRow = std::max(book_.LastRow(added), structure_.firstDataRow - 1);
+    made.lastColumn = std::max(book_.LastCol(added), idColumn());
+    for (int column = idColumn() + 1; column <= made.lastColumn; ++column) {
+      made.columns.emplace(book_.TextSRC(added, structure_.row(sysrow::Header), column), column);
     }
     sheets_.push_back(std::move(made));
   }
@@ -102,28 +109,28 @@ void ResultSheets::startSample(const Value& sampleId) {
   for (Sheet& each : sheets_) each.ownRow = each.sharedRow = 0;
 }
 
+void ResultSheets::describe(int number, int systemRow, int column, std::string_view text) {
+  const int row = structure_.row(systemRow);
+  if (row > 0) book_.TextSRC(number, row, column, text);
+}
+
 void ResultSheets::writeSystemRows(int number, const std::string& methodName) {
-  for (const auto& [row, systemRow] :
-       {std::pair(resultrow::heading, sysrow::Header), std::pair(resultrow::table, sysrow::Table),
-        std::pair(resultrow::field, sysrow::Field), std::pair(resultrow::type, sysrow::Type),
-        std::pair(resultrow::index, sysrow::Indexed)}) {
-    book_.TextSRC(number, row, 1, systemRowCaption(systemRow));
+  for (int systemRow = 0; systemRow < systemRowCount; ++systemRow) {
+    describe(number, systemRow, 1, systemRowCaption(systemRow));
   }
-  book_.TextSRC(number, resultrow::heading, resultIdColumn, key_.name);
-  book_.TextSRC(number, resultrow::table, resultIdColumn, methodName);
-  book_.TextSRC(number, resultrow::field, resultIdColumn, key_.name);
-  book_.TextSRC(number, resultrow::type, resultIdColumn, key_.type);
-  book_.TextSRC(number, resultrow::index, resultIdColumn, "YES");
+  describe(number, sysrow::Header, idColumn(), key_.name);
+  describe(number, sysrow::Table, idColumn(), methodName);
+  describe(number, sysrow::Field, idColumn(), key_.name);
+  describe(number, sysrow::Type, idColumn(), key_.type);
+  describe(number, sysrow::Indexed, idColumn(), "YES");
 }
 
 int ResultSheets::rowFor(int number, bool shared, const std::string& methodName) {
   Sheet& target = sheet(number);
   int& row = shared ? target.sharedRow : target.ownRow;
   if (row > 0) return row;
-  if (!book_.HasContent(number, resultrow::field, resultIdColumn)) {
-    writeSystemRows(number, methodName);
-  }
-  book_.ValueSRC(number, target.lastRow + 1, resultIdColumn, sampleId_);
+  if (target.lastRow < structure_.firstDataRow) writeSystemRows(number, methodName);
+  book_.ValueSRC(number, target.lastRow + 1, idColumn(), sampleId_);
   row = ++target.lastRow;
   return row;
 }
@@ -134,11 +141,11 @@ int ResultSheets::columnFor(int number, const std::string& field, const MethodBo
   const auto known = target.columns.find(field);
   if (known != target.columns.end()) return known->second;
   const int column = target.lastColumn + 1;
-  book_.TextSRC(number, resultrow::heading, column, field);
-  book_.TextSRC(number, resultrow::table, column, method.name());
-  book_.TextSRC(number, resultrow::field, column, field);
-  book_.TextSRC(number, resultrow::type, column,
-                method.book.TextSRC(method.outputSheet, outputRow, typeColumn));
+  describe(number, sysrow::Header, column, field);
+  describe(number, sysrow::Table, column, method.name());
+  describe(number, sysrow::Field, column, field);
+  describe(number, sysrow::Type, column,
+           method.book.TextSRC(method.outputSheet, outputRow, typeColumn));
   target.lastColumn = column;
   target.columns.emplace(field, column);
   return column;
@@ -172,7 +179,7 @@ ResultSheets::Outputs& ResultSheets::outputsOf(const MethodBook& method) {
   return outputs;
 }
 
-void ResultSheets::write(const MethodBook& method) {
+void ResultSheets::WriteResults(const MethodBook& method) {
   Outputs& outputs = outputsOf(method);
   rowFor(outputs.ownSheet, false, method.name());
   for (Output& output : outputs.rows) {
@@ -190,20 +197,21 @@ void ResultSheets::write(const MethodBook& method) {
 }
 
 void ResultSheets::finish() {
-  for (int number = 1; number <= book_.NumSheets(); ++number) {
+  const int typeRow = structure_.row(sysrow::Type);
+  const int firstRow = structure_.firstDataRow;
+  for (int number = 1; typeRow > 0 && number <= book_.NumSheets(); ++number) {
     const Sheet& done = sheet(number);
-    if (done.lastRow < resultrow::firstData) continue;
+    if (done.lastRow < firstRow) continue;
     book_.Sheet(number);
-    if (!book_.HasContent(resultrow::type, resultIdColumn)) {
-      book_.TextRC(
-          resultrow::type, resultIdColumn,
-          idColumnType(book_, resultIdColumn, resultrow::firstData, done.lastRow, [](int) {}));
+    if (!book_.HasContent(typeRow, idColumn())) {
+      book_.TextRC(typeRow, idColumn(),
+                   idColumnType(book_, idColumn(), firstRow, done.lastRow, [](int) {}));
     }
-    for (int column = resultIdColumn + 1; column <= done.lastColumn; ++column) {
-      if (book_.HasContent(resultrow::type, column)) continue;
-      const std::string type = columnType(book_, column, resultrow::firstData, done.lastRow);
+    for (int column = idColumn() + 1; column <= done.lastColumn; ++column) {
+      if (book_.HasContent(typeRow, column)) continue;
+      const std::string type = columnType(book_, column, firstRow, done.lastRow);
       // Whole numbers so far say nothing about the next results.
-      book_.TextRC(resultrow::type, column, type.starts_with("TEXT") ? type : "DOUBLE");
+      book_.TextRC(typeRow, column, type.starts_with("TEXT") ? type : "DOUBLE");
     }
   }
   book_.Sheet(1);

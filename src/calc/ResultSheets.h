@@ -23,8 +23,13 @@ inline constexpr int firstData = 6;
 }  // namespace resultrow
 inline constexpr int resultIdColumn = 2;
 
-/// The structure of every result sheet, as a data sheet tells it.
+/// The structure of every new result sheet, as a data sheet tells it.
 SheetStructure resultStructure();
+
+/// The structure for results that are added to a sheet with this one, which identification or the
+/// user has changed meanwhile: the same, with its first data row below the system rows. Without a
+/// row of headings or an identifier nothing can be added to it, and it is that of a new sheet.
+SheetStructure resultStructureFrom(SheetStructure structure);
 
 /// The field of the sample identifier in a result.
 struct KeyField {
@@ -37,8 +42,8 @@ struct KeyField {
 /// methods share.
 class ResultSheets {
  public:
-  /// Rows go below what the workbook holds already.
-  ResultSheets(Worksheet& book, KeyField key);
+  /// Rows go below what the workbook holds already. All its sheets have this structure.
+  ResultSheets(Worksheet& book, KeyField key, const SheetStructure& structure);
 
   /// Makes the workbook empty, with one sheet per name.
   void reset(const std::vector<std::string>& sheets);
@@ -48,7 +53,7 @@ class ResultSheets {
   void startSample(const Value& sampleId);
   /// Appends the outputs of a computed method. Rows without a name are passed over; numbers and
   /// numeric texts arrive as numbers, all else as the text it shows.
-  void write(const MethodBook& method);
+  void WriteResults(const MethodBook& method);
 
   /// Types the columns whose methods gave no type.
   void finish();
@@ -82,9 +87,12 @@ class ResultSheets {
   int columnFor(int number, const std::string& field, const MethodBook& method, int outputRow);
   int rowFor(int number, bool shared, const std::string& methodName);
   void writeSystemRows(int number, const std::string& methodName);
+  void describe(int number, int systemRow, int column, std::string_view text);
+  int idColumn() const { return structure_.idColumn; }
 
   Worksheet& book_;
   KeyField key_;
+  SheetStructure structure_;
   Value sampleId_;
   std::vector<Sheet> sheets_;  // by number, from 0
   std::unordered_map<const MethodBook*, Outputs> outputs_;

@@ -134,7 +134,7 @@ int findSystemRows(const DescribedSheet& sheet) {
 }
 
 void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
-                  std::string_view fileMethod, LogLines& log) {
+                  std::string_view fileMethod, LogLines& log, Descriptions descriptions) {
   SheetStructure& structure = sheet.structure;
   sheet.cells.SetSelection(1, 1, 1, 1);
   int known = 0;
@@ -144,7 +144,9 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
     structure.row(sysrow::Header) = 1;
     known = 1;
   }
-  if (sheet.has(sysrow::Header) && known == 1) splitHeadings(sheet, log);
+  // The headings of a saved result say what its columns hold, since nobody has put that in rows.
+  const bool unread = descriptions == Descriptions::Keep && !sheet.has(sysrow::Element);
+  if (sheet.has(sysrow::Header) && (known == 1 || unread)) splitHeadings(sheet, log);
   structure.firstDataRow = std::max(structure.firstDataRow, structure.highestRow() + 1);
   if (structure.idColumn == 0) makeFirstColumnId(sheet, log);
   for (int i = 0; i < systemRowCount; ++i) {
@@ -157,7 +159,9 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
     log.warn("-Row " + std::to_string(structure.firstDataRow) +
              " looks like a row of units: set it as the UNIT row");
   }
-  if (thesaurus != nullptr && !thesaurus->empty()) applyThesaurus(*thesaurus, sheet, log);
+  if (thesaurus != nullptr && !thesaurus->empty()) {
+    applyThesaurus(*thesaurus, sheet, log, descriptions);
+  }
   if (fileMethod.empty()) return;
   for (int column = structure.idColumn + 1; column <= sheet.cells.LastCol(); ++column) {
     if (sheet.text(sysrow::Method, column).empty()) {

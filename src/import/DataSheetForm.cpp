@@ -20,13 +20,14 @@ int numberWithin(const TextBox& box, int last) {
   return number > 0 && number <= last ? number : 0;
 }
 
-// True for a sheet whose file says where columns go although it was never identified: that is what
-// the writer of the file wants. What identification wrote itself it may write anew.
-bool comesDescribed(Worksheet& cells) {
+// A file that says where columns go although it was never identified, such as a saved result, means
+// what it says. What identification wrote itself it may write anew.
+Descriptions descriptionsOf(Worksheet& cells) {
   SheetStructure found;
   findSystemRows({cells, found});
-  return found.row(sysrow::Table) > 0 && found.row(sysrow::Field) > 0 &&
-         found.row(sysrow::Type) > 0 && found.row(sysrow::Identified) == 0;
+  const bool described = found.row(sysrow::Table) > 0 && found.row(sysrow::Field) > 0 &&
+                         found.row(sysrow::Type) > 0 && found.row(sysrow::Identified) == 0;
+  return described ? Descriptions::Keep : Descriptions::Rewrite;
 }
 
 constexpr int pickFirstDataRow = 20;
@@ -228,8 +229,8 @@ void DataSheetForm::logLines(const LogLines& lines) {
 void DataSheetForm::runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log) {
   std::optional<ThesaurusIndex> thesaurus;
   if (useThesaurus) thesaurus.emplace(context_.thesaurus.F1Lib);
-  if (sheet.structure.highestRow() == 0) cameDescribed_ = comesDescribed(sheet.cells);
-  autoIdentify(sheet, thesaurus ? &*thesaurus : nullptr, rules().fileMethod, log);
+  if (sheet.structure.highestRow() == 0) descriptions_ = descriptionsOf(sheet.cells);
+  autoIdentify(sheet, thesaurus ? &*thesaurus : nullptr, rules().fileMethod, log, descriptions_);
 }
 
 void DataSheetForm::AutoIdentify(bool useThesaurus) {
@@ -256,7 +257,7 @@ bool DataSheetForm::mayReadFormulas(LogLines& log) {
 
 void DataSheetForm::runColumns(bool onlyNonX, const DescribedSheet& sheet, LogLines& log) {
   IdentifyRules rules = this->rules();
-  rules.keepDescription = cameDescribed_;
+  rules.descriptions = descriptions_;
   ColumnIdentification columns(sheet, F1Ref, context_.tables.F1Data, context_.converter, rules,
                                log);
   columns.identifyElements(sheetNumber_, onlyNonX);
@@ -285,7 +286,9 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
   }
   if (request.automatic) runAutoIdentify(request.useThesaurus, sheet, log);
   if (request.columns) runColumns(request.onlyNonX, sheet, log);
-  if (request.columns && !cameDescribed_) warnOfUnknownHeadings(sheet, log);
+  if (request.columns && descriptions_ == Descriptions::Rewrite) {
+    warnOfUnknownHeadings(sheet, log);
+  }
   if (request.unidentifiedToUser) placeUnidentified(sheet, rules(), log);
   if (numbers.idColumn > 0) {
     nameIdField(sheet);

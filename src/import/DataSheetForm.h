@@ -199,7 +199,7 @@ class DataSheetForm : public Form {
   int pickMode_ = 0;
   int sheetNumber_ = 0;
   int lastIdColumn_ = 0;
-  bool cameDescribed_ = false;  // with tables, fields and types, as saved results do
+  Descriptions descriptions_ = Descriptions::Rewrite;
   bool settingStructure_ = false;
 };
 

@@ -24,6 +24,16 @@ void setSafeName(const DescribedSheet& sheet, int systemRow, int column, std::st
                 " due to illegal characters!");
 }
 
+constexpr std::string_view unidentifiedType = "TEXT (255)";
+
+// True for what an earlier run wrote for an unidentified column with that heading.
+bool isPlacedAsUnidentified(const DescribedSheet& sheet, int column, const std::string& heading) {
+  std::string field;
+  SafeFieldName(heading, field, false);
+  return sheet.text(sysrow::Type, column) == unidentifiedType &&
+         sheet.text(sysrow::Field, column) == field;
+}
+
 std::string withoutIndexMarks(std::string_view type) {
   return replaceAll(replaceAll(type, "(I,U)", ""), "(U,I)", "");
 }
@@ -57,14 +67,15 @@ ColumnIdentification::ColumnIdentification(const DescribedSheet& sheet, Workshee
   if (F1Ref_.LastRow() > 0) F1Ref_.ClearRange(1, 1, F1Ref_.LastRow(), F1Ref_.LastCol());
 }
 
-void ColumnIdentification::markHit(const KnownItem& item, size_t hit, size_t hits,
-                                   int column) const {
+void ColumnIdentification::markHit(const KnownItem& item, size_t hit, size_t hits, int column,
+                                   std::string_view type) const {
   sheet_.setText(sysrow::Identified, column,
                  "X(" + item.symbol + ")" + std::to_string(hit) + "/" + std::to_string(hits));
   if (sheet_.has(sysrow::Identified)) {
     log_.push_back("-Column identified [" + item.symbol + " (Column=" + std::to_string(column) +
                    ") = Element " + std::to_string(item.number));
   }
+  if (rules_.descriptions == Descriptions::Keep && sheet_.isDescribed(column)) return;
   if (sheet_.text(sysrow::Table, column).empty()) {
     sheet_.setText(sysrow::Table, column, defaultTable(sheet_, rules_));
   }
@@ -74,6 +85,7 @@ void ColumnIdentification::markHit(const KnownItem& item, size_t hit, size_t hit
     if (!text.empty()) field += "/" + text;
   }
   sheet_.setText(sysrow::Field, column, field);
+  sheet_.setText(sysrow::Type, column, type);
 }
 
 void ColumnIdentification::identifyElements(int sheetNumber, bool onlyNonX) {
@@ -91,8 +103,7 @@ void ColumnIdentification::identifyElements(int sheetNumber, bool onlyNonX) {
         F1Ref_.NumberRC(item.number, static_cast<int>(2 * hit), sheetNumber);
         F1Ref_.NumberRC(item.number, static_cast<int>(2 * hit + 1), column);
       }
-      markHit(item, hit, columns.size(), column);
-      sheet_.setText(sysrow::Type, column, "SINGLE");
+      markHit(item, hit, columns.size(), column, "SINGLE");
     }
   }
 }
@@ -106,12 +117,11 @@ void ColumnIdentification::identifyFormulaItems(bool onlyNonX) {
       // Noted even when the column is left alone: a formula item that has a column gets no second.
       F1Ref_.NumberRC(item.number, static_cast<int>(hit), column);
       if (onlyNonX && !sheet_.text(sysrow::Identified, column).empty()) continue;
-      markHit(item, hit, columns.size(), column);
-      sheet_.setText(sysrow::Type, column,
-                     rules_.alwaysSingle ? "SINGLE"
-                                         : columnType(sheet_.cells, column,
-                                                      std::max(1, sheet_.structure.firstDataRow),
-                                                      sheet_.cells.LastRow()));
+      const int firstRow = std::max(1, sheet_.structure.firstDataRow);
+      markHit(item, hit, columns.size(), column,
+              rules_.alwaysSingle
+                  ? "SINGLE"
+                  : columnType(sheet_.cells, column, firstRow, sheet_.cells.LastRow()));
     }
   }
 }
@@ -197,10 +207,12 @@ void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, 
     if (!sheet.text(sysrow::Identified, column).empty()) continue;
     const std::string header = sheet.text(sysrow::Header, column);
     const std::string element = sheet.text(sysrow::Element, column);
-    if (header.empty() && element.empty()) continue;
+    const std::string& heading = header.empty() ? element : header;
+    if (heading.empty()) continue;
+    if (sheet.isDescribed(column) && !isPlacedAsUnidentified(sheet, column, heading)) continue;
     sheet.setText(sysrow::Table, column, table);
-    sheet.setText(sysrow::Field, column, header.empty() ? element : header);
-    sheet.setText(sysrow::Type, column, "TEXT (255)");
+    sheet.setText(sysrow::Field, column, heading);
+    sheet.setText(sysrow::Type, column, unidentifiedType);
     log.push_back("-Column " + std::to_string(column) + "=(" + header + "/" + element +
                   ") not identified -> to the " + table + " table");
   }

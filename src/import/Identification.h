@@ -27,6 +27,7 @@ struct IdentifyRequest {
 struct IdentifyRules {
   bool defaultTables = true;  // write "ANALYSES" or "MINERAL" where a column has no table
   bool alwaysSingle = false;  // do not look at the content of item columns
+  Descriptions descriptions = Descriptions::Rewrite;
   std::string unidentifiedTable = "USERX";
   std::string fileMethod;  // method for columns without one; empty for none
 };
@@ -50,14 +51,16 @@ int findSystemRows(const DescribedSheet& sheet);
 /// Locates and builds the system rows, the ID column and the mineral column, splits the headings
 /// of a bare table and applies the thesaurus (null for none).
 void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
-                  std::string_view fileMethod, LogLines& log);
+                  std::string_view fileMethod, LogLines& log,
+                  Descriptions descriptions = Descriptions::Rewrite);
 
 /// The table of columns that have none of their own.
 std::string defaultTable(const DescribedSheet& sheet, const IdentifyRules& rules);
 
 /// Finds the columns of elements and items, marks them and fills table, field and type. F1Ref is
 /// filled anew: the row of an element holds its number of columns and then pairs of sheet and
-/// column, the row of a formula item its columns.
+/// column, the row of a formula item its columns. Columns whose description is kept are only
+/// marked.
 class ColumnIdentification {
  public:
   ColumnIdentification(const DescribedSheet& sheet, Worksheet& F1Ref, const Worksheet& F1Data,
@@ -74,7 +77,8 @@ class ColumnIdentification {
   void addMineralFormulas(const FormulaLookup& lookup);
 
  private:
-  void markHit(const KnownItem& item, size_t hit, size_t hits, int column) const;
+  void markHit(const KnownItem& item, size_t hit, size_t hits, int column,
+               std::string_view type) const;
   int columnOfItem(const KnownItem& item) const;
 
   const DescribedSheet& sheet_;
@@ -95,7 +99,9 @@ bool looksLikeUnits(const Worksheet& sheet, int row, int idColumn);
 /// Warns when no column behind the ID column has been understood.
 void warnOfUnknownHeadings(const DescribedSheet& sheet, LogLines& log);
 
-/// Sends columns with a heading and without a mark to the table for unidentified ones.
+/// Sends columns with a heading and without a mark to the table for unidentified ones. A column
+/// that was given table, field and type by somebody else, as the results of a calculation are, goes
+/// where these say.
 void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, LogLines& log);
 
 /// Field name of the ID column: what stands there, else its header, else "SampleNo".

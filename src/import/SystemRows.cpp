@@ -12,6 +12,11 @@ bool DescribedSheet::inside(int row, int column) const {
   return row > 0 && column > 0 && row <= cells.MaxRow() && column <= cells.MaxCol();
 }
 
+bool DescribedSheet::isDescribed(int column) const {
+  return !text(sysrow::Table, column).empty() && !text(sysrow::Field, column).empty() &&
+         !text(sysrow::Type, column).empty();
+}
+
 std::string DescribedSheet::text(int systemRow, int column) const {
   const int row = structure.row(systemRow);
   return inside(row, column) ? cells.TextRC(row, column) : std::string();

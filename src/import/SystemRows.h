@@ -73,6 +73,9 @@ struct SheetStructure {
   bool operator==(const SheetStructure&) const = default;
 };
 
+/// What becomes of the tables, fields and types that a sheet came with.
+enum class Descriptions { Rewrite, Keep };
+
 /// A worksheet together with its structure. The operations address the current sheet.
 struct DescribedSheet {
   Worksheet& cells;
@@ -84,6 +87,8 @@ struct DescribedSheet {
   void setText(int systemRow, int column, std::string_view text) const;
   bool has(int systemRow) const { return structure.row(systemRow) > 0; }
   bool inside(int row, int column) const;
+  /// True for a column with a table, a field and a type: it has been told where to go.
+  bool isDescribed(int column) const;
 
   /// Inserts an empty row and moves the numbers of the structure at or below it.
   void insertRow(int row) const;

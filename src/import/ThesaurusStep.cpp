@@ -28,11 +28,15 @@ const std::vector<int>& ThesaurusIndex::rulesFor(const std::string& text) const 
 }
 
 void applyRule(const ThesaurusRule& rule, const DescribedSheet& sheet, const std::string& found,
-               int foundIn, int column, LogLines& log) {
+               int foundIn, int column, LogLines& log, Descriptions descriptions) {
   const auto place = [column](int row) {
     return "(R,C)=(" + std::to_string(row) + "," + std::to_string(column) + ")";
   };
+  const bool keepPlace = descriptions == Descriptions::Keep && sheet.isDescribed(column);
   for (int target = 0; target < thesaurus::textCount; ++target) {
+    const bool isPlace =
+        target == sysrow::Table || target == sysrow::Field || target == sysrow::Type;
+    if (keepPlace && isPlace) continue;
     const std::string& text = rule.texts[static_cast<size_t>(target)];
     if (text.empty() || !sheet.has(target)) continue;
     const std::string replacement = text == "-" ? std::string() : text;
@@ -44,7 +48,8 @@ void applyRule(const ThesaurusRule& rule, const DescribedSheet& sheet, const std
   }
 }
 
-void applyThesaurus(const ThesaurusIndex& thesaurus, const DescribedSheet& sheet, LogLines& log) {
+void applyThesaurus(const ThesaurusIndex& thesaurus, const DescribedSheet& sheet, LogLines& log,
+                    Descriptions descriptions) {
   for (int row = 0; row < systemRowCount; ++row) {
     const std::string_view caption = systemRowCaption(row);
     if (!sheet.has(row) || !thesaurus.anyIn(caption)) continue;
@@ -58,7 +63,7 @@ void applyThesaurus(const ThesaurusIndex& thesaurus, const DescribedSheet& sheet
       for (auto number = rules.rbegin(); number != rules.rend(); ++number) {
         const ThesaurusRule& rule = thesaurus.rule(*number);
         if (rule.in != caption) continue;
-        applyRule(rule, sheet, text, row, column, log);
+        applyRule(rule, sheet, text, row, column, log, descriptions);
         sheet.setText(sysrow::Identified, column, "X");
       }
     }

@@ -213,6 +213,34 @@ TEST_F(CalculationRunTest, ResetsOrKeepsEarlierResults) {
   EXPECT_THAT(resultRows("Sum"), ElementsAre("S1|1||1"));
 }
 
+TEST_F(CalculationRunTest, AddsToResultsThatWereIdentified) {
+  writeMethod("A.xls", {.input = {"SiO2 %"}, .output = {"a||=Input!C2|DOUBLE"}});
+  writeMethod("B.xls", {.input = {"SiO2 %"}, .output = {"b||=Input!C2|DOUBLE"}});
+  addSheet("s", {"HEADER|No|x", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S1|1"});
+  loadAndRun();
+  sheets.result.AjaTunnista({});
+  Worksheet& results = sheets.result.F1D;
+  for (const int sheet : {1, 2}) {
+    results.Sheet(sheet);
+    EXPECT_EQ(results.TextRC(12, 1), "IDENTIFIED");
+    EXPECT_EQ(results.TextRC(13, 2), "S1");
+    EXPECT_EQ(results.TextRC(2, 3), results.SheetName(sheet));
+  }
+  writeMethod("C.xls", {.input = {"SiO2 %"}, .output = {"c||=Input!C2|DOUBLE"}});
+  dialogs.expectMessage("Do you want to reset earlier results?", Answer::No);
+  loadAndRun();
+  EXPECT_EQ(sheets.result.FirstDataRow(), 13);
+  results.Sheet(2);
+  EXPECT_EQ(rowText(results, 14), "|S1|1");
+  results.Sheet(3);
+  EXPECT_EQ(results.SheetName(3), "C");
+  EXPECT_EQ(columnText(results, 1, 13),
+            "HEADER|TABLE|FIELD|TYPE|INDEXED|ELEMENT|METHOD|UNIT|LENGTH|DIGITS|MULTIPLIER|"
+            "IDENTIFIED|");
+  EXPECT_EQ(columnText(results, 3, 13), "c|C|c|DOUBLE|||||||||1");
+  EXPECT_EQ(results.LastRow(), 13);
+}
+
 TEST_F(CalculationRunTest, AsksForSourcesAndKeepsTheAnswer) {
   writeMethod("M.xls", {.input = {"Cu ppm"}, .output = {"R||=Input!C2"}});
   addSheet("s", {"HEADER|No|Cu a|Cu b", "ELEMENT||Cu|Cu", "METHOD", "UNIT||ppm|ppm", "|A|1|2"});

@@ -35,7 +35,7 @@ TEST_F(DatabaseTablesTest, FeedACalculation) {
   sheets.lstSrcF.selectAll(true);
   loadAndRun();
   EXPECT_THAT(resultRows("M"), ElementsAre("S1|50|0.0007", "S2|0|0"));
-  EXPECT_EQ(sheets.result.F1D.TextSRC(1, resultrow::field, 2), "SampleNo");
+  EXPECT_EQ(sheets.result.F1D.TextSRC(1, resultrow::field, resultIdColumn), "SampleNo");
   const SourceSheets read = tables.sheets();
   EXPECT_EQ(sourceText(read, {1, 3}), "[Rocks].[SiO2 %]");
   EXPECT_EQ(sourcesOf(sheets.F1Ref, 1, 29), std::vector<ItemSource>({{4, 2}}));

@@ -49,13 +49,32 @@ TEST_F(CalcCommand, RunsWorkbooksAndItsResultsOpenAgain) {
   ASSERT_EQ(saved.SheetNumber("Old"), 2);
   EXPECT_EQ(saved.TextSRC(2, 6, 2), "B1");
   EXPECT_EQ(saved.NumberSRC(2, 6, 3), 0.02);
-  const Outcome again = runLodex("identify " + quoted("r.xls"));
-  EXPECT_THAT(again.text, HasSubstr("2 data rows, first data row 13, ID column B"));
-
   const Outcome asked = runLodex("--answer 2 " + common + "--method old --ask-refs 2>/dev/null");
   EXPECT_THAT(asked.text, HasSubstr("\tB1\t0.0014\n\tB2\t"));
   EXPECT_THAT(runLodex("methods --group " + quoted("group")).text,
               HasSubstr("  Old\n    Inputs: Cu %\n    Outputs: Copper\n"));
+}
+
+TEST_F(CalcCommand, ResultsGoIntoADatabase) {
+  writeMethod("Old.xls", FileType::Excel);
+  writeMethod("New.xlsx", FileType::Xlsx);
+  writeFileWhole((folder / "a.txt").string(), "Sample\tCu ppm\nB2\t50\nB1\t100\n");
+  for (const char* results : {"r.xls", "r.xlsx"}) {
+    SCOPED_TRACE(results);
+    const std::string database = quoted(std::string(results) + ".db");
+    runLodex("calc " + quoted("a.txt") + "--group " + quoted("group") + "--out " + quoted(results) +
+             "2>&1");
+    const Outcome described = runLodex("identify " + quoted(results));
+    EXPECT_THAT(described.text, HasSubstr("2 data rows, first data row 13, ID column B"));
+    EXPECT_THAT(described.text, testing::ContainsRegex("C  *Copper  *New  *Copper  *DOUBLE"));
+    const Outcome saved = runLodex("save " + quoted(results) + "--db " + database + "2>&1");
+    EXPECT_EQ(saved.status, 0) << saved.text;
+    for (const char* table : {"Old", "New"}) {
+      const std::string query = std::string("'SELECT [Sample], [Copper] FROM [") + table + "]'";
+      EXPECT_THAT(runLodex("sql " + database + query).text,
+                  HasSubstr("Sample\tCopper\nB1\t0.02\nB2\t0.01\n"));
+    }
+  }
 }
 
 TEST_F(CalcCommand, SaysWhatIsWrong) {

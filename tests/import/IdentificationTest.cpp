@@ -70,6 +70,39 @@ TEST_F(Identify, DescribedSheetIsRecognisedAgain) {
   EXPECT_THAT(logText(), Not(HasSubstr("-Adding")));
 }
 
+TEST_F(Identify, ASheetThatComesDescribedKeepsItsDescription) {
+  addRule({"Note", "HEADER", "", "", "", "", "Sample", "Remark"});
+  addRule({"SiO2", "HEADER", "", "SiO2", "", "%"});
+  frmDataIN& form =
+      sheetOf({"HEADER|Sample|SiO2|Cu ppm|Note|Later|Own", "TABLE|CIPW|CIPW|CIPW|CIPW||T",
+               "FIELD|Sample|SiO2|Cu ppm|Note||", "TYPE|TEXT(10)(U,I)|DOUBLE|DOUBLE|TEXT(60)||",
+               "INDEXED|YES", "|A|50|3|x|y|z"});
+  for (int run = 1; run <= 2; ++run) {
+    SCOPED_TRACE(run);
+    session.log.clear();
+    form.AjaTunnista({});
+    EXPECT_EQ(rowText(form.F1D, 2), "TABLE|CIPW|CIPW|CIPW|CIPW|USERX|USERX");
+    EXPECT_EQ(rowText(form.F1D, 3), "FIELD|Sample|SiO2|Cu ppm|Note|Later|Own");
+    EXPECT_EQ(rowText(form.F1D, 4),
+              "TYPE|TEXT(10)(U,I)|DOUBLE|DOUBLE|TEXT(60)|TEXT (255)|TEXT (255)");
+    // What the columns hold is found out all the same.
+    EXPECT_EQ(cell(form, sysrow::Identified, 3), "X(Si)1/1");
+    EXPECT_EQ(cell(form, sysrow::Unit, 4), "ppm");
+    EXPECT_EQ(session.log.txtErr.text(), "");
+  }
+}
+
+TEST_F(Identify, UnidentifiedColumnsFollowTheNameOfTheirTable) {
+  frmDataIN& form = sheetOf({"No|Zork: x|Depth", "1|5|7"});
+  form.AjaTunnista({});
+  form.F1D.TextRC(form.SystemRows(sysrow::Table), 4, "CORE");
+  form.F1D.TextRC(form.SystemRows(sysrow::Type), 4, "SINGLE");
+  context.unidentifiedTable = "OTHER";
+  form.AjaTunnista({});
+  EXPECT_EQ(cell(form, sysrow::Table, 3), "OTHER");
+  EXPECT_EQ(cell(form, sysrow::Table, 4), "CORE");
+}
+
 TEST_F(Identify, CaptionsAboveTheIdsMoveInFrontOfThem) {
   frmDataIN& form =
       sheetOf({"HEADER|Fe2O3|S", "UNIT|%|%", "ELEMENT|Fe2O3|S", "METHOD|XRF|", "A-1|9.1|0.2"});
