@@ -161,7 +161,7 @@ TEST(XlsxReader, Appearance) {
   EXPECT_EQ(format.horizontal, HorizontalAlignment::Right);
   EXPECT_EQ(format.vertical, VerticalAlignment::Top);
   EXPECT_TRUE(format.wrap);
-  EXPECT_EQ(book.formatOf(1, 1, 2).numberFormat, "mm-dd-yy");
+  EXPECT_EQ(book.formatOf(1, 1, 2).numberFormat, "m/d/yyyy");
   EXPECT_EQ(book.formatOf(1, 1, 3), CellFormat()) << "the default style is nothing special";
   EXPECT_TRUE(book.formatOf(1, 1, 4).bold) << "an empty cell keeps its format";
   EXPECT_EQ(book.LastCol(), 3);

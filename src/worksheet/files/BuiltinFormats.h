@@ -7,10 +7,17 @@
 /// What spreadsheet files refer to by number alone.
 namespace lodex {
 
-/// The number format of a built-in id, "" for an id without one (ECMA-376 part 1, 18.8.30).
+/// The number format of a built-in id, "" for an id without one (ECMA-376 part 1, 18.8.30). The
+/// formats are those of an English program; currency signs and the order of dates differ by
+/// country, and files that need another text bring it along.
 std::string_view builtinNumberFormat(int id);
+/// The id that stands for a format in every country, or -1.
+int builtinNumberFormatId(std::string_view format);
 
-/// The colour of a palette index, 0 to 63 (ECMA-376 part 1, 18.8.27); automaticColor beyond.
+/// The 56 colours that a workbook without a palette of its own has (ECMA-376 part 1, 18.8.27; the
+/// same in .xls files from BIFF 8 on).
+extern const Color defaultPalette[56];
+/// The colour of a palette index, 0 to 63; automaticColor beyond.
 Color indexedColor(int index);
 
 }  // namespace lodex

@@ -4,19 +4,9 @@
 #include <iterator>
 
 namespace lodex::biff {
-
-// Colours after "The Microsoft Excel File Format" by Daniel Rentz, section on the PALETTE record.
-const Color defaultPalette8[56] = {
-    0x000000, 0xFFFFFF, 0xFF0000, 0x00FF00, 0x0000FF, 0xFFFF00, 0xFF00FF, 0x00FFFF,
-    0x800000, 0x008000, 0x000080, 0x808000, 0x800080, 0x008080, 0xC0C0C0, 0x808080,
-    0x9999FF, 0x993366, 0xFFFFCC, 0xCCFFFF, 0x660066, 0xFF8080, 0x0066CC, 0xCCCCFF,
-    0x000080, 0xFF00FF, 0xFFFF00, 0x00FFFF, 0x800080, 0x800000, 0x008080, 0x0000FF,
-    0x00CCFF, 0xCCFFFF, 0xCCFFCC, 0xFFFF99, 0x99CCFF, 0xFF99CC, 0xCC99FF, 0xFFCC99,
-    0x3366FF, 0x33CCCC, 0x99CC00, 0xFFCC00, 0xFF9900, 0xFF6600, 0x666699, 0x969696,
-    0x003366, 0x339966, 0x003300, 0x333300, 0x993300, 0x993366, 0x333399, 0x333333};
-
 namespace {
 
+// The colours before BIFF 8 ("The Microsoft Excel File Format" by Daniel Rentz, PALETTE record).
 constexpr Color defaultPalette5[56] = {
     0x000000, 0xFFFFFF, 0xFF0000, 0x00FF00, 0x0000FF, 0xFFFF00, 0xFF00FF, 0x00FFFF,
     0x800000, 0x008000, 0x000080, 0x808000, 0x800080, 0x008080, 0xC0C0C0, 0x808080,
@@ -25,50 +15,6 @@ constexpr Color defaultPalette5[56] = {
     0x00CFFF, 0x69FFFF, 0xE0FFE0, 0xFFFF80, 0xA6CAF0, 0xDD9CB3, 0xB38FEE, 0xE3E3E3,
     0x2A6FF9, 0x3FB8CD, 0x488436, 0x958C41, 0x8E5E42, 0xA0627A, 0x624FAC, 0x969696,
     0x1D2FBE, 0x286676, 0x004500, 0x453E01, 0x6A2813, 0x85396A, 0x4A3285, 0x424242};
-
-struct NumberFormat {
-  unsigned index;
-  std::string_view text;
-};
-// The formats of an English program; currency signs and the order of dates differ by country, and
-// files that need another text bring it along.
-constexpr NumberFormat builtinFormats[] = {
-    {0, "General"},
-    {1, "0"},
-    {2, "0.00"},
-    {3, "#,##0"},
-    {4, "#,##0.00"},
-    {5, "\"$\"#,##0_);(\"$\"#,##0)"},
-    {6, "\"$\"#,##0_);[Red](\"$\"#,##0)"},
-    {7, "\"$\"#,##0.00_);(\"$\"#,##0.00)"},
-    {8, "\"$\"#,##0.00_);[Red](\"$\"#,##0.00)"},
-    {9, "0%"},
-    {10, "0.00%"},
-    {11, "0.00E+00"},
-    {12, "# ?/?"},
-    {13, "# ?\?/??"},
-    {14, "m/d/yyyy"},
-    {15, "d-mmm-yy"},
-    {16, "d-mmm"},
-    {17, "mmm-yy"},
-    {18, "h:mm AM/PM"},
-    {19, "h:mm:ss AM/PM"},
-    {20, "h:mm"},
-    {21, "h:mm:ss"},
-    {22, "m/d/yyyy h:mm"},
-    {37, "#,##0_);(#,##0)"},
-    {38, "#,##0_);[Red](#,##0)"},
-    {39, "#,##0.00_);(#,##0.00)"},
-    {40, "#,##0.00_);[Red](#,##0.00)"},
-    {41, "_(* #,##0_);_(* (#,##0);_(* \"-\"_);_(@_)"},
-    {42, "_(\"$\"* #,##0_);_(\"$\"* (#,##0);_(\"$\"* \"-\"_);_(@_)"},
-    {43, "_(* #,##0.00_);_(* (#,##0.00);_(* \"-\"?\?_);_(@_)"},
-    {44, "_(\"$\"* #,##0.00_);_(\"$\"* (#,##0.00);_(\"$\"* \"-\"?\?_);_(@_)"},
-    {45, "mm:ss"},
-    {46, "[h]:mm:ss"},
-    {47, "mm:ss.0"},
-    {48, "##0.0E+0"},
-    {49, "@"}};
 
 constexpr size_t maxEntries = 8192;  // programs stop at half of that
 
@@ -111,26 +57,9 @@ VerticalAlignment verticalOf(unsigned number) {
 
 }  // namespace
 
-std::string_view builtinNumberFormat(unsigned index) {
-  for (const NumberFormat& format : builtinFormats) {
-    if (format.index == index) return format.text;
-  }
-  // Numbers of the Far Eastern editions, all of them dates.
-  if ((index >= 27 && index <= 36) || (index >= 50 && index <= 58)) return "m/d/yyyy";
-  return {};
-}
-
-int builtinNumberFormatIndex(std::string_view format) {
-  for (const NumberFormat& builtin : builtinFormats) {
-    const bool sameEverywhere = builtin.text.find('$') == std::string_view::npos;
-    if (sameEverywhere && builtin.text == format) return static_cast<int>(builtin.index);
-  }
-  return -1;
-}
-
 void Styles::version(int version) {
   version_ = version;
-  const Color* colors = version >= 8 ? defaultPalette8 : defaultPalette5;
+  const Color* colors = version >= 8 ? defaultPalette : defaultPalette5;
   palette_.assign(colors, colors + 56);
 }
 
@@ -287,7 +216,7 @@ CellFormat Styles::cellFormat(const Xf& xf) const {
   const bool own =
       xf.numberFormat < numberFormats_.size() && !numberFormats_[xf.numberFormat].empty();
   const std::string_view text = own ? std::string_view(numberFormats_[xf.numberFormat])
-                                    : builtinNumberFormat(xf.numberFormat);
+                                    : builtinNumberFormat(static_cast<int>(xf.numberFormat));
   if (!text.empty()) format.numberFormat = text;
   // Font number 4 was never given.
   const size_t font = xf.font > 4 ? xf.font - 1 : xf.font;

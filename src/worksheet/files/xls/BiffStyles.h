@@ -6,18 +6,12 @@
 #include <vector>
 
 #include "worksheet/CellFormat.h"
+#include "worksheet/files/BuiltinFormats.h"
 #include "worksheet/files/xls/BiffText.h"
 
 /// Fonts, number formats, colours and cell styles of an .xls file.
 namespace lodex::biff {
 
-/// The number format behind one of the numbers that need no record; "" for one that has none.
-std::string_view builtinNumberFormat(unsigned index);
-/// The number that is always the same for a format, or -1.
-int builtinNumberFormatIndex(std::string_view format);
-
-/// The 56 colours that a workbook without a palette of its own has, from colour number 8 on.
-extern const Color defaultPalette8[56];
 inline constexpr unsigned firstPaletteColor = 8;
 /// Colour numbers that leave the choice to the display.
 inline constexpr unsigned automaticTextColor = 0x7FFF;

@@ -62,7 +62,7 @@ int distance(Color a, Color b) {
 StyleWriter::StyleWriter(const FormatTable& formats)
     : formats_(formats),
       plain_(formats.size(), 0),
-      palette_(std::begin(defaultPalette8), std::end(defaultPalette8)),
+      palette_(std::begin(defaultPalette), std::end(defaultPalette)),
       colorUsed_(palette_.size(), false) {
   // Number 15 is what cells without a style of their own have.
   styleOf(0);
@@ -112,7 +112,7 @@ unsigned StyleWriter::fontOf(const CellFormat& format) {
 
 unsigned StyleWriter::numberFormatOf(const std::string& text) {
   if (text.empty()) return 0;
-  const int builtin = builtinNumberFormatIndex(text);
+  const int builtin = builtinNumberFormatId(text);
   if (builtin >= 0) return static_cast<unsigned>(builtin);
   const auto known = numberFormatNumbers_.find(text);
   if (known != numberFormatNumbers_.end()) return known->second;
