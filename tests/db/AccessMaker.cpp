@@ -259,6 +259,7 @@ std::string AccessMaker::definition(const Table& table, std::uint32_t map) const
   put(bytes, columnAt + 2, indexCount);
   put(bytes, columnAt + 6, indexCount);
   put(bytes, columnAt + 10, map);
+  put(bytes, columnAt + 14, map);  // of pages with room, which nobody looks for
   bytes.append(indexCount * (isJet3_ ? 8 : 12), '\0');
   std::uint16_t number = static_cast<std::uint16_t>(table.firstNumber);
   std::uint16_t varIndex = 0;
