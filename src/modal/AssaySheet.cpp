@@ -159,7 +159,7 @@ AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet
   if (element.empty()) return found;
 
   if (!findElement(element, F1ELoc, found)) {
-    findElement(std::string(withoutTotal(element)), F1ELoc, found);
+    found.isTotal = findElement(std::string(withoutTotal(element)), F1ELoc, found);
   }
   if (equalsNoCase(found.unit, "ppm")) found.factor /= 10000;
   if (equalsNoCase(found.unit, "ppb")) found.factor /= 10000000;
@@ -203,10 +203,16 @@ std::vector<int> retrieveAssays(const AssaySheet& source, const Worksheet& F1ELo
     const std::string name = columnName(column, known[k]);
     result.F1Ini.ColText(target, assayHeading(column, F1ELoc));
     const int method = methodNumber(methods, column.method.empty() ? firstMethod : column.method);
-    if (result.F1Kirja.HasContent(column.elementRow, method)) {
+    const int served = static_cast<int>(result.F1Kirja.NumberRC(column.elementRow, method));
+    if (served > 0 && (columns[static_cast<size_t>(served) - 2].isTotal || !column.isTotal)) {
       log("Assay " + name +
           " feeds no equation: an earlier column has the same element and method");
     } else {
+      if (served > 0) {
+        const auto part = static_cast<size_t>(served) - 2;
+        log("Assay " + columnName(columns[part], known[part]) +
+            " feeds no equation: a later column has the total of its element");
+      }
       result.F1Kirja.NumberRC(column.elementRow, method, target);
     }
     if (!column.unit.empty() && column.unit != "%" && !equalsNoCase(column.unit, "ppm") &&

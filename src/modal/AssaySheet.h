@@ -31,6 +31,7 @@ inline constexpr const char* firstMethod = "<<First>>";
 struct AssayColumn {
   int elementRow = 0;  // 0 when the element table does not know the column
   double factor = 1;
+  bool isTotal = false;  // "Fe2O3tot": all of the element, where FeO may be a part of it
   std::string method;
   std::string unit;
   std::string heading;
@@ -39,8 +40,9 @@ struct AssayColumn {
 /// What is known of column `column` of the sheet.
 AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet& F1ELoc);
 
-/// Fills F1Ini, F1Kirja and SampleIDs from a data sheet. An empty cell stays empty, text that is no
-/// number counts as 0. `log` is told of everything that a user could miss: unknown columns and
+/// Fills F1Ini, F1Kirja and SampleIDs from a data sheet. Of several columns with the same element
+/// and method a total serves, else the first. An empty cell stays empty, text that is no number
+/// counts as 0. `log` is told of everything that a user could miss: unknown columns and
 /// units, text among numbers, negative values, rows without sample identifier. Returns the columns
 /// of F1Ini that hold nothing but such text. Throws Error when the sheet has no
 /// ELEMENT row, no identifier column or no column that the element table knows.

@@ -54,6 +54,20 @@ TEST(AssaySheet, FactorsByNameAndUnit) {
   }
 }
 
+TEST(AssaySheet, ATotalServesBeforeAPart) {
+  Sheet s;
+  s.column({"Sample", "Sample", "", "", "S1"});
+  s.column({"FeO", "FeO", "", "%", "6"});
+  s.column({"Fe2O3T", "Fe2O3tot", "", "%", "10"});
+  s.column({"Fe2O3", "Fe2O3", "", "%", "3"});
+  Retrieved r(s);
+  const AssayColumn total = describeColumn(s.source(), 4, r.F1ELoc);
+  EXPECT_TRUE(total.isTotal);
+  EXPECT_EQ(r.result.F1Kirja.NumberRC(total.elementRow, 1), 3);
+  EXPECT_NE(r.log.find("(FeO) feeds no equation: a later column"), std::string::npos) << r.log;
+  EXPECT_NE(r.log.find("(Fe2O3) feeds no equation: an earlier column"), std::string::npos);
+}
+
 TEST(AssaySheet, MethodsAndColumns) {
   Sheet s;
   s.column({"Sample", "Sample", "", "", "S1", "S2"});
