@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "basic/Error.h"
@@ -264,20 +265,27 @@ class StoredReader {
           result_.F1Ini.ColText(
               column, name + " as " + F1ELoc_.TextRC(field.elementRow, eloc::MineralField));
         }
-        enter(field, column);
+        enter(field, column, known.isTotal);
       }
     }
     return factors;
   }
 
-  void enter(const MappedField& field, int column) {
+  // Of several fields with the same element and method a total serves, else the first.
+  void enter(const MappedField& field, int column, bool isTotal) {
     const auto place = std::find(methods_.begin(), methods_.end(), methodOfStored(nameOf(field)));
     const int method = static_cast<int>(place - methods_.begin()) + 1;
-    if (result_.F1Kirja.HasContent(field.elementRow, method)) {
+    const int served = static_cast<int>(result_.F1Kirja.NumberRC(field.elementRow, method));
+    if (served > 0 && (!isTotal || totals_.count(served) > 0)) {
       log_("Assay " + nameOf(field) +
            " feeds no equation: an earlier field has the same element and method");
       return;
     }
+    if (served > 0) {
+      log_("Assay " + result_.F1Ini.ColText(served) +
+           " feeds no equation: a later field has the total of its element");
+    }
+    if (isTotal) totals_.insert(column);
     result_.F1Kirja.NumberRC(field.elementRow, method, column);
   }
 
@@ -314,6 +322,7 @@ class StoredReader {
   std::optional<Filter> filter_;
   std::string master_;
   std::vector<std::string> methods_;
+  std::set<int> totals_;  // columns of F1Ini that hold a total
   int lastColumn_ = 1;
 };
 

@@ -173,6 +173,16 @@ TEST_F(Stored, AssaysInTheTableOfTheSamples) {
   EXPECT_EQ(sampleMasterTable(database), "Few");
 }
 
+TEST_F(Stored, ATotalServesBeforeAPart) {
+  sql("CREATE TABLE [Holes] ([Name] TEXT (9) PRIMARY KEY, [FeO/%] SINGLE, [Fe2O3tot/%] SINGLE, "
+      "[Fe2O3/%] SINGLE)");
+  sql("INSERT INTO [Holes] VALUES ('007', 6, 10, 3)");
+  retrieve();
+  const int iron = describeField("Holes", "FeO/%", F1ELoc).elementRow;
+  EXPECT_EQ(assay(1, iron, firstMethod), "8.998");
+  EXPECT_NE(log.find("FeO/% feeds no equation: a later field"), std::string::npos) << log;
+}
+
 TEST_F(Stored, NothingToCalculateFrom) {
   map();
   EXPECT_THROW(sampleMasterTable(database), Error);
