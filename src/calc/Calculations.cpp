@@ -160,7 +160,7 @@ void Calculations::ShowSources() {
   items.insert(items.begin(), std::string(allItems));
   frmSources form(context_.session, context_.tables,
                   {shell_, items, sheets_.F1Ref, sourceSheets(), [this] { Alusta(allItems); },
-                   [this] { sourcesEdited(); }, group});
+                   [this] { sourcesEdited(); }, group, &chkAskRefs});
   context_.session.dialogs().showModal(form);
 }
 
