@@ -1,0 +1,448 @@
+#include "gui/grid/GridActions.h"
+
+#include <QAction>
+#include <QColorDialog>
+#include <QFontDialog>
+#include <QInputDialog>
+#include <QMenu>
+
+#include "basic/Error.h"
+#include "gui/QtText.h"
+#include "gui/grid/GridCursor.h"
+#include "gui/grid/GridPrint.h"
+#include "gui/grid/GridTable.h"
+#include "gui/grid/NumberFormatDialog.h"
+#include "gui/grid/WorksheetView.h"
+#include "worksheet/A1.h"
+
+namespace lodex {
+namespace {
+
+constexpr int zoomStep = 10;
+
+QList<QKeySequence> keys(std::initializer_list<QKeySequence> sequences) {
+  return {sequences};
+}
+
+}  // namespace
+
+GridActions::GridActions(WorksheetView& view) : QObject(&view), view_(view) {
+  addEditing();
+  addLines();
+  addFormats();
+  addViewing();
+}
+
+// --- Access to the view ---
+
+SheetEditor& GridActions::editor() const {
+  return view_.editor();
+}
+GridTable& GridActions::table() const {
+  return view_.table();
+}
+GridCursor& GridActions::cursor() const {
+  return view_.table().cursor();
+}
+CellBlock GridActions::block() const {
+  return cursor().block();
+}
+
+QAction* GridActions::named(const QString& name) const {
+  for (QAction* action : actions_) {
+    if (action->objectName() == name) return action;
+  }
+  return nullptr;
+}
+
+QAction* GridActions::add(const char* name, const QString& text, const QString& tip,
+                          const QList<QKeySequence>& shortCuts, std::function<void()> command) {
+  auto* action = new QAction(text, this);
+  action->setObjectName(QLatin1String(name));
+  QString toolTip = tip;
+  if (!shortCuts.isEmpty() && !shortCuts.front().isEmpty()) {
+    toolTip += QStringLiteral(" (%1)").arg(shortCuts.front().toString(QKeySequence::NativeText));
+  }
+  action->setToolTip(toolTip);
+  action->setStatusTip(tip);
+  action->setShortcuts(shortCuts);
+  action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+  connect(action, &QAction::triggered, this,
+          [this, command = std::move(command)] { run(command); });
+  view_.addAction(action);
+  actions_.append(action);
+  return action;
+}
+
+// Commands work on what the user sees, what is being typed included.
+void GridActions::run(const std::function<void()>& command) {
+  if (!view_.hasSheet()) return;
+  view_.finishEditing();
+  table().attempt(command);
+  update();
+}
+
+// --- The commands ---
+
+void GridActions::addEditing() {
+  add("actUndo", tr("&Undo"), tr("Take the last change back"), keys({QKeySequence::Undo}),
+      [this] { editor().undo(); });
+  add("actRedo", tr("&Redo"), tr("Make the change again that was taken back"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)}),
+      [this] { editor().redo(); });
+  add("actCut", tr("Cu&t"), tr("Move the selection to the clipboard"), keys({QKeySequence::Cut}),
+      [this] { copy(true); });
+  add("actCopy", tr("&Copy"), tr("Copy the selection to the clipboard"), keys({QKeySequence::Copy}),
+      [this] { copy(false); });
+  add("actPaste", tr("&Paste"), tr("Paste the clipboard at the active cell"),
+      keys({QKeySequence::Paste}), [this] { paste(PasteKind::All); });
+  add("actPasteValues", tr("Paste &values"), tr("Paste without formulas and formats"),
+      keys({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V)}), [this] { paste(PasteKind::Values); });
+  add("actClear", tr("Clear co&ntents"), tr("Empty the selected cells and keep their formats"), {},
+      [this] { editor().clearContents(block()); });
+  add("actClearAll", tr("Clear &all"), tr("Empty the selected cells and take their formats away"),
+      {}, [this] { editor().clearAll(block()); });
+  add("actFillDown", tr("Fill &down"), tr("Copy the first row of the selection over the others"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_D)}), [this] { editor().fillDown(block()); });
+  add("actFillRight", tr("Fill &right"),
+      tr("Copy the first column of the selection over the others"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_R)}), [this] { editor().fillRight(block()); });
+  add("actSelectAll", tr("Select &all"), tr("Select the whole sheet"),
+      keys({QKeySequence::SelectAll}), [this] { cursor().selectAll(); });
+  add("actFind", tr("&Find..."), tr("Find a text in the sheet"), keys({QKeySequence::Find}),
+      [this] { view_.openFind(false); });
+  add("actReplace", tr("R&eplace..."), tr("Find a text and put another one in its place"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_H)}), [this] { view_.openFind(true); });
+  add("actFindNext", tr("Find &next"), tr("Go to the next cell with the text"),
+      keys({QKeySequence(Qt::Key_F3)}), [this] { view_.findNext(false); });
+  add("actFindPrevious", tr("Find pre&vious"), tr("Go to the cell before with the text"),
+      keys({QKeySequence(Qt::SHIFT | Qt::Key_F3)}), [this] { view_.findNext(true); });
+}
+
+void GridActions::addLines() {
+  add("actInsert", tr("&Insert..."), tr("Insert cells, or as many rows or columns as are selected"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)}),
+      [this] { insertOrDelete(true); });
+  add("actDelete", tr("&Delete..."), tr("Delete the selected cells, rows or columns"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_Minus)}), [this] { insertOrDelete(false); });
+  add("actInsertRows", tr("Insert &rows"), tr("Insert rows above the selection"), {},
+      [this] { editor().insertRows(block().row1, block().row2); });
+  add("actDeleteRows", tr("Delete r&ows"), tr("Delete the selected rows"), {},
+      [this] { editor().deleteRows(block().row1, block().row2); });
+  add("actInsertColumns", tr("Insert &columns"), tr("Insert columns left of the selection"), {},
+      [this] { editor().insertColumns(block().column1, block().column2); });
+  add("actDeleteColumns", tr("Delete co&lumns"), tr("Delete the selected columns"), {},
+      [this] { editor().deleteColumns(block().column1, block().column2); });
+  add("actSortAscending", tr("Sort &ascending"),
+      tr("Sort the selected rows by the column of the active cell"), {}, [this] { sort(false); });
+  add("actSortDescending", tr("Sort &descending"),
+      tr("Sort the selected rows by the column of the active cell, largest first"), {},
+      [this] { sort(true); });
+  add("actColumnWidth", tr("Column &width..."), tr("Set the width of the selected columns"), {},
+      [this] { chooseColumnWidth(); });
+  add("actFitColumns", tr("&Fit columns"), tr("Make the selected columns as wide as their texts"),
+      {}, [this] {
+        std::vector<std::pair<int, double>> widths;
+        const CellBlock used = editor().usedPart({1, block().column1, 1, block().column2});
+        for (int column = used.column1; column <= used.column2; ++column) {
+          widths.emplace_back(column, table().fittingWidth(column));
+        }
+        editor().setColumnWidths(widths);
+      });
+  add("actHideRows", tr("&Hide rows"), tr("Hide the selected rows"), {},
+      [this] { editor().hideRows(block().row1, block().row2, true); });
+  add("actShowRows", tr("&Show rows"), tr("Show hidden rows within the selection"), {},
+      [this] { editor().hideRows(block().row1, block().row2, false); });
+  add("actHideColumns", tr("H&ide columns"), tr("Hide the selected columns"), {},
+      [this] { editor().hideColumns(block().column1, block().column2, true); });
+  add("actShowColumns", tr("Sh&ow columns"), tr("Show hidden columns within the selection"), {},
+      [this] { editor().hideColumns(block().column1, block().column2, false); });
+  add("actFreeze", tr("Freeze rows &above"), tr("Keep the rows above the active cell at the top"),
+      {}, [this] { editor().freezeRows(cursor().active().row - 1); });
+  add("actUnfreeze", tr("&Unfreeze rows"), tr("Let all rows scroll"), {},
+      [this] { editor().freezeRows(0); });
+}
+
+void GridActions::addFormats() {
+  const auto toggled = [this](bool CellFormat::*flag) {
+    const CellPlace place = cursor().active();
+    return !(editor().formatAt(place.row, place.column).*flag);
+  };
+  const auto checkable = [](QAction* action) { action->setCheckable(true); };
+  checkable(add("actBold", tr("&Bold"), tr("Bold text"), keys({QKeySequence::Bold}),
+                [=, this] { editor().setBold(block(), toggled(&CellFormat::bold)); }));
+  checkable(add("actItalic", tr("&Italic"), tr("Italic text"), keys({QKeySequence::Italic}),
+                [=, this] { editor().setItalic(block(), toggled(&CellFormat::italic)); }));
+  checkable(add("actUnderline", tr("&Underline"), tr("Underlined text"),
+                keys({QKeySequence::Underline}),
+                [=, this] { editor().setUnderline(block(), toggled(&CellFormat::underline)); }));
+  checkable(add("actWrap", tr("&Wrap text"), tr("Break long texts into lines"), {},
+                [=, this] { editor().setWrap(block(), toggled(&CellFormat::wrap)); }));
+  add("actFont", tr("&Font..."), tr("Choose font and size"), {}, [this] { chooseFont(); });
+  add("actTextColor", tr("Text &colour..."), tr("Choose the colour of the text"), {},
+      [this] { chooseColor(false); });
+  add("actFill", tr("Fi&ll..."), tr("Choose the colour behind the text"), {},
+      [this] { chooseColor(true); });
+  add("actNoFill", tr("&No fill"), tr("Take the colour behind the text away"), {},
+      [this] { editor().setFill(block(), automaticColor); });
+  add("actNumberFormat", tr("&Number format..."), tr("Choose how numbers are shown"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_1)}), [this] { chooseNumberFormat(); });
+  const auto align = [this](const char* name, const QString& text, const QString& tip,
+                            HorizontalAlignment alignment) {
+    add(name, text, tip, {}, [this, alignment] { editor().setAlignment(block(), alignment); });
+  };
+  align("actAlignGeneral", tr("Align by &content"), tr("Texts left, numbers right"),
+        HorizontalAlignment::General);
+  align("actAlignLeft", tr("Align &left"), tr("Align at the left edge"), HorizontalAlignment::Left);
+  align("actAlignCenter", tr("&Centre"), tr("Centre in the cell"), HorizontalAlignment::Center);
+  align("actAlignRight", tr("Align &right"), tr("Align at the right edge"),
+        HorizontalAlignment::Right);
+}
+
+void GridActions::addViewing() {
+  add("actZoomIn", tr("Zoom &in"), tr("Show cells larger"),
+      keys({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Plus)}),
+      [this] { view_.setZoom(view_.zoom() + zoomStep); });
+  add("actZoomOut", tr("Zoom &out"), tr("Show cells smaller"),
+      keys({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Minus)}),
+      [this] { view_.setZoom(view_.zoom() - zoomStep); });
+  add("actZoomReset", tr("&Zoom 100 %"), tr("Show cells in their natural size"),
+      keys({QKeySequence(Qt::CTRL | Qt::Key_0)}), [this] { view_.setZoom(100); });
+  add("actPrint", tr("&Print..."), tr("Print the sheet"), keys({QKeySequence::Print}),
+      [this] { printSheet(view_, view_.editor().sheet()); });
+  add("actPrintPreview", tr("Print pre&view..."), tr("Show the pages as they will be printed"), {},
+      [this] { previewSheet(view_, view_.editor().sheet()); });
+}
+
+void GridActions::copy(bool cut) {
+  clipboard_.describe(editor().sheet(), editor().usedPart(block()));
+  if (cut) {
+    editor().cut(block(), clipboard_);
+  } else {
+    editor().copy(block(), clipboard_);
+  }
+}
+
+void GridActions::paste(PasteKind kind) {
+  const CellBlock written = editor().paste(block(), clipboard_, kind);
+  cursor().select(written, {written.row1, written.column1});
+}
+
+void GridActions::insertOrDelete(bool insert) {
+  const CellBlock cells = block();
+  int choice;
+  if (cursor().wholeRows()) {
+    choice = 2;
+  } else if (cursor().wholeColumns()) {
+    choice = 3;
+  } else {
+    const QStringList choices =
+        insert ? QStringList{tr("Cells, moving others down"), tr("Cells, moving others right"),
+                             tr("Whole rows"), tr("Whole columns")}
+               : QStringList{tr("Cells, moving others up"), tr("Cells, moving others left"),
+                             tr("Whole rows"), tr("Whole columns")};
+    bool ok = false;
+    const QString chosen =
+        QInputDialog::getItem(&view_, insert ? tr("Insert") : tr("Delete"),
+                              insert ? tr("Insert:") : tr("Delete:"), choices, 0, false, &ok);
+    if (!ok) return;
+    choice = static_cast<int>(choices.indexOf(chosen));
+  }
+  if (choice < 2) {
+    const Shift shift = choice == 0 ? Shift::Down : Shift::Right;
+    if (insert) {
+      editor().insertCells(cells, shift);
+    } else {
+      editor().deleteCells(cells, shift);
+    }
+  } else if (choice == 2) {
+    if (insert) {
+      editor().insertRows(cells.row1, cells.row2);
+    } else {
+      editor().deleteRows(cells.row1, cells.row2);
+    }
+  } else if (insert) {
+    editor().insertColumns(cells.column1, cells.column2);
+  } else {
+    editor().deleteColumns(cells.column1, cells.column2);
+  }
+}
+
+// A selection of one row means the sheet below the frozen rows.
+void GridActions::sort(bool descending) {
+  CellBlock cells = block();
+  if (cells.rows() == 1) {
+    const Worksheet& sheet = editor().sheet();
+    cells = {std::min(sheet.FixedRows() + 1, sheet.MaxRow()), 1, sheet.MaxRow(), sheet.MaxCol()};
+  }
+  editor().sort(cells, {{cursor().active().column, descending}});
+}
+
+void GridActions::chooseFont() {
+  const CellPlace place = cursor().active();
+  const CellFormat& now = editor().formatAt(place.row, place.column);
+  QFont start(toQt(now.fontName));
+  start.setPointSizeF(now.fontSize);
+  start.setBold(now.bold);
+  start.setItalic(now.italic);
+  bool ok = false;
+  const QFont font = QFontDialog::getFont(&ok, start, &view_, tr("Font"));
+  if (!ok) return;
+  editor().changeFormat(block(), "Font", [&](CellFormat& cell) {
+    cell.fontName = fromQt(font.family());
+    cell.fontSize = font.pointSizeF();
+    cell.bold = font.bold();
+    cell.italic = font.italic();
+    cell.underline = font.underline();
+    cell.strikeout = font.strikeOut();
+  });
+}
+
+void GridActions::chooseColor(bool fill) {
+  const CellPlace place = cursor().active();
+  const CellFormat& now = editor().formatAt(place.row, place.column);
+  const Color start = fill ? now.patternColor : now.fontColor;
+  const QColor chosen =
+      QColorDialog::getColor(start == automaticColor ? QColor(fill ? Qt::white : Qt::black)
+                                                     : QColor::fromRgb(static_cast<QRgb>(start)),
+                             &view_, fill ? tr("Fill") : tr("Text colour"));
+  if (!chosen.isValid()) return;
+  const Color color = static_cast<Color>(chosen.rgb() & 0xFFFFFF);
+  if (fill) {
+    editor().setFill(block(), color);
+  } else {
+    editor().setFontColor(block(), color);
+  }
+}
+
+void GridActions::chooseNumberFormat() {
+  const CellPlace place = cursor().active();
+  NumberFormatDialog dialog(editor().sheet().ValueRC(place.row, place.column),
+                            editor().formatAt(place.row, place.column).numberFormat, &view_);
+  if (dialog.exec() == QDialog::Accepted) editor().setNumberFormat(block(), dialog.format());
+}
+
+void GridActions::chooseColumnWidth() {
+  const Worksheet& sheet = editor().sheet();
+  const int column = cursor().active().column;
+  constexpr double usual = 10;
+  const double now = sheet.columnWidth(sheet.Sheet(), column);
+  bool ok = false;
+  const double width =
+      QInputDialog::getDouble(&view_, tr("Column width"), tr("Width in characters:"),
+                              now > 0 ? now : usual, 0.25, 255, 2, &ok);
+  if (ok) editor().setColumnWidth(block().column1, block().column2, width);
+}
+
+void GridActions::renameSheet(int sheet) {
+  if (!editor().allows(EditRight::Headings)) return;
+  bool ok = false;
+  const QString name =
+      QInputDialog::getText(&view_, tr("Rename sheet"), tr("Name:"), QLineEdit::Normal,
+                            toQt(editor().sheet().SheetName(sheet)), &ok);
+  if (ok) run([&] { editor().renameSheet(sheet, fromQt(name)); });
+}
+
+// --- States and menus ---
+
+void GridActions::enable(const char* name, bool enabled) {
+  named(QLatin1String(name))->setEnabled(enabled);
+}
+
+void GridActions::update() {
+  const bool sheet = view_.hasSheet();
+  const auto allows = [&](EditRight right) { return sheet && editor().allows(right); };
+  const bool enter = allows(EditRight::Enter);
+  const bool erase = allows(EditRight::Delete);
+  const bool fill = allows(EditRight::Fill);
+  const bool format = allows(EditRight::Format);
+  for (QAction* action : actions_) action->setEnabled(sheet);
+  for (const char* name : {"actPaste", "actPasteValues", "actReplace", "actInsert", "actInsertRows",
+                           "actInsertColumns", "actSortAscending", "actSortDescending"}) {
+    enable(name, enter);
+  }
+  for (const char* name :
+       {"actCut", "actClear", "actClearAll", "actDelete", "actDeleteRows", "actDeleteColumns"}) {
+    enable(name, erase);
+  }
+  for (const char* name : {"actFillDown", "actFillRight"}) enable(name, fill);
+  for (const char* name : {"actBold", "actItalic", "actUnderline", "actWrap", "actFont",
+                           "actTextColor", "actFill", "actNoFill", "actNumberFormat",
+                           "actAlignGeneral", "actAlignLeft", "actAlignCenter", "actAlignRight"}) {
+    enable(name, format);
+  }
+  const EditHistory& history = view_.history();
+  const bool mayUndo = sheet && !editor().readOnly();
+  QAction* undo = named(QStringLiteral("actUndo"));
+  undo->setEnabled(mayUndo && history.canUndo());
+  undo->setText(history.canUndo() ? tr("&Undo %1").arg(toQt(history.undoText()).toLower())
+                                  : tr("&Undo"));
+  QAction* redo = named(QStringLiteral("actRedo"));
+  redo->setEnabled(mayUndo && history.canRedo());
+  redo->setText(history.canRedo() ? tr("&Redo %1").arg(toQt(history.redoText()).toLower())
+                                  : tr("&Redo"));
+  if (!sheet) return;
+  enable("actUnfreeze", editor().sheet().FixedRows() > 0);
+  const CellPlace place = cursor().active();
+  enable("actFreeze", place.row > 1);
+  if (!editor().wholeSheet().contains(place.row, place.column)) return;
+  const CellFormat& cell = editor().formatAt(place.row, place.column);
+  named(QStringLiteral("actBold"))->setChecked(cell.bold);
+  named(QStringLiteral("actItalic"))->setChecked(cell.italic);
+  named(QStringLiteral("actUnderline"))->setChecked(cell.underline);
+  named(QStringLiteral("actWrap"))->setChecked(cell.wrap);
+}
+
+void GridActions::fillContextMenu(QMenu& menu, int row, int column) {
+  const auto addAll = [&](QMenu& target, std::initializer_list<const char*> names) {
+    for (const char* name : names) {
+      if (*name == '\0') {
+        target.addSeparator();
+      } else {
+        target.addAction(named(QLatin1String(name)));
+      }
+    }
+  };
+  update();
+  addAll(menu, {"actCut", "actCopy", "actPaste", "actPasteValues", ""});
+  if (row == 0) {
+    addAll(menu, {"actInsertColumns", "actDeleteColumns", "actClear", "", "actColumnWidth",
+                  "actFitColumns", "actHideColumns", "actShowColumns", ""});
+  } else if (column == 0) {
+    addAll(menu, {"actInsertRows", "actDeleteRows", "actClear", "", "actHideRows", "actShowRows",
+                  "actFreeze", "actUnfreeze", ""});
+  } else {
+    addAll(menu, {"actInsert", "actDelete", "actClear", "actClearAll", ""});
+    QMenu* fill = menu.addMenu(tr("&Fill"));
+    addAll(*fill, {"actFillDown", "actFillRight"});
+  }
+  addAll(menu, {"actSortAscending", "actSortDescending", ""});
+  QMenu* format = menu.addMenu(tr("F&ormat"));
+  addAll(*format, {"actNumberFormat", "actFont", "actBold", "actItalic", "actUnderline", "",
+                   "actTextColor", "actFill", "actNoFill", "", "actAlignGeneral", "actAlignLeft",
+                   "actAlignCenter", "actAlignRight", "actWrap"});
+  QMenu* window = menu.addMenu(tr("&View"));
+  addAll(*window, {"actFreeze", "actUnfreeze", "", "actZoomIn", "actZoomOut", "actZoomReset", "",
+                   "actPrint", "actPrintPreview"});
+  menu.addSeparator();
+  addAll(menu, {"actFind", "actReplace", "actSelectAll"});
+}
+
+void GridActions::fillTabMenu(QMenu& menu, int sheet) {
+  const auto item = [&](const QString& text, EditRight right, std::function<void()> command) {
+    QAction* action = menu.addAction(text);
+    action->setEnabled(editor().allows(right));
+    connect(action, &QAction::triggered, this,
+            [this, command = std::move(command)] { run(command); });
+    return action;
+  };
+  connect(menu.addAction(tr("&Rename...")), &QAction::triggered, this,
+          [this, sheet] { renameSheet(sheet); });
+  menu.actions().constLast()->setEnabled(editor().allows(EditRight::Headings));
+  item(tr("&Insert sheet"), EditRight::Enter, [this, sheet] { editor().insertSheet(sheet); });
+  item(tr("&Delete sheet"), EditRight::Delete, [this, sheet] {
+    editor().deleteSheet(sheet);
+  })->setEnabled(editor().allows(EditRight::Delete) && editor().sheet().NumSheets() > 1);
+}
+
+}  // namespace lodex
