@@ -98,6 +98,13 @@ std::string formattedText(const Value& value, std::string_view format, bool date
   return section == nullptr ? value.asText() : underTextSection(value.textView(), *section);
 }
 
+std::optional<std::int32_t> formattedColor(const Value& value, std::string_view format) {
+  if (!value.isNumber() || isGeneral(format)) return std::nullopt;
+  const Choice choice = chooseSection(sectionsOf(format), value.asNumber());
+  if (choice.section == nullptr || choice.section->color < 0) return std::nullopt;
+  return choice.section->color;
+}
+
 bool isDateFormat(std::string_view format) {
   if (isGeneral(format)) return false;
   const std::vector<Section>& sections = sectionsOf(format);

@@ -16,6 +16,21 @@ char lower(char c) {
   return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
+// The colours that a section can name; -1 for any other word.
+std::int32_t colorNamed(std::string_view name) {
+  struct Named {
+    std::string_view name;
+    std::int32_t color;
+  };
+  for (const Named& known :
+       {Named{"black", 0x000000}, Named{"blue", 0x0000FF}, Named{"cyan", 0x00FFFF},
+        Named{"green", 0x00FF00}, Named{"magenta", 0xFF00FF}, Named{"red", 0xFF0000},
+        Named{"white", 0xFFFFFF}, Named{"yellow", 0xFFFF00}}) {
+    if (known.name == name) return known.color;
+  }
+  return -1;
+}
+
 class Parser {
  public:
   explicit Parser(std::string_view format) : rest_(format) {}
@@ -151,7 +166,8 @@ class Parser {
     if (oneLetter && first == 'h') return add(TokenKind::ElapsedHours, '\0', count), true;
     if (oneLetter && first == 'm') return add(TokenKind::ElapsedMinutes, '\0', count), true;
     if (oneLetter && first == 's') return add(TokenKind::ElapsedSeconds, '\0', count), true;
-    return true;  // a colour
+    section_.color = colorNamed(inside);
+    return true;
   }
 
   bool condition(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,10 +52,11 @@ struct Section {
   std::vector<Token> tokens;
   std::optional<Condition> condition;
   bool isDate = false;
-  bool isText = false;   // holds "@"
-  bool grouped = false;  // digits in groups of three
-  int thousands = 0;     // how often the number is divided by 1000
-  int percents = 0;      // how often it is multiplied by 100
+  bool isText = false;      // holds "@"
+  bool grouped = false;     // digits in groups of three
+  int thousands = 0;        // how often the number is divided by 1000
+  int percents = 0;         // how often it is multiplied by 100
+  std::int32_t color = -1;  // 0xRRGGBB of "[Red]" and the like; -1 for none
 };
 
 /// The sections of a format; empty when the format cannot be understood.
