@@ -23,8 +23,6 @@ namespace fs = std::filesystem;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 TEST(AccessDate, CountsTheTimeForwardFromEveryDay) {
   const struct {
@@ -210,31 +208,6 @@ TEST_F(JetTest, KeysRelationshipsAndQueriesComeAlong) {
   EXPECT_GT(std::stoi(first(connection, "SELECT COUNT(*) FROM [Current Product List]")), 0);
   EXPECT_THROW(connection.Execute("INSERT INTO Orders (OrderID) VALUES (10249)"), Error);
   EXPECT_THAT(connection.Warnings(), Contains(HasSubstr("Sales by Year")));
-}
-
-TEST_F(JetTest, TheTwinIsUsedAgainUntilTheFileChanges) {
-  const fs::path path = take("testV2003.mdb");
-  const std::string before = readFile(path.string());
-  {
-    Connection connection = open(path);
-    ASSERT_THAT(connection.Warnings(), SizeIs(1));
-    EXPECT_THAT(connection.Warnings()[0], HasSubstr("all changes go to this copy"));
-    connection.Execute("DELETE FROM Table1 WHERE A = 'abcdefg'");
-  }
-  {
-    Connection connection = open(path);
-    EXPECT_THAT(connection.Warnings(), IsEmpty());
-    EXPECT_EQ(first(connection, "SELECT COUNT(*) FROM Table1"), "1");
-  }
-  EXPECT_EQ(readFile(path.string()), before);
-
-  fs::last_write_time(path, fs::last_write_time(path) + std::chrono::seconds(7));
-  Connection connection = open(path);
-  EXPECT_EQ(first(connection, "SELECT COUNT(*) FROM Table1"), "2");
-  const fs::path kept = path.string() + ".lodex.1.sqlite";
-  EXPECT_THAT(connection.Warnings(), Contains(HasSubstr(kept.string())));
-  Connection old = open(kept);
-  EXPECT_EQ(first(old, "SELECT COUNT(*) FROM Table1"), "1");
 }
 
 TEST_F(JetTest, AFileCutShortLeavesNothingBehind) {

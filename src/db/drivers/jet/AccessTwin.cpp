@@ -77,7 +77,7 @@ fs::path twinPath(const fs::path& access) {
   const fs::path folder = fs::absolute(access).parent_path();
   const std::string name = access.filename().string();
   const fs::path beside = folder / (name + ".lodex.sqlite");
-  if (fs::exists(beside) || canWriteIn(folder)) return beside;
+  if (canWriteIn(folder)) return beside;
   const std::string whole = fs::weakly_canonical(access).string();
   return twinFolder() / fmt::format("{}.{:016x}.lodex.sqlite", name, hashOf(whole));
 }
@@ -181,10 +181,12 @@ void makeViews(Driver& driver, std::vector<std::string>& warnings) {
   }
 }
 
-// Keeps a twin that its user changed under a name that is free.
-void keepChangedTwin(const fs::path& twin, const Origin& origin,
+// Keeps a twin that its user changed under a name that is free. Of a twin without its record nobody
+// can tell.
+void keepChangedTwin(const fs::path& twin, const std::optional<Origin>& origin,
                      std::vector<std::string>& warnings) {
-  const bool changed = changeCount(twin) != origin.changes || fs::exists(twin.string() + "-wal");
+  const bool changed =
+      !origin || changeCount(twin) != origin->changes || fs::exists(twin.string() + "-wal");
   if (!changed) return;
   fs::path kept;
   for (int number = 1; kept.empty() || fs::exists(kept); ++number) {
@@ -192,8 +194,8 @@ void keepChangedTwin(const fs::path& twin, const Origin& origin,
   }
   fs::rename(twin, kept);
   warnings.push_back(
-      "The Access file has changed since it was brought in, and so has the copy. The "
-      "copy with its changes was kept as " +
+      "The Access file was brought in again, because it or the way of bringing it in has changed. "
+      "The former copy has changes of its own, which are not in the new one; it was kept as " +
       kept.string() + ".");
 }
 
@@ -218,9 +220,7 @@ void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& 
     const auto driver = openSqliteFile(temporary.path().string());
     makeViews(*driver, warnings);
   }
-  if (const auto origin = readOrigin(twin); origin && fs::exists(twin)) {
-    keepChangedTwin(twin, *origin, warnings);
-  }
+  if (fs::exists(twin)) keepChangedTwin(twin, readOrigin(twin), warnings);
   // A record without its twin does no harm; a twin of another record would.
   fs::remove(originPath(twin));
   fs::rename(temporary.path(), twin);

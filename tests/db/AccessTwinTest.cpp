@@ -1,0 +1,155 @@
+// Where the copies of Access files lie, and what becomes of them when either side changes.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "AccessMaker.h"
+#include "basic/Error.h"
+#include "basic/Files.h"
+#include "db/Connection.h"
+#include "db/Recordset.h"
+#include "db/drivers/jet/AccessTwin.h"
+
+namespace lodex {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr uid_t kNobody = 65534;
+
+class AccessTwinTest : public testing::Test {
+ protected:
+  AccessTwinTest() { fs::create_directories(folder_); }
+  ~AccessTwinTest() override {
+    fs::permissions(folder_, fs::perms::all);
+    fs::remove_all(folder_);
+    setTwinFolder("");
+  }
+
+  void make(int records) const {
+    AccessMaker maker;
+    maker.addTable({"T", {{"n", AccessType::LongInteger}}});
+    for (int i = 0; i < records; ++i) maker.addRecord({storedAs(i)});
+    maker.write(access_.string());
+  }
+  // The number of records of the Access file, or of another database.
+  std::string count(const fs::path& path) {
+    Connection connection;
+    connection.Open(ConnectionString(path.string(), "", ""));
+    warnings_ = connection.Warnings();
+    return connection.OpenRecordset("SELECT Count(*) FROM T")->Text(0);
+  }
+  void change() const {
+    Connection connection;
+    connection.Open(ConnectionString(access_.string(), "", ""));
+    connection.Execute("DELETE FROM T WHERE n = 0");
+  }
+
+  const fs::path folder_ = fs::temp_directory_path() / ("lodex_twin_" + std::to_string(::getpid()));
+  const fs::path access_ = folder_ / "assays.mdb";
+  const fs::path twin_ = folder_ / "assays.mdb.lodex.sqlite";
+  const fs::path kept_ = folder_ / "assays.mdb.lodex.1.sqlite";
+  std::vector<std::string> warnings_;
+};
+
+TEST_F(AccessTwinTest, IsUsedAgainWithItsChanges) {
+  make(3);
+  const std::string before = readFile(access_.string());
+  EXPECT_EQ(count(access_), "3");
+  EXPECT_THAT(warnings_, ElementsAre(HasSubstr("all changes go to this copy")));
+  change();
+  EXPECT_EQ(count(access_), "2");
+  EXPECT_THAT(warnings_, IsEmpty());
+  EXPECT_EQ(readFile(access_.string()), before);
+}
+
+TEST_F(AccessTwinTest, FollowsItsFileAndKeepsChanges) {
+  const struct {
+    std::string name;
+    std::function<void()> before;
+    bool kept;
+  } cases[] = {
+      {"unchanged copy", [] {}, false},
+      {"changed copy", [this] { change(); }, true},
+      {"copy without its record", [this] { fs::remove(twin_.string() + ".origin"); }, true},
+  };
+  for (const auto& row : cases) {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    make(3);
+    count(access_);
+    row.before();
+    make(5);
+    EXPECT_EQ(count(access_), "5") << row.name;
+    EXPECT_EQ(fs::exists(kept_), row.kept) << row.name;
+    if (row.kept) {
+      EXPECT_THAT(warnings_, Contains(HasSubstr(kept_.string()))) << row.name;
+    }
+    count(access_);
+    EXPECT_THAT(warnings_, IsEmpty()) << row.name;
+  }
+  EXPECT_EQ(count(kept_), "3");
+}
+
+TEST_F(AccessTwinTest, IsMadeAgainWhenItIsGone) {
+  make(3);
+  count(access_);
+  fs::remove(twin_);
+  EXPECT_EQ(count(access_), "3");
+}
+
+TEST_F(AccessTwinTest, StaysAsItIsWhenTheNewFileIsDamaged) {
+  make(3);
+  count(access_);
+  change();
+  fs::resize_file(access_, 4096 * 2 + 7);
+  EXPECT_THROW(count(access_), FileError);
+  EXPECT_TRUE(fs::exists(twin_));
+  EXPECT_FALSE(fs::exists(kept_));
+  EXPECT_EQ(count(twin_), "2");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 3);  // with the record of the twin
+}
+
+// A folder that cannot be written; the superuser could, so it is left to another user.
+TEST_F(AccessTwinTest, GoesToTheUsersFolderWhereItsOwnCannotBeWritten) {
+  make(3);
+  const fs::path home = folder_ / "home";
+  fs::create_directories(home);
+  fs::permissions(home, fs::perms::all);
+  fs::permissions(folder_, fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
+                               fs::perms::others_exec | fs::perms::group_read |
+                               fs::perms::group_exec);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::geteuid() == 0 && (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)) ::_exit(2);
+    if (::access("/proc/self/exe", X_OK) != 0) ::_exit(2);
+    try {
+      setTwinFolder((home / "data").string());
+      const bool first = count(access_) == "3" && warnings_.size() == 1 &&
+                         warnings_[0].find((home / "data").string()) != std::string::npos;
+      change();
+      ::_exit(first && count(access_) == "2" && warnings_.empty() ? 0 : 1);
+    } catch (const Error& error) {
+      std::fprintf(stderr, "%s\n", error.what());
+      ::_exit(1);
+    }
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  if (WEXITSTATUS(status) == 2) GTEST_SKIP() << "no other user can be played here";
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  EXPECT_FALSE(fs::exists(twin_));
+}
+
+}  // namespace
+}  // namespace lodex
