@@ -104,7 +104,7 @@ void run(benchmark::State& state) {
     const CalculationRequest request{data.group, methods,        data.sheets,
                                      data.F1Ref, data.converter, results};
     const CalculationOutcome outcome = runCalculation(request);
-    if (outcome.calculated != state.range(1) || outcome.errors > 0) {
+    if (outcome.calculated != state.range(1) || outcome.ErrorCount > 0) {
       state.SkipWithError("a sample failed");
     }
   }

@@ -71,7 +71,7 @@ class Run {
         joinSamples(request_.sheets, [&](std::string_view line) { log(line, LogKind::Both); });
     const SampleTable& A2 = join.A2;
     outcome_.samples = A2.RowCount();
-    outcome_.errors = join.duplicates;
+    outcome_.ErrorCount = join.duplicates;
     log(std::to_string(A2.RowCount()) + " rows found.", LogKind::Log);
     const std::vector<std::string> names = namesOf(request_);
     if (request_.keptResults) {
@@ -81,7 +81,7 @@ class Run {
     }
     for (int sample = 1; sample <= A2.RowCount(); ++sample) {
       const std::string& id = A2.Cell(1, sample);
-      const std::string text = progressText(sample, A2.RowCount(), id, outcome_.errors);
+      const std::string text = progressText(sample, A2.RowCount(), id, outcome_.ErrorCount);
       if (request_.nextSample && !request_.nextSample(text, sample, A2.RowCount())) {
         log("!! Aborted !!", LogKind::Both);
         outcome_.aborted = true;
@@ -108,7 +108,7 @@ class Run {
       runner_.calculate(number);
       results_.WriteResults(method);
     } catch (const Error& error) {
-      ++outcome_.errors;
+      ++outcome_.ErrorCount;
       log(" Error: Sample " + id + ", " + method.name() + ": " + error.what(), LogKind::Both);
     }
   }

@@ -34,7 +34,7 @@ struct CalculationRequest {
 struct CalculationOutcome {
   int samples = 0;     // found
   int calculated = 0;  // through all methods
-  int errors = 0;      // duplicates, and methods that failed on a sample
+  int ErrorCount = 0;  // duplicates, and methods that failed on a sample
   bool aborted = false;
 };
 

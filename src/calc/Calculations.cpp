@@ -153,6 +153,26 @@ void Calculations::Alusta(std::string_view item) {
   session.record.SourcesBuilt = true;
 }
 
+std::vector<int> Calculations::HaeRutiiniLista(std::string_view name) const {
+  const SessionRecord& record = context_.session.record;
+  CalculationGroup other;
+  const bool loaded = group.count() > 0 && equalsNoCase(name, record.CurrentCGroup);
+  if (!loaded) {
+    other.load(record.CGroupsFolder + "\\" + std::string(name), UnreadableBook::Skip);
+  }
+  const CalculationGroup& methods = loaded ? group : other;
+  std::vector<int> routines;
+  for (int number = 1; number <= methods.count(); ++number) {
+    const int mapSheet = mapSheetOf(sheets_.F1Ref, methods.method(number).name());
+    for (int element = 1; element <= sourceRows; ++element) {
+      if (sourcesOf(sheets_.F1Ref, mapSheet, element).empty()) continue;
+      routines.push_back(number);
+      break;
+    }
+  }
+  return routines;
+}
+
 void Calculations::ShowSources() {
   if (running_) return;
   if (sheets_.F1Ref.LastRow(1) == 0) Alusta(allItems);
@@ -264,7 +284,7 @@ void Calculations::showResult(const CalculationOutcome& outcome, const SheetStru
   result.show();
   sheets_.TarkastaJaLisaaListaan();
   context_.session.progress.ShowProgress("", 0);
-  if (outcome.errors > 0) {
+  if (outcome.ErrorCount > 0) {
     context_.session.log.show();
     context_.session.log.activate();
   }

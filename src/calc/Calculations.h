@@ -37,6 +37,9 @@ class Calculations {
   void AlustaCALC(bool clearList, UnreadableBook unreadable = UnreadableBook::Stop);
   /// Builds the item sources in the shell's F1Ref anew, for all methods or for one.
   void Alusta(std::string_view item);
+  /// The numbers of the methods of a group that the item sources feed: those for which the map that
+  /// holds for them, their own or the common one, names any source. Empty for an unknown group.
+  std::vector<int> HaeRutiiniLista(std::string_view group) const;
   /// Runs the selected methods over the samples of the selected sheets.
   void Calculate();
   /// Shows where items come from and lets the user change it.

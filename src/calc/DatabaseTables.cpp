@@ -37,9 +37,11 @@ Value valueOf(const FieldValue& field) {
 }  // namespace
 
 void DatabaseTables::add(Connection& connection, std::string_view table, int number,
-                         std::string_view keyField, const CompoundConverter& converter) {
-  const auto records =
-      connection.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
+                         std::string_view keyField, const CompoundConverter& converter,
+                         std::string_view condition) {
+  std::string query = "SELECT * FROM " + quoteName(table);
+  if (!condition.empty()) query.append(" WHERE ").append(condition);
+  const auto records = connection.OpenRecordset(query, CursorKind::ForwardOnly);
   Table made;
   made.name = table;
   made.number = number;

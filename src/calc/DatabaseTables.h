@@ -16,10 +16,11 @@ namespace lodex {
 class DatabaseTables {
  public:
   /// Reads a table. `number` is its place in the map, `keyField` the field of the sample
-  /// identifier; without one its samples are not found. Throws Error when the table cannot be read
-  /// or does not fit into a sheet.
+  /// identifier; without one its samples are not found. `condition` is an SQL condition that picks
+  /// records, empty for all. Throws Error when the table cannot be read or does not fit into a
+  /// sheet.
   void add(Connection& connection, std::string_view table, int number, std::string_view keyField,
-           const CompoundConverter& converter);
+           const CompoundConverter& converter, std::string_view condition = {});
 
   /// The tables, none of them selected. They live as long as this object and stay valid when
   /// tables are added.

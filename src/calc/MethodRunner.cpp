@@ -80,13 +80,13 @@ Value MethodRunner::inputValue(const InputRow& input) {
     return other.book.ValueSRC(other.outputSheet, input.referencedRow, valueColumn);
   }
   for (const InputSource& source : input.sources) {
-    Value value = sourceValue(source);
+    Value value = ReadItem(source);
     if (!value.isEmpty()) return value;
   }
   return {};
 }
 
-Value MethodRunner::sourceValue(const InputSource& source) {
+Value MethodRunner::ReadItem(const InputSource& source) {
   const int row = sampleRow(source.sheet);
   if (row == 0) return {};
   const Worksheet& cells = *sheets_[source.sheet].cells;

@@ -42,7 +42,7 @@ class MethodRunner {
   void FillInput(int method, Feed& feed);
   void fillLinks(MethodBook& method);
   Value inputValue(const InputRow& input);
-  Value sourceValue(const InputSource& source);
+  Value ReadItem(const InputSource& source);
   int sampleRow(size_t sheet);
 
   CalculationGroup& group_;

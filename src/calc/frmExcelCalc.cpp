@@ -5,6 +5,7 @@
 #include "basic/Text.h"
 #include "calc/ItemHeading.h"
 #include "calc/MethodRunner.h"
+#include "calc/frmSources.h"
 
 namespace lodex {
 namespace {
@@ -42,6 +43,7 @@ frmExcelCalc::frmExcelCalc(ImportContext& context, Calculations& calculations)
       fillMethods();
     });
   });
+  cmdSources.onClick([this] { guarded([this] { ShowSources(); }); });
   cmdCalculate.onClick([this] { guarded([this] { Calculate(cmbRoutines.text()); }); });
   lstCalc.onActivate([this](int method) { guarded([&] { Calculate(lstCalc.item(method)); }); });
   lstCalc.onChange([this] {
@@ -130,14 +132,21 @@ void frmExcelCalc::takeSample(const DataSheetForm& sheet, int row) {
 
 // --- Calculating ---
 
+// The row of the result title; 0 if nothing was calculated yet.
+int frmExcelCalc::resultRow() const {
+  const int last = F1D.LastRow();
+  if (last == 0) return 0;
+  const FindResult title = F1D.Find(resultTitle, F1D.Sheet(), 1, 1, last, 1);
+  return title.found > 0 ? title.row : 0;
+}
+
 // Makes room below the input and returns the row of the result title.
 int frmExcelCalc::clearResults() {
   const int last = F1D.LastRow();
-  const FindResult title =
-      last == 0 ? FindResult() : F1D.Find(resultTitle, F1D.Sheet(), 1, 1, last, 1);
-  if (title.found <= 0) return last + 2;
-  if (last > title.row) F1D.ClearRange(title.row + 1, 1, last, F1D.LastCol());
-  return title.row;
+  const int row = resultRow();
+  if (row == 0) return last + 2;
+  if (last > row) F1D.ClearRange(row + 1, 1, last, F1D.LastCol());
+  return row;
 }
 
 // The input as a described table: a column per title and a row per sample.
@@ -165,6 +174,43 @@ Worksheet frmExcelCalc::describedInput(int lastRow, int samples) const {
     table.NumberRC(firstSampleRow + sample - 1, titleColumns, sample);
   }
   return table;
+}
+
+SourceSheets frmExcelCalc::inputSheets(const Worksheet& table) const {
+  SheetStructure structure;
+  for (const int row : {sysrow::Header, sysrow::Element, sysrow::Method, sysrow::Unit}) {
+    structure.row(row) = row + 1;
+  }
+  structure.firstDataRow = firstSampleRow;
+  structure.idColumn = titleColumns;
+  return {{1, caption(), &table, structure, false, true}};
+}
+
+// The map is good as long as the same titles stand in the same rows.
+void frmExcelCalc::ensureSources(const SourceSheets& sheets) {
+  std::string titles;
+  for (int column = titleColumns + 1; column <= sheets[0].cells->LastCol(); ++column) {
+    titles += sheets[0].text(sysrow::Header, column) + "\n";
+  }
+  if (titles == builtFor_) return;
+  builtFor_ = titles;
+  sources_ = Worksheet();
+  sources_.SheetName(1, caption());
+  buildSources(sources_, sheets, context().converter, {.item = caption()});
+}
+
+void frmExcelCalc::ShowSources() {
+  const int last = resultRow() > 0 ? resultRow() - 1 : F1D.LastRow();
+  const Worksheet table = describedInput(last, std::max(0, F1D.LastCol() - 1));
+  const SourceSheets sheets = inputSheets(table);
+  ensureSources(sheets);
+  const auto rebuild = [&] {
+    builtFor_.clear();
+    ensureSources(sheets);
+  };
+  frmSources form(session(), context().tables,
+                  {*this, {caption()}, sources_, sheets, rebuild, {}, calculations_.group});
+  session().dialogs().showModal(form);
 }
 
 void frmExcelCalc::writeResults(const MethodBook& method, int column,
@@ -197,16 +243,9 @@ void frmExcelCalc::Calculate(std::string_view name) {
   const Worksheet table = describedInput(std::min(resultRow - 1, F1D.LastRow()), lastColumn - 1);
   F1D.TextRC(resultRow, 1, resultTitle);
 
-  SheetStructure structure;
-  for (const int row : {sysrow::Header, sysrow::Element, sysrow::Method, sysrow::Unit}) {
-    structure.row(row) = row + 1;
-  }
-  structure.firstDataRow = firstSampleRow;
-  structure.idColumn = titleColumns;
-  const SourceSheets sheets = {{1, caption(), &table, structure, false, true}};
-  Worksheet sources;
-  buildSources(sources, sheets, context().converter, {});
-  MethodRunner runner(calculations_.group, sheets, sources, context().converter);
+  const SourceSheets sheets = inputSheets(table);
+  ensureSources(sheets);
+  MethodRunner runner(calculations_.group, sheets, sources_, context().converter);
   std::map<std::string, int> rows;
   for (int column = 2; column <= lastColumn; ++column) {
     runner.startSample(std::to_string(column - 1));

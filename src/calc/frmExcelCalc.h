@@ -22,6 +22,7 @@ class frmExcelCalc : public DataSheetForm {
   MenuItem mnuCalcToggle{*this, "mnuCalcToggle", "CALCULATE"};
   MenuItem mnuCGroup{*this, "mnuCGroup", "C-Group..."};
   Button cmdCalculate{*this, "cmdCalculate", "Calculate"};
+  Button cmdSources{*this, "cmdSources", "Sources..."};
 
   /// Example sheets; every one has an entry "mnuExamples<n>" that copies it into F1D.
   Worksheet F1Examples;
@@ -42,6 +43,10 @@ class frmExcelCalc : public DataSheetForm {
   /// and "Output" is missing.
   void Calculate(std::string_view method);
 
+  /// Shows which titles feed which element, and lets the user change that. It holds until the
+  /// titles change.
+  void ShowSources();
+
   /// Puts one row of a data sheet into the first sample column.
   void takeSample(const DataSheetForm& sheet, int row);
 
@@ -49,12 +54,17 @@ class frmExcelCalc : public DataSheetForm {
   void clearInput();
   void fillMethods();
   void showExample(int sheet);
+  int resultRow() const;
   int clearResults();
   Worksheet describedInput(int lastRow, int samples) const;
+  SourceSheets inputSheets(const Worksheet& table) const;
+  void ensureSources(const SourceSheets& sheets);
   void writeResults(const MethodBook& method, int column, std::map<std::string, int>& rows);
 
   Calculations& calculations_;
   std::deque<MenuItem> mnuExamples_;
+  Worksheet sources_;     // the item-source map, on a sheet with the caption of this form
+  std::string builtFor_;  // the titles when it was built
 };
 
 }  // namespace lodex

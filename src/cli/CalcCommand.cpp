@@ -11,7 +11,9 @@
 #include "calc/Calculations.h"
 #include "calc/frmSelectElements.h"
 #include "cli/CalculationGroups.h"
+#include "cli/ConsoleJob.h"
 #include "cli/ImportConsole.h"
+#include "cli/StoredSamples.h"
 #include "cli/WorkbookFiles.h"
 #include "worksheet/files/TextWriter.h"
 
@@ -20,6 +22,7 @@ namespace {
 
 struct CalcOptions {
   std::vector<std::string> files;
+  StoredSamplesChoice stored;  // in place of files
   std::string group;
   std::vector<std::string> methods;
   std::string out;
@@ -69,10 +72,25 @@ std::optional<std::vector<int>> askOnConsole(Dialogs& dialogs, const std::string
   return answer ? chosenPositions(*answer) : std::nullopt;
 }
 
-SourceSheets samplesOf(ImportConsole& console) {
-  SourceSheets sheets = openSourceSheets(console.sheets());
-  for (SourceSheet& sheet : sheets) sheet.selected = true;
-  return sheets;
+// Opens and identifies the files. Returns how many could not be opened.
+int openFiles(const CalcOptions& options, ImportConsole& console) {
+  if (options.files.empty()) return 0;
+  const int failed = console.open(options.files);
+  console.identify();
+  console.printLines(console.session().log.txtErr.text(), "lodex: ");
+  console.session().log.clear();
+  return failed;
+}
+
+CalculationOutcome calculate(const CalculationRequest& asked, Session& session, std::ostream& err) {
+  ConsoleJob job(err);
+  CalculationRequest request = asked;
+  request.log = [&](std::string_view line, LogKind kind) { session.log.LisaaLog(line, kind); };
+  request.nextSample = [&](std::string_view text, int sample, int samples) {
+    job.show(text, sample, samples);
+    return !job.interrupted();
+  };
+  return runCalculation(request);
 }
 
 void save(const std::string& path, Worksheet& results) {
@@ -95,27 +113,36 @@ void print(std::ostream& out, Worksheet& results) {
   }
 }
 
+std::string counted(int count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string countLine(const CalculationOutcome& outcome, const Worksheet& results) {
-  return std::to_string(outcome.samples) + " samples found, " + std::to_string(outcome.calculated) +
-         " calculated, " + std::to_string(results.NumSheets()) + " result sheets, " +
-         std::to_string(outcome.errors) + " errors";
+  return counted(outcome.samples, "sample") + " found, " + std::to_string(outcome.calculated) +
+         " calculated, " + counted(results.NumSheets(), "result sheet") + ", " +
+         counted(outcome.ErrorCount, "error");
 }
 
 void runCalc(const CalcOptions& options, CommandContext& context) {
   checkEnding(options.out);
+  requireOtherFile(options.out, options.files);
   ImportConsole console(context, {options.thesaurus, options.noThesaurus});
   Session& session = console.session();
   CalculationGroup group;
   loadGroup(group, options.group, session.record);
   for (const std::string& problem : group.problems()) context.err << "lodex: " << problem << '\n';
   const std::vector<std::string> methods = chosenMethods(options, group);
+  for (int method = 1; method <= group.count(); ++method) {
+    requireOtherFile(options.out, {group.method(method).path});
+  }
 
-  const int failed = console.open(options.files);
-  console.identify();
-  console.printLines(session.log.txtErr.text(), "lodex: ");
-  session.log.clear();
+  const int failed = openFiles(options, console);
+  DatabaseTables tables;
+  if (!options.stored.database.empty()) loadStoredSamples(console, options.stored, tables);
+  SourceSheets sheets =
+      options.files.empty() ? tables.sheets() : openSourceSheets(console.sheets());
+  for (SourceSheet& sheet : sheets) sheet.selected = true;
 
-  const SourceSheets sheets = samplesOf(console);
   const CompoundConverter& converter = console.context().converter;
   Worksheet& F1Ref = console.sheets().F1Ref;
   SourceRequest sources;
@@ -126,11 +153,12 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
   }
   buildSources(F1Ref, sheets, converter, sources);
   Worksheet results;
-  CalculationRequest request{group, methods, sheets, F1Ref, converter, results};
-  request.log = [&](std::string_view line, LogKind kind) { session.log.LisaaLog(line, kind); };
-  const CalculationOutcome outcome = runCalculation(request);
+  const CalculationOutcome outcome =
+      calculate({group, methods, sheets, F1Ref, converter, results}, session, context.err);
 
-  console.printLines(session.log.txtErr.text(), "lodex:");
+  for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
+    if (!line.empty()) context.err << "lodex: " << trimBlanks(line) << '\n';
+  }
   context.err << countLine(outcome, results) << '\n';
   if (outcome.samples == 0) throw Error("There are no samples in what was opened");
   if (options.out.empty()) {
@@ -138,6 +166,7 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
   } else {
     save(options.out, results);
   }
+  if (outcome.aborted) throw Error("The calculation was aborted; the samples before that are kept");
   requireAllOpened(failed, options.files.size());
 }
 
@@ -147,7 +176,17 @@ void addCalcCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<CalcOptions>();
   CLI::App* command =
       app.add_subcommand("calc", "run the methods of a calculation group over analysis files");
-  command->add_option("FILES", options->files, "workbooks and text files")->required();
+  auto* files = command->add_option("FILES", options->files, "workbooks and text files");
+  auto* database =
+      command->add_option("--db", options->stored.database, "database with the samples")
+          ->excludes(files);
+  command
+      ->add_option("--table", options->stored.tables,
+                   "table of the database, may be repeated; all of its samples unless told")
+      ->needs(database)
+      ->allow_extra_args(false);
+  command->add_option("--filter", options->stored.filter, "stored filter that picks the samples")
+      ->needs(database);
   command->add_option("--group", options->group, "calculation group, or a folder of workbooks")
       ->required();
   command->add_option("--method", options->methods,
@@ -161,7 +200,10 @@ void addCalcCommand(CLI::App& app, CommandContext& context) {
       ->excludes(thesaurus);
   // Several values would swallow the files that follow.
   command->get_option("--method")->allow_extra_args(false);
-  command->callback([options, &context] { runCalc(*options, context); });
+  command->callback([options, files, database, &context] {
+    if (files->count() + database->count() == 0) throw CLI::RequiredError("FILES or --db");
+    runCalc(*options, context);
+  });
 }
 
 }  // namespace lodex

@@ -283,11 +283,6 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   context.out << '\n' << saved << '\n';
 }
 
-bool isSameFile(const std::string& a, const std::string& b) {
-  std::error_code missing;
-  return std::filesystem::equivalent(nativePath(a), nativePath(b), missing);
-}
-
 // Told before the work rather than behind it.
 void requireGoodTarget(const ModalOptions& options) {
   static constexpr const char* endings[] = {"xls", "xlsx", "vts"};
@@ -295,11 +290,7 @@ void requireGoodTarget(const ModalOptions& options) {
   if (std::find(std::begin(endings), std::end(endings), ending) == std::end(endings)) {
     throw Error(options.out + ": results fill several sheets; the ending must be xls, xlsx or vts");
   }
-  for (const std::string& source : {options.assays, options.setUp, options.database}) {
-    if (isSameFile(options.out, source)) {
-      throw Error(options.out + " is what the calculation reads; save under another name");
-    }
-  }
+  requireOtherFile(options.out, {options.assays, options.setUp, options.database});
 }
 
 void runModal(const ModalOptions& options, CommandContext& context) {

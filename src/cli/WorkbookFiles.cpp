@@ -1,6 +1,7 @@
 #include "cli/WorkbookFiles.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "basic/Error.h"
 #include "basic/Files.h"
@@ -38,6 +39,14 @@ void writeByEnding(const std::string& path, const Worksheet& book) {
   if (ending == "vts") return book.Write(path, FileType::Native);
   throw Error("Cannot tell from " + path +
               " what to write: the ending must be txt, tsv, csv, xls, xlsx or vts");
+}
+
+void requireOtherFile(const std::string& target, const std::vector<std::string>& sources) {
+  for (const std::string& source : sources) {
+    std::error_code missing;
+    if (!std::filesystem::equivalent(nativePath(target), nativePath(source), missing)) continue;
+    throw Error(target + " is what the calculation reads; save under another name");
+  }
 }
 
 }  // namespace lodex

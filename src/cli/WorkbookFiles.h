@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace lodex {
 
@@ -13,5 +14,8 @@ void readAnyFile(const std::string& path, Worksheet& into);
 /// Writes the kind that the ending names: txt, tsv, csv, xls, xlsx or vts. Throws Error for any
 /// other ending.
 void writeByEnding(const std::string& path, const Worksheet& book);
+
+/// Throws Error when `target`, to be written, is one of the files that are read.
+void requireOtherFile(const std::string& target, const std::vector<std::string>& sources);
 
 }  // namespace lodex

@@ -213,6 +213,18 @@ TEST_F(CalculationRunTest, ResetsOrKeepsEarlierResults) {
   EXPECT_THAT(resultRows("Sum"), ElementsAre("S1|1||1"));
 }
 
+TEST_F(CalculationRunTest, ListsTheRoutinesThatHaveSources) {
+  for (const char* file : {"A.xls", "B.xls"}) writeMethod(file, {.input = {"SiO2 %"}});
+  addSheet("s", {"HEADER|No|x", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S1|1"});
+  calculations.AlustaCALC(true);
+  EXPECT_THAT(calculations.HaeRutiiniLista("TEST"), ElementsAre());
+  calculations.Alusta("B");
+  EXPECT_THAT(calculations.HaeRutiiniLista("test"), ElementsAre(2));
+  calculations.Alusta("-ALL-");
+  EXPECT_THAT(calculations.HaeRutiiniLista("TEST"), ElementsAre(1, 2));
+  EXPECT_THAT(calculations.HaeRutiiniLista("NOWHERE"), ElementsAre());
+}
+
 TEST_F(CalculationRunTest, AddsToResultsThatWereIdentified) {
   writeMethod("A.xls", {.input = {"SiO2 %"}, .output = {"a||=Input!C2|DOUBLE"}});
   writeMethod("B.xls", {.input = {"SiO2 %"}, .output = {"b||=Input!C2|DOUBLE"}});

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "calc/CalcFixture.h"
+#include "calc/frmSources.h"
 
 namespace lodex {
 namespace {
@@ -68,6 +69,29 @@ TEST_F(ExcelCalcTest, UsesPrerequisitesAndConvertsForms) {
   enter({"Si %|10"});
   form->Calculate("Top");
   EXPECT_EQ(form->F1D.NumberRC(4, 2), 21.393);
+}
+
+TEST_F(ExcelCalcTest, SourcesHoldUntilTheTitlesChange) {
+  writeMethod("M.xls", {.input = {"Cu ppm"}, .output = {"Copper||=Input!C2"}});
+  open();
+  enter({"Cu_AAS ppm|1", "Cu_ICP ppm|2"});
+  const std::string caption = form->caption();
+  dialogs.expectForm("frmSources", [&](Form& shown) {
+    auto& options = dynamic_cast<frmSources&>(shown);
+    EXPECT_THAT(options.lstItem.items(), ElementsAre(caption));
+    options.TarnPD1.setCurrent(28);
+    ASSERT_THAT(options.lstEls.items(), ElementsAre(caption + " , Column 3 , Cu_AAS ppm",
+                                                    caption + " , Column 4 , Cu_ICP ppm"));
+    options.lstEls.setChecked(0, false);
+    options.cmdOK.click();
+  });
+  form->cmdSources.click();
+  form->Calculate("M");
+  form->Calculate("M");
+  EXPECT_EQ(rows().back(), "Copper|2.000");
+  form->F1D.TextRC(2, 1, "Cu_XRF ppm");
+  form->Calculate("M");
+  EXPECT_EQ(rows().back(), "Copper|1.000");
 }
 
 TEST_F(ExcelCalcTest, TakesExamplesAndSamples) {

@@ -1,0 +1,84 @@
+#include "cli/ConsoleJob.h"
+
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+
+#include "basic/Text.h"
+
+namespace lodex {
+namespace {
+
+constexpr int barWidth = 24;
+constexpr std::chrono::milliseconds pause{100};  // between two pictures of the bar
+
+volatile sig_atomic_t wasInterrupted = 0;
+
+void noteInterrupt(int) {
+  wasInterrupted = 1;
+}
+
+void catchInterrupts() {
+  wasInterrupted = 0;
+  struct sigaction once {};
+  once.sa_handler = noteInterrupt;
+  // A second one ends the program even where the job does not look for the first.
+  once.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  for (const int number : {SIGINT, SIGTERM}) {
+    struct sigaction present {};
+    ::sigaction(number, nullptr, &present);
+    // Who starts a program with the signal ignored does not want it to react.
+    if (present.sa_handler != SIG_IGN) ::sigaction(number, &once, nullptr);
+  }
+}
+
+void leaveInterrupts() {
+  for (const int number : {SIGINT, SIGTERM}) {
+    struct sigaction present {};
+    ::sigaction(number, nullptr, &present);
+    if (present.sa_handler == noteInterrupt) ::signal(number, SIG_DFL);
+  }
+}
+
+size_t terminalWidth() {
+  constexpr size_t usual = 80;
+  winsize size{};
+  const bool known = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : usual;
+}
+
+}  // namespace
+
+ConsoleJob::ConsoleJob(std::ostream& err) : err_(err), terminal_(::isatty(STDERR_FILENO) == 1) {
+  catchInterrupts();
+}
+
+ConsoleJob::~ConsoleJob() {
+  leaveInterrupts();
+  if (shown_) err_ << "\r\033[K" << std::flush;
+}
+
+void ConsoleJob::show(std::string_view text, int step, int steps) {
+  const auto now = std::chrono::steady_clock::now();
+  if (!terminal_ || steps < 1 || now < next_) return;
+  next_ = now + pause;
+  shown_ = true;
+  const double done = std::clamp((step - 1.0) / steps, 0.0, 1.0);
+  const auto filled = static_cast<size_t>(done * barWidth);
+  std::u32string line =
+      decodeUtf8("[" + std::string(filled, '#') + std::string(barWidth - filled, '.') + "] " +
+                 std::to_string(static_cast<int>(done * 100)) + " % ");
+  line += decodeUtf8(text);
+  line.resize(std::min(line.size(), terminalWidth() - 1));
+  err_ << '\r' << encodeUtf8(line) << "\033[K" << std::flush;
+}
+
+bool ConsoleJob::interrupted() const {
+  return wasInterrupted != 0;
+}
+
+}  // namespace lodex
