@@ -65,6 +65,7 @@ void frmExcelCalc::fillMethods() {
     lstCalc.add(name);
     cmbRoutines.add(name);
   }
+  if (E_Nro(cmbRoutines.text()) == 0 && lstCalc.count() > 0) cmbRoutines.setText(lstCalc.item(0));
 }
 
 bool frmExcelCalc::CalcExcel(std::string_view method) {

@@ -59,6 +59,7 @@ frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), 
     if (!path.empty()) txtInUse.appendText(name + path + "\r\n");
   }
   txtFolder.onChange([this] { showFolder(); });
+  Drive1.setCurrent(0);
   Drive1.onClick([this](int drive) { txtFolder.setText(Drive1.item(drive)); });
   Dir1.onActivate([this](int) { changeFolder(); });
   lstFiles.onChange([this] {

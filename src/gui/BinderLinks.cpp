@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QScrollBar>
@@ -18,14 +19,10 @@
 #include <QTabWidget>
 
 #include "gui/QtText.h"
-#if __has_include("gui/grid/WorksheetView.h")
+#include "gui/grid/GridTable.h"
 #include "gui/grid/WorksheetView.h"
-#define HAVE_GRID
-#endif
-#if __has_include("gui/widgets/PeriodicTable.h")
+#include "gui/widgets/Mnemonics.h"
 #include "gui/widgets/PeriodicTable.h"
-#define HAVE_ELEMENTS
-#endif
 
 namespace lodex {
 namespace {
@@ -109,7 +106,7 @@ Show connectCheck(CheckBox& box, const LinkParts& parts) {
     return [&box, button, translated] {
       const QSignalBlocker quiet(button);
       button->setChecked(box.checked());
-      if (!box.caption().empty()) button->setText(translated(box.caption()));
+      if (!box.caption().empty()) showText(*button, translated(box.caption()));
     };
   }
   if (auto* action = qobject_cast<QAction*>(&parts.object)) {
@@ -161,7 +158,7 @@ Show connectRadioButtons(OptionButtons& options, QWidget& group, const LinkParts
     const auto& captions = options.captions();
     for (int i = 0; i < buttons.size() && i < static_cast<int>(captions.size()); ++i) {
       const std::string& caption = captions[static_cast<size_t>(i)];
-      if (!caption.empty()) buttons[i]->setText(translated(caption));
+      if (!caption.empty()) showText(*buttons[i], translated(caption));
     }
     if (options.selected() < buttons.size()) {
       QRadioButton* chosen = buttons[options.selected()];
@@ -205,14 +202,19 @@ bool takesSeveral(const QListWidget& view) {
 
 void showList(const ListBox& list, QListWidget& view) {
   const QSignalBlocker quiet(&view);
+  if (list.multiple()) view.setSelectionMode(QAbstractItemView::ExtendedSelection);
   const bool boxes = view.property("checkBoxes").toBool();
+  const bool selectionBoxes = view.property("selectionBoxes").toBool();
   while (view.count() > list.count()) delete view.takeItem(view.count() - 1);
   for (int i = 0; i < list.count(); ++i) {
     const QString text = toQt(list.item(i));
     if (i == view.count()) view.addItem(text);
     QListWidgetItem* item = view.item(i);
     if (item->text() != text) item->setText(text);
-    if (boxes) item->setCheckState(list.checked(i) ? Qt::Checked : Qt::Unchecked);
+    if (boxes || selectionBoxes) {
+      const bool on = boxes ? list.checked(i) : list.selected(i);
+      item->setCheckState(on ? Qt::Checked : Qt::Unchecked);
+    }
   }
   const bool several = takesSeveral(view);
   if (view.currentRow() != list.current()) {
@@ -242,7 +244,13 @@ Show connectListWidget(ListBox& list, QListWidget& view, const LinkParts& parts)
   QObject::connect(&view, &QListWidget::itemChanged, context,
                    [&list, &view, exists](QListWidgetItem* item) {
                      const int row = view.row(item);
-                     if (exists(row)) list.setChecked(row, item->checkState() == Qt::Checked);
+                     if (!exists(row)) return;
+                     const bool on = item->checkState() == Qt::Checked;
+                     if (view.property("selectionBoxes").toBool()) {
+                       list.setSelected(row, on);
+                     } else {
+                       list.setChecked(row, on);
+                     }
                    });
   QObject::connect(&view, &QListWidget::itemClicked, context,
                    [&list, &view, exists](QListWidgetItem* item) {
@@ -285,12 +293,13 @@ Show connectList(ListBox& list, const LinkParts& parts) {
   if (auto* combo = qobject_cast<QComboBox*>(&parts.object)) {
     return connectListCombo(list, *combo, parts);
   }
-#ifdef HAVE_ELEMENTS
   if (auto* elements = qobject_cast<PeriodicTable*>(&parts.object)) {
     elements->bind(list);
-    return [elements] { elements->update(); };
+    // The list belongs to the form, which may end before its window is gone.
+    QObject::connect(&parts.context, &QObject::destroyed, elements,
+                     [elements] { elements->clear(); });
+    return [elements] { elements->refresh(); };
   }
-#endif
   return {};
 }
 
@@ -310,7 +319,7 @@ Show connectCombo(ComboBox& box, const LinkParts& parts) {
     combo->setCurrentIndex(box.current());
     if (combo->isEditable()) {
       if (combo->currentText() != toQt(box.text())) combo->setEditText(toQt(box.text()));
-    } else if (combo->currentText() != toQt(box.text())) {
+    } else if (!box.text().empty() && combo->currentText() != toQt(box.text())) {
       combo->setCurrentIndex(combo->findText(toQt(box.text())));
     }
   };
@@ -342,10 +351,17 @@ Show connectButton(Button& button, const LinkParts& parts) {
     };
   }
   if (auto* widget = qobject_cast<QAbstractButton*>(&parts.object)) {
-    QObject::connect(widget, &QAbstractButton::clicked, &parts.context,
-                     [&button] { button.click(); });
-    return [&button, widget, translated] {
-      if (!button.caption().empty()) widget->setText(translated(button.caption()));
+    const auto* item = dynamic_cast<const MenuItem*>(&button);
+    const auto showMark = [item, widget] {
+      if (item && widget->isCheckable()) widget->setChecked(item->checked());
+    };
+    QObject::connect(widget, &QAbstractButton::clicked, &parts.context, [&button, showMark] {
+      showMark();  // the form decides whether the mark changes
+      button.click();
+    });
+    return [&button, widget, translated, showMark] {
+      showMark();
+      if (!button.caption().empty()) showText(*widget, translated(button.caption()));
     };
   }
   return {};
@@ -362,23 +378,39 @@ Show connectProgress(ProgressBar& bar, const LinkParts& parts) {
   };
 }
 
-#ifdef HAVE_GRID
+// Commands of the form can be taken back like what was typed.
+void connectHistory(Grid& grid, WorksheetView& view) {
+  if (const auto& side = grid.sideState(); side.save) {
+    view.history().setExtraState(side.save, side.restore);
+  }
+  if (grid.structureCommand()) view.editor().setStructureCommands(grid.structureCommand());
+  grid.setRecorder([shown = QPointer<WorksheetView>(&view)](std::string_view name,
+                                                            const std::function<void()>& command) {
+    if (!shown) return command();
+    shown->finishEditing();
+    shown->editor().record(name, command);
+  });
+}
+
 Show connectGrid(Grid& grid, const LinkParts& parts) {
   auto* view = qobject_cast<WorksheetView*>(&parts.object);
   if (!view) return {};
   view->setSheet(grid.sheet());
+  connectHistory(grid, *view);
   QObject::connect(view, &WorksheetView::cellClicked, &parts.context,
                    [&grid](int row, int column) { grid.click(row, column); });
   QObject::connect(view, &WorksheetView::edited, &parts.context, [&grid] { grid.edited(); });
   // The worksheet belongs to the form, which may end before its window is gone.
   QObject::connect(&parts.context, &QObject::destroyed, view, [view] { view->clear(); });
-  return [view] { view->refresh(); };
+  return [&grid, view] {
+    view->refresh();
+    if (grid.picking()) {
+      view->table().viewport()->setCursor(Qt::CrossCursor);
+    } else {
+      view->table().viewport()->unsetCursor();
+    }
+  };
 }
-#else
-Show connectGrid(Grid&, const LinkParts&) {
-  return {};
-}
-#endif
 
 }  // namespace
 

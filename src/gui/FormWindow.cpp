@@ -9,6 +9,7 @@
 #include "gui/FormLoader.h"
 #include "gui/QtText.h"
 #include "gui/WindowPlaces.h"
+#include "gui/widgets/Mnemonics.h"
 
 namespace lodex {
 
@@ -17,6 +18,7 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
   QWidget* content = loadFormFile(toQt(form.name()), this);
+  content->setWindowFlags(Qt::Widget);  // a window with menus would stand for itself
   setWindowIcon(QApplication::windowIcon());
   setWindowTitle(content->windowTitle());
   auto* layout = new QVBoxLayout(this);
@@ -24,6 +26,7 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   layout->addWidget(content);
   resize(content->size());
   binding_ = bindForm(form, *this);
+  addMnemonics(*this);
   follow();
   const QPointer<FormWindow> self(this);
   form.onChange([self] {
