@@ -13,7 +13,7 @@ namespace lodex {
 
 namespace {
 
-bool sameTable(std::string_view a, std::string_view b) {
+bool sameName(std::string_view a, std::string_view b) {
   return equalsNoCase(plainName(a), plainName(b));
 }
 
@@ -92,9 +92,18 @@ int DatabaseMap::fieldColumn(int row, std::string_view field) const {
 
 std::string DatabaseMap::PrimaryKeyField(std::string_view table) const {
   for (int row = 1; row <= F1Indx.LastRow(); ++row) {
-    if (sameTable(F1Indx.TextRC(row, 1), table)) return F1Indx.TextRC(row, 2);
+    if (sameName(F1Indx.TextRC(row, 1), table)) return F1Indx.TextRC(row, 2);
   }
   return {};
+}
+
+bool DatabaseMap::isKeyField(std::string_view table, std::string_view field) const {
+  for (int row = 1; row <= F1Indx.LastRow(); ++row) {
+    if (sameName(F1Indx.TextRC(row, 1), table) && sameName(F1Indx.TextRC(row, 2), field)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 void DatabaseMap::MakeLinks() {

@@ -58,6 +58,8 @@ class DatabaseMap {
 
   /// The first field of a table's primary key; "" if there is none.
   std::string PrimaryKeyField(std::string_view table) const;
+  /// Whether a field belongs to a table's primary key.
+  bool isKeyField(std::string_view table, std::string_view field) const;
 
   /// Derives F1Linkki: every key column is linked to itself, and fields of the same name link their
   /// tables. At most `maxLinks` rows; JoinPath then compares the fields themselves.

@@ -15,6 +15,8 @@ namespace lodex {
 
 namespace {
 
+constexpr std::string_view kFilterMark = "f_";
+
 void showStatus(Session& session, std::string_view text) {
   session.progress.txtInfo.setCaption(text);
   session.pumpEvents();
@@ -56,13 +58,37 @@ ColumnsByTable columnsOf(Connection& connection) {
   return columns;
 }
 
+std::unique_ptr<Recordset> openWithoutRecords(Connection& connection, const std::string& table) {
+  return connection.OpenRecordset("SELECT * FROM " + quoteName(table) + " WHERE 1 = 0",
+                                  CursorKind::ForwardOnly);
+}
+
+// The columns of all tables at once; without such a schema each table is opened, and one that
+// cannot be is left without fields.
+ColumnsByTable fieldsOf(Connection& connection, const std::vector<NamedTable>& tables) {
+  try {
+    return columnsOf(connection);
+  } catch (const Error& failure) {
+    if (failure.number() != dberror::NotSupported) throw;
+  }
+  ColumnsByTable columns;
+  for (const NamedTable& table : tables) {
+    if (table.type != "TABLE") continue;
+    try {
+      columns[table.name] = TableFields(connection, table.name);
+    } catch (const Error&) {
+    }
+  }
+  return columns;
+}
+
 bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
   DatabaseMap& map = database.map;
   const std::vector<NamedTable> tables = tablesOf(database.connection);
   const int count = static_cast<int>(tables.size());
   session.progress.bar.setMaximum(role == MapRole::Source ? count : 2 * count + 1);
   showStatus(session, "Mapping Tables and Views (ADO) ...");
-  const ColumnsByTable columns = columnsOf(database.connection);
+  const ColumnsByTable columns = fieldsOf(database.connection, tables);
   const std::string text = "Mapping " + database.path + " tables and fields...";
   int number = 0;
   int row = 0;
@@ -74,8 +100,8 @@ bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
         int column = 1;
         for (const std::string& field : found->second) map.F1Key2.TextRC(row, ++column, field);
       }
-    } else if (table.type == "VIEW" && table.name.starts_with("f_")) {
-      map.FilterList.push_back(table.name.substr(2));
+    } else if (table.type == "VIEW" && table.name.starts_with(kFilterMark)) {
+      map.FilterList.push_back(table.name.substr(kFilterMark.size()));
     }
     ++number;
     session.progress.ShowProgress(text, role == MapRole::Source ? number : 2 * number + 1);
@@ -143,6 +169,44 @@ MapResult connectAndMap(Session& session, MappedDatabase& database, const MapReq
   return MapResult::Mapped;
 }
 
+// The table and field behind the first field that belongs to a primary key; without such a field
+// the table behind the first field. False where the database does not tell what stands behind
+// fields.
+bool baseOfFields(const DatabaseMap& map, const std::vector<Field>& fields, std::string& table,
+                  std::string& key) {
+  bool isKnown = false;
+  for (const Field& field : fields) {
+    if (map.tableRow(field.table) == 0) continue;
+    if (!isKnown) table = field.table;
+    isKnown = true;
+    if (!map.isKeyField(field.table, field.column)) continue;
+    table = field.table;
+    key = field.column;
+    return true;
+  }
+  return isKnown;
+}
+
+// Of the tables whose key field is shown, the one that most fields are shown of.
+void baseByNames(const DatabaseMap& map, const std::vector<Field>& fields, std::string& table,
+                 std::string& keyField) {
+  const auto shows = [&](const std::string& name) {
+    return std::any_of(fields.begin(), fields.end(),
+                       [&](const Field& field) { return equalsNoCase(field.name, name); });
+  };
+  std::ptrdiff_t most = 0;
+  for (int row = 1; row <= map.tableCount(); ++row) {
+    const std::string key = map.PrimaryKeyField(map.table(row));
+    if (key.empty() || !shows(key)) continue;
+    const auto names = map.fields(row);
+    const auto common = std::count_if(names.begin(), names.end(), shows);
+    if (common <= most) continue;
+    most = common;
+    table = map.table(row);
+    keyField = key;
+  }
+}
+
 }  // namespace
 
 std::string mapFilePath(std::string_view databasePath) {
@@ -198,31 +262,41 @@ MapResult OpenSampleDatabase(Session& session, MappedDatabase& database,
   return result;
 }
 
+std::vector<std::string> TableFields(Connection& connection, std::string_view table) {
+  std::vector<std::string> names;
+  const auto records = openWithoutRecords(connection, plainName(table));
+  for (const Field& field : records->Fields()) names.push_back(field.name);
+  return names;
+}
+
 void ViewBaseTable(MappedDatabase& database, std::string_view view, std::string& baseTable,
                    std::string& keyField) {
   std::string name(view);
   for (const char* mark : {"[", "]", ",", ";"}) name = replaceAll(name, mark, "");
   baseTable = name;
-  keyField = database.map.PrimaryKeyField(name);
-  if (database.map.tableRow(name) > 0) return;
-  const ColumnsByTable columns = columnsOf(database.connection);
-  const auto shown = columns.find(name);
-  if (shown == columns.end()) return;
-  const auto shows = [&](const std::string& field) {
-    return std::any_of(shown->second.begin(), shown->second.end(),
-                       [&](const std::string& other) { return equalsNoCase(other, field); });
-  };
-  std::ptrdiff_t most = 0;
-  for (int row = 1; row <= database.map.tableCount(); ++row) {
-    const std::string key = database.map.PrimaryKeyField(database.map.table(row));
-    if (key.empty() || !shows(key)) continue;
-    const auto fields = database.map.fields(row);
-    const auto common = std::count_if(fields.begin(), fields.end(), shows);
-    if (common <= most) continue;
-    most = common;
-    baseTable = database.map.table(row);
-    keyField = key;
+  keyField.clear();
+  if (database.map.tableRow(name) == 0) {
+    try {
+      const auto records = openWithoutRecords(database.connection, name);
+      if (!baseOfFields(database.map, records->Fields(), baseTable, keyField)) {
+        baseByNames(database.map, records->Fields(), baseTable, keyField);
+      }
+    } catch (const Error&) {
+      // A view that cannot be opened has no table behind it.
+    }
   }
+  if (keyField.empty()) keyField = database.map.PrimaryKeyField(baseTable);
+}
+
+std::vector<TableLink> JoinPath(MappedDatabase& database, std::string_view first,
+                                std::string_view second, bool overThird) {
+  const auto tableOf = [&](std::string_view name) {
+    std::string table = plainName(name);
+    std::string key;
+    if (table.starts_with(kFilterMark)) ViewBaseTable(database, table, table, key);
+    return table;
+  };
+  return database.map.JoinPath(tableOf(first), tableOf(second), overThird);
 }
 
 }  // namespace lodex

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "db/Connection.h"
 #include "db/DatabaseMap.h"
@@ -45,10 +46,20 @@ bool mapTables(Session& session, MappedDatabase& database, bool doLinks, MapRole
 /// abort is silent. Both leave no open database.
 MapResult OpenSampleDatabase(Session& session, MappedDatabase& database, const MapRequest& request);
 
-/// The table behind a view and its key field: of the tables whose key field the view shows, the one
-/// that it shows most fields of. The name may carry square brackets, "," and ";"; a table's name
-/// gives itself and its primary key, and so does a view without any key field.
+/// The fields of a table or view, in brackets or not, by opening it. Throws Error when it cannot be
+/// opened.
+std::vector<std::string> TableFields(Connection& connection, std::string_view table);
+
+/// The table behind a view and its key field: those of the first field of the view that belongs to
+/// a primary key. Where a server does not tell what stands behind a field, of the tables whose key
+/// field the view shows, the one that it shows most fields of. The name may carry square brackets,
+/// "," and ";"; a table's name gives itself and its primary key.
 void ViewBaseTable(MappedDatabase& database, std::string_view view, std::string& baseTable,
                    std::string& keyField);
+
+/// DatabaseMap::JoinPath for names of which those beginning with "f_" are filters, which stand for
+/// the table behind them.
+std::vector<TableLink> JoinPath(MappedDatabase& database, std::string_view first,
+                                std::string_view second, bool overThird = false);
 
 }  // namespace lodex

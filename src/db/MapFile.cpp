@@ -24,11 +24,11 @@ std::array<const Worksheet*, kSheets> sheetsOf(const DatabaseMap& map) {
   return {&map.F1Key2, &map.F1Indx, &map.F1Avain, &map.F1Linkki};
 }
 
-void copyTexts(const Worksheet& from, int fromSheet, Worksheet& to, int toSheet) {
+void copyCells(const Worksheet& from, int fromSheet, Worksheet& to, int toSheet) {
   for (int row = 1; row <= from.LastRow(fromSheet); ++row) {
     for (int column = 1; column <= from.LastCol(fromSheet); ++column) {
-      const std::string text = from.TextSRC(fromSheet, row, column);
-      if (!text.empty()) to.TextSRC(toSheet, row, column, text);
+      const Value value = from.ValueSRC(fromSheet, row, column);
+      if (!value.isEmpty()) to.ValueSRC(toSheet, row, column, value);
     }
   }
 }
@@ -45,7 +45,7 @@ void readMapFile(std::string_view path, DatabaseMap& map) {
   for (int i = 0; i < kSheets; ++i) {
     Worksheet& target = *sheets[static_cast<size_t>(i)];
     target = Worksheet();
-    copyTexts(F1Key, i + 1, target, 1);
+    copyCells(F1Key, i + 1, target, 1);
   }
 }
 
@@ -57,7 +57,7 @@ void writeMapFile(std::string_view path, const DatabaseMap& map) {
   for (int i = 0; i < kSheets; ++i) {
     const Worksheet& source = *sheets[static_cast<size_t>(i)];
     F1Key.SheetName(i + 1, kNames[static_cast<size_t>(i)]);
-    copyTexts(source, 1, F1Key, i + 1);
+    copyCells(source, 1, F1Key, i + 1);
     fits = fits && source.LastRow() <= kWorkbookRows && source.LastCol() <= kWorkbookColumns;
   }
   F1Key.Write(path, fits ? FileType::Excel : FileType::Native);

@@ -92,6 +92,34 @@ TEST_F(MapTest, AnswersQuestions) {
   std::string key;
   ViewBaseTable(database, "[f_Rock];", table, key);
   EXPECT_EQ(table + "|" + key, "Assays|SampleNo");
+  EXPECT_THAT(TableFields(database.connection, "[f_Rock]"), ElementsAre("SampleNo", "Fe_XRF"));
+}
+
+TEST_F(MapTest, TheTableBehindAViewIsThatOfItsFirstKeyField) {
+  make(kRocks);
+  database.connection.Open(ConnectionString(database.path, "", ""));
+  for (const char* sql :
+       {"CREATE VIEW [f_Named] AS SELECT a.[Note] AS n, a.[Run No] AS r FROM [Assays] AS a",
+        "CREATE VIEW [f_Joined] AS SELECT b.[Note], h.[Hole] AS x FROM [Bare] b, [Holes] h",
+        "CREATE VIEW [f_Keyless] AS SELECT [Note] FROM [Assays]",
+        "CREATE VIEW [f_Counted] AS SELECT Count(*) AS n FROM [Assays]"}) {
+    database.connection.Execute(sql);
+  }
+  map();
+  const struct {
+    std::string view, expected;
+  } rows[] = {
+      {"f_Named", "Assays|Run No"}, {"[f_Joined]", "Holes|Hole"}, {"f_Keyless", "Assays|SampleNo"},
+      {"f_Counted", "f_Counted|"},  {"nowhere", "nowhere|"},      {"[Holes]", "Holes|Hole"},
+  };
+  for (const auto& row : rows) {
+    std::string table;
+    std::string key;
+    ViewBaseTable(database, row.view, table, key);
+    EXPECT_EQ(table + "|" + key, row.expected) << row.view;
+  }
+  EXPECT_THAT(JoinPath(database, "f_Joined", "[f_Rock]"),
+              ElementsAre(TableLink{"Holes", "Assays", "Run No", "Run No"}));
 }
 
 TEST_F(MapTest, FindsTheWayBetweenTables) {

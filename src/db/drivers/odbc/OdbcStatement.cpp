@@ -66,7 +66,19 @@ void OdbcStatement::check(SQLRETURN code, std::string_view shown) {
   if (SQL_SUCCEEDED(code) || code == SQL_NO_DATA) return;
   std::string text = "Server " + link_->service + ": " + odbcReason(SQL_HANDLE_STMT, handle_);
   if (!shown.empty()) text += " in: " + std::string(shown.substr(0, 500));
-  throw Error(text, dberror::BadStatement);
+  throw Error(text, isUnsupported() ? dberror::NotSupported : dberror::BadStatement);
+}
+
+// "Driver does not support this function" and "optional feature not implemented".
+bool OdbcStatement::isUnsupported() const {
+  std::array<SQLWCHAR, 6> state{};
+  SQLINTEGER native = 0;
+  if (!SQL_SUCCEEDED(SQLGetDiagRecW(SQL_HANDLE_STMT, handle_, 1, state.data(), &native, nullptr, 0,
+                                    nullptr))) {
+    return false;
+  }
+  const std::u16string code(reinterpret_cast<const char16_t*>(state.data()), 5);
+  return code == u"IM001" || code == u"HYC00";
 }
 
 void OdbcStatement::execute(std::string_view sql, const Row& parameters, std::string_view shown) {

@@ -60,6 +60,7 @@ class OdbcStatement {
 
  private:
   void check(SQLRETURN code, std::string_view shown = {});
+  bool isUnsupported() const;
   void bind(const Row& parameters);
   std::u16string wideText(int column, bool& isNull);
   std::string bytes(int column, bool& isNull);
