@@ -2,6 +2,7 @@
 
 #include "basic/Text.h"
 #include "db/Recordset.h"
+#include "db/frmAddField.h"
 
 namespace lodex {
 
@@ -15,6 +16,12 @@ void showFields(const DatabaseMap& map, const ListBox& tables, ListBox& fields) 
   const int row = map.tableRow(currentText(tables));
   if (row == 0) return;
   for (const std::string& field : map.fields(row)) fields.add(field);
+}
+
+void takeField(DatabaseMap& map, std::string_view table, const frmAddField& added) {
+  const std::string field = replaceAll(replaceAll(added.txtFName.text(), "[", ""), "]", "");
+  map.addField(map.tableRow(table), field);
+  if (added.chkPrimary.checked()) map.addKey(table, field);
 }
 
 std::string currentText(const ListBox& list) {

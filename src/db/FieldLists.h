@@ -9,9 +9,14 @@
 
 namespace lodex {
 
+class frmAddField;
+
 /// Shows the tables of a map, and the fields of the table that is current in a list of tables.
 void showTables(const DatabaseMap& map, ListBox& tables);
 void showFields(const DatabaseMap& map, const ListBox& tables, ListBox& fields);
+
+/// Takes a field that was added to a table into the map.
+void takeField(DatabaseMap& map, std::string_view table, const frmAddField& added);
 
 /// The text of the current item; "" for none.
 std::string currentText(const ListBox& list);

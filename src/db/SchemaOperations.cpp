@@ -33,13 +33,13 @@ bool isDigit(char c) {
 struct Command {
   std::string shown;
   std::string run;
+  std::string type = {};  // of a field; it comes from outside
 };
 
 Command addColumn(std::string_view table, std::string_view field, const std::string& type) {
-  requireFieldType(type);
   const std::string sql =
       "ALTER TABLE " + quoteName(table) + " ADD COLUMN " + quoteName(field) + " " + type;
-  return {sql, sql};
+  return {sql, sql, type};
 }
 
 Command createIndex(std::string_view table, const std::string& field, bool unique, bool primary) {
@@ -65,8 +65,12 @@ class Commands {
   Commands(Session& session, Connection& connection, bool log)
       : session_(session), connection_(connection), log_(log) {}
 
-  void run(const Command& command) {
+  void check(const Command& command) {
     last_ = command.shown;
+    if (!command.type.empty()) requireFieldType(command.type);
+  }
+  void run(const Command& command) {
+    check(command);
     connection_.Execute(command.run);
     if (log_) session_.log.LisaaLog("  -EXECUTED: " + command.shown, LogKind::Log);
   }
@@ -86,6 +90,7 @@ int makeTable(Commands& commands, DatabaseMap& map, const TableKey& key, const s
   stripTypeMarkers(type);
   if (type.empty()) type = "TEXT (50)";
   const Command column = addColumn(table, key.KeyFieldName, type);
+  commands.check(column);
   commands.run(createTable(table));
   const int row = map.addTable(table);
   commands.run(column);
@@ -138,6 +143,7 @@ bool AddField(Session& session, Connection& connection, const NewField& request,
   Commands commands(session, connection, log);
   try {
     const Command column = addColumn(table, field, sqlTypeOf(request.type));
+    commands.check(column);
     if (ask) {
       const std::string question = "You are creating field [" + field + "] in table [" + table +
                                    "] using command \n" + column.shown + "\nAre you sure?";

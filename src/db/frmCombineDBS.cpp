@@ -125,7 +125,7 @@ void frmCombineDBS::addField() {
   frmAddField dialog(session_, chosen_.connection, table);
   session_.dialogs().showModal(dialog);
   if (!dialog.added()) return;
-  chosen_.map.addField(chosen_.map.tableRow(table), dialog.txtFName.text());
+  takeField(chosen_.map, table, dialog);
   showFields(chosen_.map, lstTables, lstFld);
 }
 

@@ -73,13 +73,17 @@ bool frmDB::AvaaDB(const std::string& path, const MapRequest& request) {
     session_.progress.ShowProgress("", 0);
     return false;
   }
+  session_.progress.bar.setMaximum(kOpeningSteps);
+  session_.progress.ShowProgress("Opening database...", 2);
   txtDB.setText(source_.path);
   showTables(source_.map, lstTables);
   lstFields.clear();
   txtParam.setText("");
   fillFilters();
+  session_.progress.ShowProgress("Opening database...", 3);
   SourceDbInUse = true;
   pairElements();
+  session_.progress.ShowProgress("Opening database...", kOpeningSteps);
   session_.progress.ShowProgress("", 0);
   return true;
 }

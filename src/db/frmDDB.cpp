@@ -116,7 +116,7 @@ void frmDDB::createField() {
   frmAddField dialog(session_, destination_.connection, table);
   session_.dialogs().showModal(dialog);
   if (!dialog.added()) return;
-  destination_.map.addField(destination_.map.tableRow(table), dialog.txtFName.text());
+  takeField(destination_.map, table, dialog);
   showFields(destination_.map, lstDTables, lstDFields);
 }
 
