@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/Commands.h"
-#include "db/OpenDatabase.h"
+#include "db/Connection.h"
 #include "session/Session.h"
 
 namespace lodex {
@@ -18,8 +18,6 @@ class CliSession {
   }
   Session& session() { return session_; }
 
-  /// Opens a database and prints what is to be told of that to standard error.
-  void open(Connection& connection, std::string_view path);
   /// Prints a pane of the log to standard error, each line behind `prefix`.
   void printLines(const TextBox& pane, std::string_view prefix = "lodex: ") const;
 
@@ -30,5 +28,9 @@ class CliSession {
   MemoryClipboard clipboard_;
   Session session_;
 };
+
+/// Opens a database without a session, unless it is a server that needs the session's ini files,
+/// and prints what is to be told of the opening to standard error.
+void openPlainly(CommandContext& context, Connection& connection, std::string_view path);
 
 }  // namespace lodex

@@ -21,9 +21,8 @@ void addExportCommand(CLI::App& app, CommandContext& context) {
                    "a folder for texts with schema.ini and a script, or a workbook (.xlsx)")
       ->required();
   command->callback([options, &context] {
-    CliSession console(context);
     Connection connection;
-    console.open(connection, options->database);
+    openPlainly(context, connection, options->database);
     for (const auto& remark : exportDatabase(connection, options->out)) {
       context.err << "lodex: " << remark << '\n';
     }

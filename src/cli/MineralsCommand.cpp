@@ -63,8 +63,7 @@ void listMinerals(const MineralsRequest& request, CommandContext& context) {
   std::vector<std::string> symbols;
   for (const auto& element : request.elements) symbols.push_back(elementSymbol(element));
   Connection connection;
-  connection.Open(ConnectionString(databaseOf(request, context), "", ""));
-  for (const auto& warning : connection.Warnings()) context.err << "lodex: " << warning << '\n';
+  openPlainly(context, connection, databaseOf(request, context));
   const auto records = connection.OpenRecordset(
       "SELECT [MineralID], [MinSymbol], [Mineral], [Formula], [Density] FROM [<MineralChemistry] "
       "ORDER BY [MineralID]");

@@ -104,9 +104,8 @@ void printJson(Recordset& records, std::ostream& out) {
 }
 
 void runStatement(const SqlRequest& request, CommandContext& context) {
-  CliSession console(context);
   Connection connection;
-  console.open(connection, request.database);
+  openPlainly(context, connection, request.database);
   std::ostream& out = context.out;
   const auto records = connection.OpenRecordset(request.statement, CursorKind::ForwardOnly);
   if (records->Fields().empty()) return;
