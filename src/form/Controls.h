@@ -191,6 +191,9 @@ class ProgressBar : public Control {
   int maximum_ = 100;
 };
 
+/// Commands that insert or delete the rows or columns of a selection.
+enum class StructureCommand { InsertRows, DeleteRows, InsertColumns, DeleteColumns };
+
 /// A worksheet on show. The form owns the worksheet; after changing it the form calls `refresh`.
 class Grid : public Control {
  public:
@@ -216,6 +219,26 @@ class Grid : public Control {
     revision_ = ++lastRevision_;
     if (edit_) edit_();
   }
+  /// Runs a command of the form that changes cells; a view with undo makes one step of it.
+  void record(std::string_view name, const std::function<void()>& command) {
+    if (recorder_) return recorder_(name, command);
+    command();
+  }
+  using Recorder = std::function<void(std::string_view name, const std::function<void()>& command)>;
+  void setRecorder(Recorder recorder) { recorder_ = std::move(recorder); }
+  /// What belongs to the cells but stands beside them, for undo: as a text, and back.
+  struct SideState {
+    std::function<std::string()> save{};
+    std::function<void(const std::string&)> restore{};
+  };
+  void setSideState(SideState state) { sideState_ = std::move(state); }
+  const SideState& sideState() const { return sideState_; }
+  /// The form's own way to insert and delete the rows or columns of the selection.
+  void onStructure(std::function<void(StructureCommand)> command) {
+    structure_ = std::move(command);
+  }
+  const std::function<void(StructureCommand)>& structureCommand() const { return structure_; }
+
   /// Another number after every change of the cells; no two grids ever have the same but 0.
   std::uint64_t revision() const { return revision_; }
 
@@ -226,6 +249,9 @@ class Grid : public Control {
   inline static std::uint64_t lastRevision_ = 0;
   std::function<void(int, int)> click_;
   std::function<void()> edit_;
+  Recorder recorder_;
+  SideState sideState_;
+  std::function<void(StructureCommand)> structure_;
 };
 
 }  // namespace lodex

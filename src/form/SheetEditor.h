@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "form/Controls.h"
 #include "form/EditHistory.h"
 #include "form/SheetEditorBlock.h"
 #include "worksheet/Clipboard.h"
@@ -16,9 +17,6 @@ namespace lodex {
 
 /// What an edit does, as the permissions of a grid know it.
 enum class EditRight { Enter, Formulas, Delete, Move, Fill, Headings, Format };
-
-/// Commands that move whole rows or columns of the selection.
-enum class StructureCommand { InsertRows, DeleteRows, InsertColumns, DeleteColumns };
 
 enum class PasteKind { All, Values };
 

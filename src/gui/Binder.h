@@ -29,8 +29,10 @@ namespace lodex {
 /// caption is shown, translated, where it has one; else the window's own text stays. The caption of
 /// a text box or list goes to the QLabel named after it with "Caption" behind.
 ///
-/// Dynamic properties of widgets: "checkBoxes" gives a QListWidget a box per item, "commitOnFinish"
-/// lets a QLineEdit hand over its text at Enter or when left instead of with each key.
+/// Dynamic properties of widgets: "checkBoxes" gives a QListWidget a box per item for its check,
+/// "selectionBoxes" one for its selection mark, so that a click on the text leaves the mark alone;
+/// "commitOnFinish" lets a QLineEdit hand over its text at Enter or when left instead of with each
+/// key.
 class Binding : public QObject {
  public:
   /// The binding belongs to the root and ends with it, or with the form.

@@ -10,4 +10,7 @@ namespace lodex {
 /// is no such file or it is damaged.
 QWidget* loadFormFile(const QString& formName, QWidget* parent = nullptr);
 
+/// The same for a window of a class of its own: the file's outermost widget becomes `window`.
+void loadFormInto(QWidget& window, const QString& formName);
+
 }  // namespace lodex

@@ -1,8 +1,49 @@
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QTimer>
+
 #include "gui/Application.h"
+#include "gui/QtServices.h"
+#include "gui/QtText.h"
 #include "gui/Resources.h"
+#include "gui/shell/Appearance.h"
+#include "gui/shell/MainWindow.h"
+#include "gui/shell/SingleInstance.h"
 
 int main(int argc, char** argv) {
-  lodex::loadResources();
-  lodex::Application application(argc, argv);
-  return 0;
+  using namespace lodex;
+  loadResources();
+  Application application(argc, argv);
+  application.setLanguage(chosenLanguage());
+  applyAppearance();
+  QCommandLineParser arguments;
+  arguments.setApplicationDescription(
+      QStringLiteral("Lodex Geo: from chemical assays to mineralogy"));
+  arguments.addHelpOption();
+  arguments.addVersionOption();
+  arguments.addPositionalArgument(QStringLiteral("files"), QStringLiteral("analysis files to open"),
+                                  QStringLiteral("[files...]"));
+  arguments.process(application);
+
+  std::vector<std::string> files;
+  bool taken = !arguments.positionalArguments().isEmpty();
+  for (const QString& file : arguments.positionalArguments()) {
+    const QString path = QFileInfo(file).absoluteFilePath();
+    taken = taken && SingleInstance::send(QStringLiteral("file;") + path);
+    files.push_back(fromQt(path));
+  }
+  if (taken) return 0;  // by the program that runs already
+
+  SingleInstance instance;
+  QtDialogs dialogs;
+  QtEventPump events;
+  QtClipboardText clipboard;
+  Session session(Services{dialogs, events, clipboard});
+  MainWindow window(session, QApplication::applicationDirPath(), &instance);
+  dialogs.setParent(&window);
+  if (!window.start()) return 0;
+  if (!files.empty()) {
+    QTimer::singleShot(0, &window, [&] { window.shell().dropFiles(files); });
+  }
+  return QApplication::exec();
 }

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "basic/Error.h"
+#include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "form/WorksheetDialogs.h"
 #include "import/SheetPaint.h"
@@ -61,6 +62,47 @@ DataSheetForm::DataSheetForm(ImportContext& context, std::string_view name,
   cmdTranspose.setVisible(false);
   connectPanel();
   connectControls();
+  connectHistory();
+}
+
+// An undo brings back the numbers of the structure and the cross-reference together with the cells.
+void DataSheetForm::connectHistory() {
+  const auto save = [this] {
+    std::string numbers;
+    const SheetStructure now = structure();
+    for (const int row : now.rows) numbers += std::to_string(row) + ' ';
+    for (const int number : {now.firstDataRow, now.idColumn, now.mineralColumn}) {
+      numbers += std::to_string(number) + ' ';
+    }
+    return numbers + '\n' + F1Ref.WriteToBlob();
+  };
+  const auto restore = [this](const std::string& state) {
+    const size_t end = state.find('\n');
+    const std::vector<std::string> numbers = split(state.substr(0, end), " ");
+    SheetStructure before;
+    const auto number = [&](int i) {
+      return parseInteger(numbers.at(static_cast<size_t>(i))).value_or(0);
+    };
+    for (int i = 0; i < systemRowCount; ++i) before.row(i) = number(i);
+    before.firstDataRow = number(systemRowCount);
+    before.idColumn = number(systemRowCount + 1);
+    before.mineralColumn = number(systemRowCount + 2);
+    setStructure(before);
+    F1Ref.ReadFromBlob(state.substr(end + 1));
+  };
+  gridF1D.setSideState({save, restore});
+  gridF1D.onStructure([this](StructureCommand command) {
+    switch (command) {
+      case StructureCommand::InsertRows:
+        return InsertRow();
+      case StructureCommand::DeleteRows:
+        return DeleteRow();
+      case StructureCommand::InsertColumns:
+        return InsertCol();
+      case StructureCommand::DeleteColumns:
+        return DeleteCol();
+    }
+  });
 }
 
 void DataSheetForm::addNumberButtons(int pickMode, const std::string& number,
@@ -98,7 +140,12 @@ void DataSheetForm::connectControls() {
     gridF1D.refresh();
   });
 
-  const auto runAll = [this] { guarded([this] { AjaTunnista({}); }); };
+  const auto runAll = [this] {
+    guarded([this] {
+      AjaTunnista({});
+      bIdentified = true;
+    });
+  };
   cmdIdentify.onClick(runAll);
   mnuIdentify.onClick(runAll);
   cmdSplit.onClick([this] { guarded([this] { SplittaaOtsikko(true); }); });
@@ -108,8 +155,11 @@ void DataSheetForm::connectControls() {
   mnuCopy.onClick([this] { F1D.EditCopy(session().clipboard()); });
   mnuPaste.onClick([this] {
     guarded([this] {
-      const WideLimits wide(F1D);
-      F1D.EditPaste(session().clipboard());
+      gridF1D.record("Paste", [this] {
+        const WideLimits wide(F1D);
+        F1D.EditPaste(session().clipboard());
+      });
+      Changed = true;
       gridF1D.refresh();
     });
   });
@@ -128,8 +178,10 @@ void DataSheetForm::connectControls() {
   mnuUnfreeze.onClick([this] { Freeze(false); });
   for (int i = 0; i < static_cast<int>(mnuCopyRow_.size()); ++i) {
     mnuCopyRow(i).onClick([this, i] {
-      SheetStructure numbers = structure();
-      copySystemRow(described(numbers), i, F1D.Row());
+      gridF1D.record("Copy row content", [this, i] {
+        SheetStructure numbers = structure();
+        copySystemRow(described(numbers), i, F1D.Row());
+      });
       Changed = true;
       gridF1D.refresh();
     });
@@ -331,13 +383,15 @@ void DataSheetForm::AjaTunnista(const IdentifyRequest& request) {
     logLines(log);
     Varjaa(narrowed);
   };
-  try {
-    runAllSheets(request, numbers, log);
-  } catch (const Error&) {
+  gridF1D.record("Identify", [&] {
+    try {
+      runAllSheets(request, numbers, log);
+    } catch (const Error&) {
+      finish();
+      throw;
+    }
     finish();
-    throw;
-  }
-  finish();
+  });
   Changed = true;
   picLe.setVisible(true);
 }
@@ -353,7 +407,7 @@ void DataSheetForm::CheckIDCOL(int newColumn, int oldColumn) {
 void DataSheetForm::TutkiOtsikot() {
   LogLines log;
   const ThesaurusIndex thesaurus(context_.thesaurus.F1Lib);
-  edit([&](const DescribedSheet& sheet) {
+  edit("Examine headings", [&](const DescribedSheet& sheet) {
     examineHeadings(sheet, thesaurus, context_.converter, log);
   });
   logLines(log);
@@ -367,7 +421,7 @@ void DataSheetForm::SplittaaOtsikko(bool showDialog) {
     titleParts_ = dialog.parts();
   }
   if (titleParts_.strSep2.empty()) return;
-  edit([&](const DescribedSheet& sheet) { splitTitles(sheet, titleParts_); });
+  edit("Split titles", [&](const DescribedSheet& sheet) { splitTitles(sheet, titleParts_); });
 }
 
 // --- Painting and editing ---
@@ -389,15 +443,18 @@ void DataSheetForm::guarded(const std::function<void()>& command) {
   }
 }
 
-void DataSheetForm::edit(const std::function<void(const DescribedSheet&)>& change) {
-  {
-    const WideLimits wide(F1D);
-    SheetStructure numbers = structure();
-    change(described(numbers));
-    setStructure(numbers);
-  }
-  Changed = true;
-  Varjaa(false);
+void DataSheetForm::edit(std::string_view name,
+                         const std::function<void(const DescribedSheet&)>& change) {
+  gridF1D.record(name, [&] {
+    {
+      const WideLimits wide(F1D);
+      SheetStructure numbers = structure();
+      change(described(numbers));
+      setStructure(numbers);
+    }
+    Changed = true;
+    Varjaa(false);
+  });
 }
 
 DataSheetForm::Span DataSheetForm::selectedRows() const {
@@ -412,17 +469,19 @@ DataSheetForm::Span DataSheetForm::selectedColumns() const {
 
 void DataSheetForm::InsertRow() {
   const Span rows = selectedRows();
-  edit([rows](const DescribedSheet& sheet) { insertRows(sheet, rows.first, rows.count()); });
+  edit("Insert rows",
+       [rows](const DescribedSheet& sheet) { insertRows(sheet, rows.first, rows.count()); });
 }
 
 void DataSheetForm::DeleteRow() {
   const Span rows = selectedRows();
-  edit([rows](const DescribedSheet& sheet) { deleteRows(sheet, rows.first, rows.last); });
+  edit("Delete rows",
+       [rows](const DescribedSheet& sheet) { deleteRows(sheet, rows.first, rows.last); });
 }
 
 void DataSheetForm::InsertCol() {
   const Span columns = selectedColumns();
-  edit([&](const DescribedSheet& sheet) {
+  edit("Insert columns", [&](const DescribedSheet& sheet) {
     insertColumns(sheet, F1Ref, columns.first, columns.count());
     redrawMarks(sheet, F1Ref, context_.tables.F1Data);
   });
@@ -430,30 +489,34 @@ void DataSheetForm::InsertCol() {
 
 void DataSheetForm::DeleteCol() {
   const Span columns = selectedColumns();
-  edit([&](const DescribedSheet& sheet) {
+  edit("Delete columns", [&](const DescribedSheet& sheet) {
     deleteColumns(sheet, F1Ref, columns.first, columns.last);
     redrawMarks(sheet, F1Ref, context_.tables.F1Data);
   });
 }
 
 void DataSheetForm::Transpose() {
-  transpose(F1D);
-  SheetStructure numbers = structure();
-  for (int i = sysrow::Element; i < systemRowCount; ++i) numbers.row(i) = 0;
-  numbers.idColumn = 0;
-  setStructure(numbers);
+  gridF1D.record("Transpose", [this] {
+    transpose(F1D);
+    SheetStructure numbers = structure();
+    for (int i = sysrow::Element; i < systemRowCount; ++i) numbers.row(i) = 0;
+    numbers.idColumn = 0;
+    setStructure(numbers);
+  });
   Changed = true;
   gridF1D.refresh();
 }
 
 void DataSheetForm::NewSheet() {
   constexpr int clearedHeadings = 100;
-  for (int i = 1; i <= clearedHeadings; ++i) {
-    F1D.ColText(i, "");
-    F1D.RowText(i, "");
-  }
-  if (F1D.LastRow() > 0) F1D.ClearRange(1, 1, F1D.LastRow(), F1D.LastCol());
-  setStructure({});
+  gridF1D.record("New", [this] {
+    for (int i = 1; i <= clearedHeadings; ++i) {
+      F1D.ColText(i, "");
+      F1D.RowText(i, "");
+    }
+    if (F1D.LastRow() > 0) F1D.ClearRange(1, 1, F1D.LastRow(), F1D.LastCol());
+    setStructure({});
+  });
   gridF1D.refresh();
 }
 

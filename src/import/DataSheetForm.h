@@ -167,7 +167,7 @@ class DataSheetForm : public Form {
   /// Runs a command of the user; an Error ends in a message.
   void guarded(const std::function<void()>& command);
   /// Changes the table and its structure together, then repaints.
-  void edit(const std::function<void(const DescribedSheet&)>& change);
+  void edit(std::string_view name, const std::function<void(const DescribedSheet&)>& change);
 
   TitleParts titleParts_;
 
@@ -177,6 +177,7 @@ class DataSheetForm : public Form {
     int count() const { return last - first + 1; }
   };
   void connectControls();
+  void connectHistory();
   void connectPanel();
   void addNumberButtons(int pickMode, const std::string& number, std::string_view label);
   void runAllSheets(const IdentifyRequest& request, SheetStructure& numbers, LogLines& log);

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QTimer>
+#include <memory>
+
+#include "gui/FormWindow.h"
+#include "shell/MDIMain.h"
+
+class QLabel;
+class QMdiArea;
+class QMdiSubWindow;
+
+namespace lodex {
+
+class HelpWindow;
+class SheetWindow;
+class SingleInstance;
+
+/// The main window on the screen: menus, tool bar, the panel of the stages, the windows of the data
+/// sheets and the status line. What they do is MDIMain's.
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+ public:
+  /// `appFolder` is where the installation folder "Geo" stands. The session and the instance, which
+  /// may be null, must outlive the window.
+  MainWindow(Session& session, const QString& appFolder, SingleInstance* instance = nullptr);
+  ~MainWindow() override;
+
+  /// Reads the settings and shows the window; false when another process of the program took over.
+  bool start();
+  MDIMain& shell() { return *shell_; }
+  QMdiArea& area() { return *area_; }
+  /// The window that shows a data sheet or another form of its kind; null if it has none.
+  SheetWindow* windowOf(const Form& form) const;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  ShellServices services(const QString& appFolder);
+  void buildToolBar();
+  void buildStatusBar();
+  void buildPopUps();
+  void buildLooks();
+  void watch(Form& form);
+  void showSplash(Form& form);
+  void arrange(Arrangement arrangement);
+  void tile(Qt::Orientation orientation);
+  void bringToFront(Form& form);
+  void openEditor(const QString& path);
+  void showHelp(const QString& topic);
+  void popUp(const char* list, const QStringList& entries);
+  void listWindows();
+  void followProgress();
+  void followShell();
+
+  Session& session_;
+  SingleInstance* instance_;
+  QMdiArea* area_ = nullptr;
+  QLabel* selectionInfo_ = nullptr;
+  QTimer ready_;
+  QTimer autosave_;
+  FormViews views_;
+  std::unique_ptr<MDIMain> shell_;
+  QPointer<QWidget> help_;
+  bool quitting_ = false;
+};
+
+}  // namespace lodex

@@ -1,0 +1,59 @@
+#include "gui/shell/SheetWindow.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+
+#include "gui/FormLoader.h"
+#include "gui/QtText.h"
+#include "gui/grid/WorksheetView.h"
+
+namespace lodex {
+
+SheetWindow::SheetWindow(Form& form, QWidget* parent) : QMdiSubWindow(parent), form_(&form) {
+  QWidget* content = loadFormFile(toQt(form.name()));
+  content->setWindowFlags(Qt::Widget);
+  setWidget(content);
+  setWindowIcon(QIcon(QStringLiteral(":/icons/mnuNew.svg")));
+  binding_ = bindForm(form, *this);
+  if (auto* grid = content->findChild<WorksheetView*>()) {
+    connect(grid, &WorksheetView::statusText, this, &SheetWindow::statusText);
+  }
+  follow();
+  const QPointer<SheetWindow> self(this);
+  form.onChange([self] {
+    if (self) self->follow();
+  });
+  form.onDestroy([self] {
+    if (!self) return;
+    self->form_ = nullptr;
+    self->hide();
+    self->deleteLater();
+  });
+  connect(this, &QMdiSubWindow::aboutToActivate, this, [this] {
+    if (form_) form_->activate();
+  });
+}
+
+void SheetWindow::follow() {
+  setWindowTitle(toQt(form_->caption()));
+  if (form_->visible() == isVisible()) return;
+  if (form_->closed()) {
+    hide();
+    deleteLater();
+  } else {
+    setVisible(form_->visible());
+    widget()->setVisible(form_->visible());
+  }
+}
+
+void SheetWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();  // the form says when its window goes
+  if (!form_) return;
+  if (onClose) {
+    onClose();
+  } else {
+    form_->hide();
+  }
+}
+
+}  // namespace lodex
