@@ -6,6 +6,7 @@
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
+#include "import/BelowDetection.h"
 
 namespace lodex {
 namespace {
@@ -246,6 +247,15 @@ void DataSheets::TarkastaJaLisaaListaan() {
   fillList(lstSrcD, names, false);
 }
 
+void DataSheets::convertLimits(frmDataIN& sheet) {
+  SheetStructure structure = sheet.structure();
+  const int converted = convertBelowDetection({sheet.F1D, structure});
+  if (converted == 0) return;
+  context_.session.log.LisaaLog("-" + std::to_string(converted) +
+                                " values below the detection limit are now half of the limit");
+  sheet.gridF1D.refresh();
+}
+
 bool DataSheets::IDENTIFY(bool askLog) {
   Session& session = context_.session;
   clearSheet(F1Ref);
@@ -274,6 +284,7 @@ bool DataSheets::IDENTIFY(bool askLog) {
     try {
       sheet->AjaTunnista(request);
       sheet->bIdentified = true;
+      if (ConvertBelowDetection) convertLimits(*sheet);
     } catch (const Error& error) {
       session.log.LisaaLog(name + ": " + error.what(), LogKind::Both);
     }

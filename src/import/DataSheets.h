@@ -60,6 +60,8 @@ class DataSheets {
   void openSources(const std::vector<std::string>& files);
   /// Makes the window names unique and fills the lists again, keeping what was selected.
   void TarkastaJaLisaaListaan();
+  /// Whether IDENTIFY puts numbers in place of values below a detection limit.
+  bool ConvertBelowDetection = false;
   /// Identifies the sheets selected in lstI. `askLog` shows the log at the end. False when none
   /// is selected.
   bool IDENTIFY(bool askLog);
@@ -71,6 +73,7 @@ class DataSheets {
   void renumber();
   void fillList(ListBox& list, const std::vector<std::string>& names, bool newOnesSelected);
   void makeNamesUnique();
+  void convertLimits(frmDataIN& sheet);
 
   ImportContext& context_;
   std::vector<std::unique_ptr<frmDataIN>> sheets_;

@@ -28,14 +28,14 @@ std::string errorText(const Error& error) {
 MDIMain::MDIMain(Session& session, ShellServices services)
     : Form("MDIMain", windowTitle),
       thesaurus(session),
-      import{session, tables, thesaurus},
-      sheets(*this, import),
-      calculations(*this, import, sheets),
+      importContext{session, tables, thesaurus},
+      sheets(*this, importContext),
+      calculations(*this, importContext, sheets),
       sourceForm(session, *this),
       destinationForm(session),
       saving(*this, session, sheets, destinationForm),
       combineForm(session),
-      source(import, sourceForm, sheets, calculations),
+      source(importContext, sourceForm, sheets, calculations),
       stages(*this, session, sheets, calculations),
       session_(session),
       services_(std::move(services)) {
@@ -44,24 +44,29 @@ MDIMain::MDIMain(Session& session, ShellServices services)
   connectTools();
   connectMenus();
   describeTools();
-  import.AvaaDB = [this](const std::string& path) { openDatabase(path);
-};
-sourceForm.onAccepted = [this](const std::string& path) {
-  remember(path, databasesSection);
-  SetStage(static_cast<int>(Stage::Calculate));
-};
-destinationForm.sourceDatabase = [this] { return source.pathInUse(); };
-destinationForm.txtDDB.onChange([this] {
-  saving.lblDB.setCaption(fileNameOf(destinationForm.txtDDB.text()));
-});
-session_.progress.onChange([this] {
-  if (!session_.progress.visible() && services_.startTmrReady) {
+  connectDatabases();
+  calculations.cmdGroup.onChange([this] { showSet(calculations.cmdGroup.caption()); });
+  session_.progress.onChange([this, alive = std::weak_ptr<bool>(alive_)] {
+    // The progress line outlives the window.
+    if (alive.expired() || session_.progress.visible() || !services_.startTmrReady) return;
     services_.startTmrReady(readyMilliseconds);
-  }
-});
-}  // namespace lodex
+  });
+}
 
 MDIMain::~MDIMain() = default;
+
+void MDIMain::connectDatabases() {
+  importContext.AvaaDB = [this](const std::string& path) { openDatabase(path); };
+  // The window of the source opens databases on its own as well.
+  sourceForm.txtDB.onChange([this] { refreshLastFiles(); });
+  sourceForm.onAccepted = [this](const std::string& path) {
+    remember(path, databasesSection);
+    SetStage(static_cast<int>(Stage::Calculate));
+  };
+  destinationForm.sourceDatabase = [this] { return source.pathInUse(); };
+  destinationForm.txtDDB.onChange(
+      [this] { saving.lblDB.setCaption(fileNameOf(destinationForm.txtDDB.text())); });
+}
 
 void MDIMain::guarded(const std::function<void()>& command) {
   try {
@@ -142,14 +147,14 @@ void MDIMain::loadGroup() {
 }
 
 void MDIMain::showDatabases() {
-  tbLodexGeoDB.setCaption(session_.record.SampleDbPath);
-  tbMineralDB.setCaption(session_.record.MineralDbPath);
+  tbLodexGeoDB.setCaption(pathText(nativePath(session_.record.SampleDbPath)));
+  tbMineralDB.setCaption(pathText(nativePath(session_.record.MineralDbPath)));
 }
 
 // A session without mineral database goes on: there is only nothing to look formulas up in.
 void MDIMain::openMinerals() {
   const std::string& path = session_.record.MineralDbPath;
-  import.HaeMinTieto = nullptr;
+  importContext.HaeMinTieto = nullptr;
   try {
     MineralConnection.Open(ConnectionString(path, "", ""));
   } catch (const Error& error) {
@@ -158,13 +163,14 @@ void MDIMain::openMinerals() {
     return;
   }
   minerals_ = std::make_unique<MineralCatalogue>(path);
-  import.HaeMinTieto = [this](const std::string& mineral) { std::vector<std::string> elements;
-  std::vector<std::string> values;
-  minerals_->HaeMinTieto(mineral, elements, values);
-  std::vector<std::pair<std::string, std::string>> items;
-  for (size_t i = 0; i < elements.size(); ++i) items.emplace_back(elements[i], values[i]);
-  return items;
-};
+  importContext.HaeMinTieto = [this](const std::string& mineral) {
+    std::vector<std::string> elements;
+    std::vector<std::string> values;
+    minerals_->HaeMinTieto(mineral, elements, values);
+    std::vector<std::pair<std::string, std::string>> items;
+    for (size_t i = 0; i < elements.size(); ++i) items.emplace_back(elements[i], values[i]);
+    return items;
+  };
 }
 
 // --- Copies for recovery ---
@@ -423,9 +429,11 @@ void MDIMain::SaveInDB() {
   source.forgetTables();
   const bool finished = saving.SaveInDB(false);
   if (finished && saving.SaveErrors() == 0) {
-    // What stands in the database is not lost with the sheet.
+    // What stands in the database is not lost with the sheet. One without database rows may have
+    // been left out.
     for (const std::string& name : names) {
-      if (frmDataIN* sheet = sheets.find(name)) sheet->Changed = false;
+      frmDataIN* sheet = sheets.find(name);
+      if (sheet != nullptr && sheet->SystemRows(sysrow::Table) > 0) sheet->Changed = false;
     }
   }
   if (stages.stage() != stage) SetStage(stage);
@@ -433,7 +441,7 @@ void MDIMain::SaveInDB() {
 
 frmExcelCalc& MDIMain::singleSample() {
   if (!single_) {
-    single_ = std::make_unique<frmExcelCalc>(import, calculations);
+    single_ = std::make_unique<frmExcelCalc>(importContext, calculations);
     if (services_.watch) services_.watch(*single_);
   }
   return *single_;

@@ -42,7 +42,7 @@ class MDIMain : public Form {
   // cmdDefine, cmdSaveInDBNow, lblDB (SavingStage); and those of StagePanel.
   taulukot tables;
   frmSynonLib thesaurus;
-  ImportContext import;
+  ImportContext importContext;
   DataSheets sheets;
   Calculations calculations;
   frmDB sourceForm;
@@ -73,7 +73,7 @@ class MDIMain : public Form {
   MenuItem tbTutorial{*this, "tbTutorial", "Tutorial"};
   MenuItem butHelp{*this, "butHelp", "Help"};
   ComboBox cmbSets{*this, "cmbSets"};  // the shipped calculation groups
-  Label lblSet{*this, "lblSet"};       // the one chosen in cmbSets
+  Label lblSet{*this, "lblSet"};       // its name
 
   // --- Status line ---
   MenuItem tbLodexGeoDB{*this, "tbLodexGeoDB"};  // the sample database; a click tells its path
@@ -174,8 +174,6 @@ class MDIMain : public Form {
   /// From time to time, best while the user rests: copies edited sheets for recovery.
   void AutosaveNow();
 
-  /// Values below the detection limit are converted; the caption of cmdBDL tells it.
-  bool BdlConversion() const { return bdlConversion_; }
   Session& session() { return session_; }
   /// Runs a command of the user; an Error ends in the message "Error <number> <text>".
   void guarded(const std::function<void()>& command);
@@ -185,6 +183,7 @@ class MDIMain : public Form {
   void connectStages();
   void connectTools();
   void connectMenus();
+  void connectDatabases();
   void describeTools();
   void makeLastFileEntries();
 
@@ -209,6 +208,7 @@ class MDIMain : public Form {
   void refreshLastFiles();
   void openLast(std::string_view section, int place);
   void chooseSet();
+  void showSet(const std::string& set);
   void toggleBdl();
   void startViewer();
   void bringToFront(Form& form);
@@ -222,7 +222,6 @@ class MDIMain : public Form {
   std::unique_ptr<Autosave> autosave_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
   bool loaded_ = false;
-  bool bdlConversion_ = false;
 };
 
 }  // namespace lodex

@@ -41,11 +41,10 @@ void MDIMain::connectTools() {
   run(butHelp, [this] { Help(name()); });
   run(tbLodexGeoDB, [this] {
     session_.dialogs().messageBox("LodexGeo -database currently in use:\n" +
-                                  session_.record.SampleDbPath);
+                                  tbLodexGeoDB.caption());
   });
   run(tbMineralDB, [this] {
-    session_.dialogs().messageBox("Mineral -database currently in use:\n" +
-                                  session_.record.MineralDbPath);
+    session_.dialogs().messageBox("Mineral -database currently in use:\n" + tbMineralDB.caption());
   });
   run(btChange, [this] { changeDatabase(); });
   for (const char* set : shippedSets) cmbSets.add(set);
@@ -120,11 +119,16 @@ void MDIMain::connectMenus() {
   });
 }
 
+void MDIMain::showSet(const std::string& set) {
+  lblSet.setCaption(set);
+  cmbSets.setText(set);
+}
+
 // The name is shown whatever becomes of it; what is calculated with is the group in cmdGroup.
 void MDIMain::chooseSet() {
   if (cmbSets.current() < 0) return;
   const std::string set = cmbSets.item(cmbSets.current());
-  lblSet.setCaption(set);
+  showSet(set);
   SessionRecord& record = session_.record;
   if (!FileExists(record.CGroupsFolder + "\\" + set)) return;
   record.CurrentCGroup = set;
@@ -132,8 +136,8 @@ void MDIMain::chooseSet() {
 }
 
 void MDIMain::toggleBdl() {
-  bdlConversion_ = !bdlConversion_;
-  cmdBDL.setCaption(bdlConversion_ ? "BDLC=ON" : "BDLC=OFF");
+  sheets.ConvertBelowDetection = !sheets.ConvertBelowDetection;
+  cmdBDL.setCaption(sheets.ConvertBelowDetection ? "BDLC=ON" : "BDLC=OFF");
 }
 
 void MDIMain::describeTools() {

@@ -9,9 +9,9 @@ constexpr std::string_view usualKeyField = "SampleNo";
 
 }  // namespace
 
-SourceDatabase::SourceDatabase(ImportContext& import, frmDB& form, DataSheets& sheets,
+SourceDatabase::SourceDatabase(ImportContext& context, frmDB& form, DataSheets& sheets,
                                Calculations& calculations)
-    : import_(import), form_(form), sheets_(sheets), calculations_(calculations) {
+    : context_(context), form_(form), sheets_(sheets), calculations_(calculations) {
   form_.onChange([this] { sourceChanged(); });
   form_.txtDB.onChange([this] { sourceChanged(); });
   form_.onOpened = [this](const DatabaseMap&) {
@@ -40,7 +40,7 @@ void SourceDatabase::sourceChanged() {
   if (inUse == listed_) return;
   listed_ = inUse;
   forgetTables();
-  import_.session.record.SourcesBuilt = false;
+  context_.session.record.SourcesBuilt = false;
   if (inUse.empty()) {
     calculations_.databaseTables = nullptr;
   } else {
@@ -68,7 +68,7 @@ SourceSheets SourceDatabase::selectedTables() {
     const int row = database.map.tableRow(table);
     if (row == 0 || tables_->names.contains(table)) continue;
     const std::string key = keyField(table, row);
-    tables_->tables.add(database.connection, table, row, key, import_.converter);
+    tables_->tables.add(database.connection, table, row, key, context_.converter);
     tables_->names.insert(table);
   }
   return tables_->tables.sheets();

@@ -15,7 +15,7 @@ namespace lodex {
 /// lstSrcF and the calculations read them.
 class SourceDatabase {
  public:
-  SourceDatabase(ImportContext& import, frmDB& form, DataSheets& sheets,
+  SourceDatabase(ImportContext& context, frmDB& form, DataSheets& sheets,
                  Calculations& calculations);
 
   /// Opens a database as the source and shows its window. False when it could not be opened, which
@@ -31,7 +31,7 @@ class SourceDatabase {
   SourceSheets selectedTables();
   std::string keyField(const std::string& table, int row) const;
 
-  ImportContext& import_;
+  ImportContext& context_;
   frmDB& form_;
   DataSheets& sheets_;
   Calculations& calculations_;

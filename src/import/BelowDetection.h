@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "import/SystemRows.h"
+
+namespace lodex {
+
+/// What a laboratory writes as "<0.01": half of the limit, which is what geochemists substitute
+/// most often (as discussed by Helsel, Statistics for Censored Environmental Data, 2012). Empty for
+/// every other text.
+std::optional<double> halfOfLimit(std::string_view text);
+
+/// Writes numbers in place of the values below a detection limit that stand in the element columns
+/// of an identified sheet. Returns how many.
+int convertBelowDetection(const DescribedSheet& sheet);
+
+}  // namespace lodex
