@@ -4,9 +4,11 @@
 #include <vector>
 
 #include "basic/Error.h"
+#include "basic/Files.h"
 #include "import/SystemRows.h"
 #include "import/ThesaurusStep.h"
 #include "session/Ini.h"
+#include "session/UserCopies.h"
 
 namespace lodex {
 namespace {
@@ -109,6 +111,12 @@ void frmSynonLib::SaveAsDefault() {
     const std::string& userIni = session_.record.UserIni;
     PutIni(userIni.empty() ? session_.record.MainIni : userIni, "Thesaurus", "File", standard);
     path = standard;
+  }
+  // The installation's own file may not be this user's to write.
+  const std::string& userIni = session_.record.UserIni;
+  if (pathExists(path) && !canWrite(path) && !userIni.empty()) {
+    path = session_.record.UserPath + "\\ini\\SynonLib.txt";
+    PutIni(userIni, "Thesaurus", "File", "+ini\\SynonLib.txt");
   }
   SaveAs(path);
 }

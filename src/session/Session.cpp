@@ -11,6 +11,7 @@
 #include "basic/Files.h"
 #include "basic/Numbers.h"
 #include "session/Ini.h"
+#include "session/UserCopies.h"
 
 namespace lodex {
 namespace fs = std::filesystem;
@@ -149,6 +150,7 @@ void Session::ReadSession(std::string_view appFolder, bool readStartDatabase, bo
   r.CGroupsFolder = ExpandPath(plainKey("C-Groups", "Folder"), app + "\\Geo\\C-Groups");
   r.DefaultCGroup = GetIni2(r.UserIni, r.MainIni, "C-Groups", "Default", "ROCK");
   r.ThesaurusFile = ExpandPath(plainKey("Thesaurus", "File"), "");
+  useUserCopies(r);
 }
 
 std::vector<std::string> LastFiles(const SessionRecord& record, std::string_view section) {
