@@ -62,7 +62,10 @@ class Planner {
   std::vector<InputSource> sourcesFor(const WantedItem& item) const {
     std::vector<Candidate> candidates =
         item.heading.element > 0 ? elementColumns(item.heading.element) : namedColumns(item);
-    if (candidates.empty() && item.heading.element > 0) candidates = namedColumns(item);
+    if (candidates.empty() && item.heading.element > 0 &&
+        !isDecided(F1Ref_, mapSheet_, item.heading.element)) {
+      candidates = namedColumns(item);
+    }
     arrange(item, candidates);
     std::vector<InputSource> sources;
     for (Candidate& candidate : candidates) {

@@ -53,6 +53,10 @@ std::vector<ItemSource> sourcesOf(const Worksheet& F1Ref, int mapSheet, int elem
   return sources;
 }
 
+bool isDecided(const Worksheet& F1Ref, int mapSheet, int element) {
+  return element >= 1 && element <= sourceRows && F1Ref.HasContent(mapSheet, element, 1);
+}
+
 void setSources(Worksheet& F1Ref, int mapSheet, int element,
                 const std::vector<ItemSource>& sources) {
   for (int column = 1; column <= F1Ref.LastCol(mapSheet); ++column) {
@@ -107,7 +111,7 @@ void buildSources(Worksheet& F1Ref, const SourceSheets& sheets, const CompoundCo
       continue;
     }
     if (sources.size() > 1 && request.ask) ask(request, symbol, sheets, sources);
-    if (!sources.empty()) setSources(F1Ref, mapSheet, element, sources);
+    setSources(F1Ref, mapSheet, element, sources);
   }
 }
 

@@ -30,6 +30,9 @@ int mapSheetOf(const Worksheet& F1Ref, std::string_view item);
 
 /// The sources of an element; rows outside of the map have none.
 std::vector<ItemSource> sourcesOf(const Worksheet& F1Ref, int mapSheet, int element);
+/// True when the map says where an element comes from, be it from nowhere because the user wants
+/// it so; false where nothing was found for it.
+bool isDecided(const Worksheet& F1Ref, int mapSheet, int element);
 void setSources(Worksheet& F1Ref, int mapSheet, int element,
                 const std::vector<ItemSource>& sources);
 

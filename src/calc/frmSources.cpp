@@ -119,8 +119,8 @@ void frmSources::Paivita() {
     mapSheet_ = F1Ref.NumSheets();
     F1Ref.SheetName(mapSheet_, name);
     for (int row = 1; row <= sourceRows; ++row) {
-      const std::vector<ItemSource> copied = sourcesOf(F1Ref, common, row);
-      if (!copied.empty()) setSources(F1Ref, mapSheet_, row, copied);
+      if (!isDecided(F1Ref, common, row)) continue;
+      setSources(F1Ref, mapSheet_, row, sourcesOf(F1Ref, common, row));
     }
   }
   F1Ref.Sheet(mapSheet_);

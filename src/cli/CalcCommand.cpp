@@ -6,10 +6,12 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "calc/CalculationRun.h"
 #include "calc/Calculations.h"
 #include "calc/frmSelectElements.h"
+#include "chem/Headings.h"
 #include "cli/CalculationGroups.h"
 #include "cli/ConsoleJob.h"
 #include "cli/ImportConsole.h"
@@ -31,7 +33,10 @@ struct CalcOptions {
   bool askRefs = false;
 };
 
-void checkEnding(const std::string& path) {
+// Told before the work rather than behind it.
+void requireGoodTarget(const std::string& path) {
+  const std::string folder = folderOf(path);
+  if (!folder.empty() && !pathExists(folder)) throw Error("There is no folder " + folder);
   const std::string ending = extensionOf(path);
   if (path.empty() || ending == "xls" || ending == "xlsx" || ending == "txt" || ending == "tsv") {
     return;
@@ -62,31 +67,45 @@ std::vector<std::string> chosenMethods(const CalcOptions& options, const Calcula
 
 std::optional<std::vector<int>> askOnConsole(Dialogs& dialogs, const std::string& caption,
                                              const std::vector<std::string>& offers) {
-  std::string prompt = caption;
+  std::string prompt = caption + " (numbers between commas, the best first; 0 for none)";
   std::vector<std::string> all;
   for (const std::string& offer : offers) {
     all.push_back(std::to_string(all.size() + 1));
     prompt += "\n  " + all.back() + " = " + offer;
   }
   const auto answer = dialogs.inputBox(prompt, caption, join(all, ","));
-  return answer ? chosenPositions(*answer) : std::nullopt;
+  if (!answer) return std::nullopt;
+  for (const std::string& number : SplitText(*answer, ",")) {
+    const auto position = parseInteger(number);
+    if (position && *position >= 0 && *position <= static_cast<int>(offers.size())) continue;
+    throw Error(caption + ": \"" + *answer + "\" is no choice among " + join(all, ", "));
+  }
+  return chosenPositions(*answer);
 }
+
+// Rows of an .xls file below the system rows.
+constexpr int mostXlsSamples = 65536 - resultrow::firstData + 1;
 
 // Opens and identifies the files. Returns how many could not be opened.
 int openFiles(const CalcOptions& options, ImportConsole& console) {
   if (options.files.empty()) return 0;
   const int failed = console.open(options.files);
+  if (console.sheets().DataSheetCount() == 0) requireAllOpened(failed, options.files.size());
   console.identify();
   console.printLines(console.session().log.txtErr.text(), "lodex: ");
   console.session().log.clear();
   return failed;
 }
 
-CalculationOutcome calculate(const CalculationRequest& asked, Session& session, std::ostream& err) {
+CalculationOutcome calculate(const CalculationRequest& asked, int mostSamples, Session& session,
+                             std::ostream& err) {
   ConsoleJob job(err);
   CalculationRequest request = asked;
   request.log = [&](std::string_view line, LogKind kind) { session.log.LisaaLog(line, kind); };
   request.nextSample = [&](std::string_view text, int sample, int samples) {
+    if (samples > mostSamples) {
+      throw Error(std::to_string(samples) + " samples do not fit into an .xls file; save as .xlsx");
+    }
     job.show(text, sample, samples);
     return !job.interrupted();
   };
@@ -124,7 +143,7 @@ std::string countLine(const CalculationOutcome& outcome, const Worksheet& result
 }
 
 void runCalc(const CalcOptions& options, CommandContext& context) {
-  checkEnding(options.out);
+  requireGoodTarget(options.out);
   requireOtherFile(options.out, options.files);
   ImportConsole console(context, {options.thesaurus, options.noThesaurus});
   Session& session = console.session();
@@ -153,8 +172,9 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
   }
   buildSources(F1Ref, sheets, converter, sources);
   Worksheet results;
-  const CalculationOutcome outcome =
-      calculate({group, methods, sheets, F1Ref, converter, results}, session, context.err);
+  const int mostSamples = extensionOf(options.out) == "xls" ? mostXlsSamples : maxRows;
+  const CalculationOutcome outcome = calculate({group, methods, sheets, F1Ref, converter, results},
+                                               mostSamples, session, context.err);
 
   for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
     if (!line.empty()) context.err << "lodex: " << trimBlanks(line) << '\n';

@@ -275,6 +275,21 @@ TEST_F(CalculationRunTest, AsksForSourcesAndKeepsTheAnswer) {
   EXPECT_TRUE(dialogs.allAsked());
 }
 
+TEST_F(CalculationRunTest, AnElementThatIsNotToBeUsedStaysEmpty) {
+  writeMethod("M.xls", {.input = {"Cu ppm"}, .output = {"R||=Input!C2"}});
+  addSheet("s", {"HEADER|No|Cu ppm|Cu_ICP ppm", "ELEMENT||Cu|Cu", "METHOD|||ICP", "UNIT||ppm|ppm",
+                 "|A|1|2"});
+  calculations.chkAskRefs.setChecked(true);
+  dialogs.expectForm("frmSelectElements", [](Form& form) {
+    auto& dialog = dynamic_cast<frmSelectElements&>(form);
+    for (const int offer : {0, 1}) dialog.lstSel.setChecked(offer, false);
+    dialog.Command1.click();
+  });
+  loadAndRun();
+  // A heading that reads like the item does not bring it back.
+  EXPECT_THAT(resultRows("M"), ElementsAre("A|0"));
+}
+
 TEST_F(CalculationRunTest, NeedsASelection) {
   writeMethod("Sum.xls", sumMethod);
   calculations.AlustaCALC(true);
