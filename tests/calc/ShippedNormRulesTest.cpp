@@ -123,6 +123,21 @@ TEST(CipwRules, GiveMinorOxidesTheirMinerals) {
   }
 }
 
+TEST(CipwRules, NormaliseMinorOxidesAsTold) {
+  Analysis analysis = {{"ZrO2", .2}, {"BaO", .3}, {"Oxidation", 1}};
+  for (const auto& [oxide, percent] : rock) analysis[oxide] = percent * .9;
+  const double zircon = moles(.2, "ZrO2") * molarMass("ZrSiO4");
+  ShippedMethod norm("ROCK/CIPW");
+  norm.calculate(analysis);
+  EXPECT_NEAR(norm.number("Z"), zircon * 100 / 90.5, 1e-5);
+  norm.choose("Choices", "Minor oxides", 2, 1);
+  norm.calculate(analysis);
+  EXPECT_NEAR(norm.number("Z"), zircon * 100 / 100.5, 1e-5);
+  const double orthoclase = moles(3, "K2O") * 2 * molarMass("KAlSi3O8");
+  EXPECT_NEAR(norm.number("Or"), orthoclase * 100 / 100.5, 1e-5);
+  EXPECT_NEAR(norm.number("Norm sum"), 100, 1e-9);
+}
+
 TEST(CipwRules, FollowMiddlemostByRockType) {
   struct Field {
     const char* name;
