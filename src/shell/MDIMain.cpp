@@ -279,13 +279,13 @@ void MDIMain::dropFiles(const std::vector<std::string>& paths) {
 }
 
 void MDIMain::openPaths(const std::vector<std::string>& paths) {
+  sheets.F1Ref = Worksheet();
   for (const std::string& path : paths) {
     if (!isDatabase(path)) continue;
     openDatabase(path);
     SetStage(static_cast<int>(Stage::Identify));
     return;
   }
-  sheets.F1Ref = Worksheet();
   for (const std::string& path : paths) {
     // One bad file does not keep the others closed.
     guarded([&] {
@@ -336,6 +336,7 @@ void MDIMain::PasteAsSheet() {
   sheets.lstI.selectAll(false);
   sheets.lstI.setSelected(sheet.sheetNumber() - 1, true);
   IDENTIFY(false);
+  SetStage(static_cast<int>(Stage::Identify));
 }
 
 bool MDIMain::CloseSheet(frmDataIN& sheet) {
@@ -392,7 +393,12 @@ void MDIMain::refreshLastFiles() {
 void MDIMain::openLast(std::string_view section, int place) {
   const std::vector<std::string> files = LastFiles(session_.record, section);
   if (place > static_cast<int>(files.size())) return;
-  openPaths({files[static_cast<size_t>(place) - 1]});
+  const std::string& path = files[static_cast<size_t>(place) - 1];
+  if (section == databasesSection) {
+    openDatabase(path);
+  } else {
+    openPaths({path});
+  }
 }
 
 void MDIMain::makeLastFileEntries() {
