@@ -10,6 +10,7 @@
 
 #include "AccessMaker.h"
 #include "basic/Error.h"
+#include "basic/Files.h"
 #include "db/Driver.h"
 #include "db/drivers/jet/AccessCopy.h"
 #include "db/drivers/sqlite/SqliteDriver.h"
@@ -371,6 +372,29 @@ TEST_F(AccessFileTest, FieldsWithSeveralValuesBringTheirTable) {
             (std::vector<Row>{{"grey"}, {"red"}}));
   EXPECT_THAT(warnings_, ElementsAre(HasSubstr("Colours, which holds several, stand in table T_"),
                                      HasSubstr("Files, which holds several, were not found")));
+}
+
+TEST_F(AccessFileTest, DamagedPagesAreTold) {
+  AccessMaker maker;
+  maker.addTable({"T", {{"t", AccessType::Text, 400}}});
+  for (int i = 0; i < 30; ++i) maker.addRecord({storedWide(std::string(150, 'x'))});
+  const std::string path = (folder_ / "pages.mdb").string();
+  maker.write(path);
+  const std::string sound = readFile(path);
+  // The first records fill page 4; that many do not fit on it.
+  for (const auto& wrong : {std::string(4096, '\0'), "\x01\x01" + sound.substr(4 * 4096 + 2, 10) +
+                                                         std::string(4084, '\xFF')}) {
+    std::string damaged = sound;
+    damaged.replace(4 * 4096, 4096, wrong);
+    writeFileWhole(path, damaged);
+    const std::string target = (folder_ / "pages.sqlite").string();
+    fs::remove(target);
+    warnings_.clear();
+    copyAccessFile(path, target, *this);
+    EXPECT_THAT(warnings_, ElementsAre(HasSubstr("1 damaged pages were left out")));
+    driver_ = openSqliteFile(target);
+    EXPECT_EQ(value("SELECT Count(*) FROM T"), FieldValue(std::int64_t{17}));
+  }
 }
 
 TEST_F(AccessFileTest, DamageTakesOnlyWhatItHits) {

@@ -55,9 +55,14 @@ TEST_F(JetSqlTest, ComputesExpressions) {
       {"DatePart('q', #2020-05-01#) & Weekday(#2026-11-21#)", "27"},
       {"Format(1234.5, '#,##0.00')", "1,234.50"},
       {"Format(0.1234, '0.0%')", "12.3%"},
+      {"Format(1234.5, 'fixed') & Format(#2026-11-21#, 'ddd q') & Format(0.5, 'Percent')",
+       "1234.50Sat 450.00%"},
       {"Format(5, '000') & Format(1.5, '0.##') & Format(2, '0.##')", "0051.52"},
       {"Format(#2020-01-31 9:05#, 'yyyy-mm-dd hh:mm')", "2020-01-31 09:05"},
       {"CStr(1.0) & Str(2)", "1 2"},
+      {"String(3, 'x') & MonthName(2) & WeekdayName(1)", "xxxFebruarySunday"},
+      {"Weekday(#2026-11-21#, 2) & TimeSerial(1, 2, 3) & InStr(1, 'aBc', 'b', 1)", "601:02:032"},
+      {"Round(Atn(1) * 4, 4) & FormatPercent(0.125) & Rnd() * 0", "3.141612.50%0"},
       {"(SELECT Max(x) FROM (SELECT 3 AS x UNION SELECT 4))", "4"},
       {"Exists (SELECT 1 AS x WHERE 1 = 2)", "0"},
   };
@@ -91,6 +96,18 @@ TEST_F(JetSqlTest, ReadsTheQueriesThatUsersWrite) {
       {"SELECT No FROM [Sample s] WHERE Ok = False", "2;3"},
       {"SELECT TOP 1 [No] FROM [Sample s] ORDER BY [No] DESC;", "3"},
       {"SELECT TOP 50 PERCENT [No] FROM [Sample s] ORDER BY [No]", "1;2"},
+      {"SELECT TOP 1 No FROM Assay ORDER BY No", "1;1"},
+      {"SELECT TOP 1 No * 2 AS n, [Cu %] FROM Assay ORDER BY n", "2|0.5;2|1.5"},
+      {"SELECT DISTINCT TOP 1 No FROM Assay ORDER BY 1", "1"},
+      {"SELECT TOP 1 No, Count(*) FROM Assay GROUP BY No ORDER BY Count(*) DESC", "1|2"},
+      {"SELECT TOP 2 * FROM Assay ORDER BY 2 DESC", "2|7;1|1.5"},
+      {"SELECT TOP 34 PERCENT No FROM Assay ORDER BY No DESC", "2;1;1"},
+      {"SELECT * FROM (SELECT TOP 1 No FROM Assay ORDER BY No) AS a", "1;1"},
+      {"SELECT TOP 1 No FROM Assay WHERE [Cu %] > 1 UNION SELECT No + 10 AS n FROM [Sample s]",
+       "1;11;12;13"},
+      {"SELECT No * 2 AS twice, twice + 1 AS more, UCase([Site Name]) AS [Site Name] "
+       "FROM [Sample s] WHERE twice = 2",
+       "2|3|NORTH"},
       {"SELECT DISTINCTROW [No] FROM [Sample s] WHERE ([No] IN (1,3)) ORDER BY 1 ASC", "1;3"},
       {"SELECT [Sample s].[No],[Assay].* FROM ([Sample s] LEFT JOIN [Assay] ON "
        "[Sample s].[No]=[Assay].[No]) ORDER BY  [Sample s].[No], 3",
@@ -130,6 +147,9 @@ TEST_F(JetSqlTest, TransformMakesColumnsOfValues) {
   EXPECT_EQ(show("TRANSFORM Count(*) SELECT [Particle ID] FROM [Part C] WHERE [Particle ID] > 1 "
                  "GROUP BY [Particle ID] ORDER BY [Particle ID] DESC PIVOT [Mineral ID]"),
             "Particle ID|<>|0|10\n4|1||\n3||1|\n2|||1");
+  run("CREATE VIEW Crossed AS TRANSFORM Sum([Weight%]) SELECT [Particle ID] FROM [Part C] WHERE "
+      "[Mineral ID] > 0 GROUP BY [Particle ID] PIVOT [Mineral ID]");
+  EXPECT_EQ(show("SELECT * FROM Crossed WHERE [2] > 0"), "Particle ID|2|10\n1|50|50");
   EXPECT_EQ(show("TRANSFORM Max([Weight%]) SELECT [Particle ID] FROM [Part C] WHERE "
                  "[Particle ID] = 1 GROUP BY [Particle ID] PIVOT 'M' & [Mineral ID] IN "
                  "('M2', 'it''s ]')"),
@@ -148,10 +168,45 @@ TEST_F(JetSqlTest, WritesRecords) {
             FieldCode::Integer);
   EXPECT_EQ(connection_.Execute("DELETE * FROM [T 1] WHERE [b] Like 'x'"), 1);
   EXPECT_EQ(connection_.Execute("DELETE [T 1].* FROM [T 1]"), 1);
+  run("CREATE VIEW Chained AS SELECT a * 10 AS ten, ten + 1 AS more FROM [T 2]");
+  EXPECT_EQ(records("SELECT * FROM Chained"), "20|21");
   run("CREATE VIEW f_Two AS SELECT * FROM [T 2] WHERE IIf([a] = 2, True, False) = True");
   EXPECT_EQ(records("SELECT * FROM [f_Two]"), "2|x!");
   run("DROP VIEW [f_Two]");
   EXPECT_THAT(errorOfSql("SELECT * FROM [f_Two]"), HasSubstr("f_Two"));
+}
+
+TEST_F(JetSqlTest, ChangesOneTableOfAJoin) {
+  run("CREATE TABLE [Assay s] ([No] LONG, [Cu] SINGLE, [Site] TEXT)");
+  run("CREATE TABLE [Sites] ([No] LONG, [Name] TEXT, [Factor] SINGLE)");
+  run("INSERT INTO [Assay s] VALUES (1, 1, Null), (1, 2, Null), (2, 3, 'old'), (3, 4, 'old')");
+  run("INSERT INTO [Sites] VALUES (1, 'North', 10), (3, 'South', 0.5)");
+  EXPECT_EQ(connection_.Execute("UPDATE [Assay s] AS a INNER JOIN Sites ON a.No = Sites.No SET "
+                                "a.[Cu] = a.Cu * [Factor], a.Site = [Name] WHERE Sites.No < 3"),
+            2);
+  EXPECT_EQ(records("SELECT * FROM [Assay s]"), "1|10|North;1|20|North;2|3|old;3|4|old");
+  EXPECT_EQ(connection_.Execute("UPDATE Sites RIGHT JOIN [Assay s] ON Sites.No = [Assay s].No SET "
+                                "[Assay s].Site = 'none' WHERE Sites.No Is Null"),
+            1);
+  EXPECT_EQ(connection_.Execute("UPDATE [Assay s], Sites SET [Assay s].Site = '3' WHERE "
+                                "[Assay s].No = Sites.No And Sites.No = 3"),
+            1);
+  EXPECT_EQ(records("SELECT Site FROM [Assay s]"), "North;North;none;3");
+  EXPECT_EQ(connection_.Execute("DELETE DISTINCTROW [Assay s].* FROM [Assay s] INNER JOIN Sites ON "
+                                "[Assay s].No = Sites.No WHERE Sites.Name Like 'N*'"),
+            2);
+  EXPECT_EQ(records("SELECT No FROM [Assay s]"), "2;3");
+}
+
+TEST_F(JetSqlTest, ParametersAreTakenByTheirOrder) {
+  run("CREATE TABLE [T] ([a] LONG, [b] LONG)");
+  run("INSERT INTO T VALUES (1, 2), (2, 3), (3, 5)");
+  const std::string sql =
+      "PARAMETERS [From No] Long, Least Short; SELECT a FROM T WHERE b >= Least And "
+      "a > [from no] And T.b > Least - 1";
+  const auto rows = connection_.OpenRecordset(sql, CursorKind::Client, {std::int64_t{1}, 5.0});
+  EXPECT_EQ(rows->Text(0), "3");
+  EXPECT_THAT(errorOfSql(sql), HasSubstr("takes 2 parameters, not 0"));
 }
 
 TEST_F(JetSqlTest, FaultsNameTheirPlace) {
@@ -171,7 +226,10 @@ TEST_F(JetSqlTest, FaultsNameTheirPlace) {
       {"TRANSFORM a SELECT b FROM t GROUP BY b PIVOT c", "TRANSFORM needs"},
       {"CREATE PROCEDURE p", "CREATE makes"},
       {"ATTACH 'x' AS y", "no statement begins"},
-      {"UPDATE a INNER JOIN b ON a.x = b.x SET a.y = 1", "one table"},
+      {"UPDATE a INNER JOIN b ON a.x = b.x SET y = 1", "which table"},
+      {"UPDATE a INNER JOIN b ON a.x = b.x SET a.y = 1, b.y = 1", "one table"},
+      {"DELETE * FROM a INNER JOIN b ON a.x = b.x", "column 15, \"a\": say which table"},
+      {"SELECT * FROM a IN 'other.mdb'", "another database"},
       {"SELECT 1; DROP TABLE t", "behind the end"},
       {"SELECT " + std::string(5000, '('), "nested too deeply"},
       {"SELECT NoSuch(1)", "NoSuch"},
@@ -187,7 +245,8 @@ TEST(JetSqlForServers, UsesStandardTerms) {
     std::string sql, expected;
   } rows[] = {
       {"SELECT TOP 2 [Cu %] FROM [Lab t] WHERE [ok] = True ORDER BY 1",
-       "SELECT \"Cu %\" FROM \"Lab t\" WHERE \"ok\" = TRUE ORDER BY 1 FETCH FIRST 2 ROWS ONLY"},
+       "SELECT \"Cu %\" FROM \"Lab t\" WHERE \"ok\" = TRUE ORDER BY 1 FETCH FIRST 2 ROWS WITH "
+       "TIES"},
       {"SELECT a & 'x', UCase(b) AS u FROM t AS s",
        "SELECT concat(a, 'x') AS \"Expr1000\", UPPER(b) AS \"u\" FROM t \"s\""},
       {"SELECT a FROM t WHERE b Like 'py*_?' AND d > #1/31/2020#",

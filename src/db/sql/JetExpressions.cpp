@@ -311,10 +311,7 @@ JetExpressions::Expression JetExpressions::atom() {
     case JetToken::Word:
       return nameOrCall();
     case JetToken::Mark:
-      if (takeMark("?")) {
-        ++parameters_;
-        return {"?"};
-      }
+      if (takeMark("?")) return {parameter(++parameters_)};
       if (takeMark("(")) {
         std::string text = isWord("SELECT") ? subquery() : expressionText();
         while (takeMark(",")) text += ", " + expressionText();
@@ -326,6 +323,11 @@ JetExpressions::Expression JetExpressions::atom() {
       break;
   }
   fail("a value or a field is expected here");
+}
+
+// With its number, so that it may stand at several places of what a statement becomes.
+std::string JetExpressions::parameter(int number) const {
+  return target_ == SqlTarget::Sqlite ? "?" + std::to_string(number) : "?";
 }
 
 JetExpressions::Expression JetExpressions::nameOrCall() {
@@ -350,6 +352,16 @@ JetExpressions::Expression JetExpressions::nameOrCall() {
     if (word == "CASE") return caseWhen();
     if (word.starts_with("CURRENT_")) return {take().text};
     if (isReserved()) fail("a value or a field is expected here");
+  }
+  for (size_t i = 0; i < parameterNames_.size(); ++i) {
+    if (isMark(".", 1) || isMark("!", 1) || !equalsNoCase(parameterNames_[i], peek().text))
+      continue;
+    take();
+    return {parameter(static_cast<int>(i) + 1)};
+  }
+  if (valueNames_ == ValueNames::Used && !isMark(".", 1) && !isMark("!", 1)) {
+    const std::string value = valueNamed(peek().text);
+    if (!value.empty()) return take(), Expression{"(" + value + ")"};
   }
   // [table].[field], or the older table!field
   const auto part = [this] {
@@ -466,11 +478,51 @@ JetExpressions::Expression JetExpressions::call(const std::string& name) {
     return {text + " END"};
   }
   if (target_ == SqlTarget::Server) return {serverCall(name, list)};
-  if (list.empty() && name == "DATE") return {"date('now', 'localtime')"};
-  if (list.empty() && name == "NOW") return {"datetime('now', 'localtime')"};
-  if (list.empty() && name == "TIME") return {"time('now', 'localtime')"};
-  return {(name == "LEFT" || name == "RIGHT" ? "[" + name + "]" : name) + "(" + join(list, ", ") +
-          ")"};
+  return sqliteCall(name, list);
+}
+
+// Functions that others can stand for; $1, $2 ... are their values.
+JetExpressions::Expression JetExpressions::sqliteCall(const std::string& name,
+                                                      const std::vector<std::string>& list) {
+  static constexpr struct {
+    std::string_view name;
+    size_t count;
+    std::string_view text;
+  } kTexts[] = {
+      {"DATE", 0, "date('now', 'localtime')"},
+      {"NOW", 0, "datetime('now', 'localtime')"},
+      {"TIME", 0, "time('now', 'localtime')"},
+      {"RND", 0, "(0.5 + random() / 18446744073709551616.0)"},
+      {"RND", 1, "(0.5 + random() / 18446744073709551616.0)"},
+      {"ATN", 1, "atan($1)"},
+      {"CVDATE", 1, "CDate($1)"},
+      {"CDEC", 1, "CDbl($1)"},
+      {"STRING", 2, "printf('%.*c', $1, $2)"},
+      {"STRCOMP", 3, "StrComp($1, $2)"},
+      {"INSTR", 4, "InStr($1, $2, $3)"},
+      {"MONTHNAME", 1, "Format(DateSerial(2000, $1, 1), 'mmmm')"},
+      {"WEEKDAYNAME", 1, "Format(DateSerial(2000, 1, 1 + ($1)), 'dddd')"},
+      {"WEEKDAY", 2, "((Weekday($1) + 7 - ($2)) % 7 + 1)"},
+      {"TIMESERIAL", 3, "time(($1) * 3600 + ($2) * 60 + ($3), 'unixepoch')"},
+      {"TIMEVALUE", 1, "time($1)"},
+      {"FORMATPERCENT", 1, "Format($1, '0.00%')"},
+      {"FORMATNUMBER", 1, "Format($1, '#,##0.00')"},
+      {"LEFT", 2, "[LEFT]($1, $2)"},
+      {"RIGHT", 2, "[RIGHT]($1, $2)"},
+  };
+  for (const auto& known : kTexts) {
+    if (name != known.name || list.size() != known.count) continue;
+    std::string text;
+    for (size_t at = 0; at < known.text.size(); ++at) {
+      if (known.text[at] == '$') {
+        text += list[static_cast<size_t>(known.text[++at] - '1')];
+      } else {
+        text += known.text[at];
+      }
+    }
+    return {text};
+  }
+  return {name + "(" + join(list, ", ") + ")"};
 }
 
 std::string JetExpressions::serverCall(const std::string& name, std::vector<std::string> list) {

@@ -13,8 +13,8 @@ namespace lodex {
 /// Walks over the tokens of a statement; the base of the parsers of expressions and statements.
 class JetReader {
  public:
-  JetReader(std::string_view sql, SqlTarget target)
-      : sql_(sql), target_(target), tokens_(splitJetTokens(sql)) {}
+  JetReader(std::string_view sql, SqlTarget target, ValueNames valueNames)
+      : sql_(sql), target_(target), valueNames_(valueNames), tokens_(splitJetTokens(sql)) {}
 
  protected:
   const JetToken& peek(size_t ahead = 0) const;
@@ -37,6 +37,7 @@ class JetReader {
 
   std::string_view sql_;
   SqlTarget target_;
+  ValueNames valueNames_;
   size_t at_ = 0;
 
  private:
@@ -71,10 +72,18 @@ class JetExpressions : public JetReader {
   /// A query up to its end, for an expression that holds one.
   virtual std::string subquery() = 0;
 
+  /// The value of the SELECT being read that has this name already; "" for none.
+  virtual std::string valueNamed(std::string_view name) const = 0;
+
+  /// A "?" and a declared parameter in the target's form.
+  std::string parameter(int number) const;
+
   bool sawAggregate_ = false;
   /// Of TRANSFORM: what aggregates add up counts only where this holds; "" outside.
   std::string cellCondition_;
   int parameters_ = 0;
+  /// Names declared by PARAMETERS, the first being number 1.
+  std::vector<std::string> parameterNames_;
 
  private:
   Expression conjunction();
@@ -95,6 +104,7 @@ class JetExpressions : public JetReader {
   Expression among(Expression left, bool inverted);
   Expression between(Expression left, bool inverted);
   Expression compared(Expression left, std::string op);
+  Expression sqliteCall(const std::string& name, const std::vector<std::string>& list);
   std::string serverCall(const std::string& name, std::vector<std::string> arguments);
   static std::string held(const Expression& expression, Level least);
   std::string whole(const Expression& expression) const;

@@ -18,12 +18,28 @@ std::string JetQueries::subquery() {
   const bool sawAggregate = std::exchange(sawAggregate_, false);
   const std::string cellCondition = std::exchange(cellCondition_, "");
   const int unnamed = std::exchange(unnamed_, 0);
+  const auto sources = std::exchange(sources_, {});
+  const auto items = std::exchange(items_, {});
+  const auto orders = std::exchange(orders_, {});
+  const int tables = tables_;
   const Select select = parseCompound();
+  sources_ = sources;
+  items_ = items;
+  orders_ = orders;
+  tables_ = tables;
   sawAggregate_ = sawAggregate;
   cellCondition_ = cellCondition;
   unnamed_ = unnamed;
   if (!select.into.empty()) fail("a query inside another cannot make a table");
   return select.text();
+}
+
+std::string JetQueries::valueNamed(std::string_view name) const {
+  for (const Item& item : items_) {
+    const bool isField = equalsNoCase(item.text, quoted(item.name));
+    if (!item.name.empty() && !isField && equalsNoCase(item.name, name)) return item.text;
+  }
+  return {};
 }
 
 JetQueries::Select JetQueries::parseCompound() {
@@ -33,9 +49,9 @@ JetQueries::Select JetQueries::parseCompound() {
     std::string word = toUpper(take().text);
     if (takeWord("ALL")) word += " ALL";
     // A member with a limit of its own must stand apart.
-    if (!select.limit.empty()) select = apart(select);
+    if (!select.limit.empty() || !select.order.empty()) select = apart(select);
     Select next = parseOperand();
-    if (!next.limit.empty()) next = apart(next);
+    if (!next.limit.empty() || !next.order.empty()) next = apart(next);
     select.tail += " " + word + " " + next.text();
     select.table.clear();
   }
@@ -80,11 +96,10 @@ JetQueries::Select JetQueries::parseSelect() {
   select.items = parseItems();
   if (takeWord("INTO")) select.into = expectName("the name of the new table");
   if (takeWord("FROM")) {
-    tables_ = 0;
     select.tail = " FROM " + parseFrom();
-    if (tables_ == 1 && !lastTable_.empty()) {
-      select.table = lastTable_;
-      select.qualifier = lastQualifier_;
+    if (tables_ == 1 && sources_.size() == 1) {
+      select.table = sources_[0].table;
+      select.qualifier = sources_[0].qualifier;
     }
   }
   const std::string table = select.table;
@@ -98,35 +113,74 @@ JetQueries::Select JetQueries::parseSelect() {
   if (takeWord("HAVING")) select.tail += " HAVING " + expressionText();
   if (distinct || grouped || sawAggregate_) select.table.clear();
   sawAggregate_ = outerAggregate;
-  if (!top.empty()) {
-    // The order belongs to the first records.
-    parseOrder(select);
-    if (!percent) {
-      select.limit = " LIMIT " + top;
-    } else {
-      select.limit = " LIMIT (SELECT CAST((COUNT(*) * " + top + " + 99) / 100 AS INTEGER) FROM (" +
-                     select.text() + "))";
-    }
-    if (target_ == SqlTarget::Server) {
-      if (percent) fail("a server knows no TOP with PERCENT");
-      select.limit = " FETCH FIRST " + top + " ROWS ONLY";
-    }
-  }
+  if (!top.empty()) limitTo(select, top, percent);
   return select;
+}
+
+// TOP takes the records that tie with the last one too. Their number is counted by a query of its
+// own, over the values that give the order.
+void JetQueries::limitTo(Select& select, const std::string& top, bool percent) {
+  orders_.clear();
+  parseOrder(select);
+  if (target_ == SqlTarget::Server) {
+    if (percent) fail("a server knows no TOP with PERCENT");
+    select.limit = " FETCH FIRST " + top + " ROWS " + (orders_.empty() ? "ONLY" : "WITH TIES");
+    return;
+  }
+  std::string count = top;
+  if (percent) {
+    count = "(SELECT CAST((COUNT(*) * " + top + " + 99) / 100 AS INTEGER) FROM (" + select.head +
+            " " + select.items + select.tail + "))";
+  }
+  std::string terms, ranks;
+  for (size_t i = 0; i < orders_.size(); ++i) {
+    const std::string name = "[|" + std::to_string(i + 1) + "]";
+    const std::string term = orderTerm(orders_[i].text);
+    if (term.empty()) {
+      terms.clear();
+      break;
+    }
+    terms += ", " + term + " AS " + name;
+    ranks += (i ? ", " : "") + name + (orders_[i].descending ? " DESC" : "");
+  }
+  if (terms.empty()) {
+    select.limit = " LIMIT " + count;
+    return;
+  }
+  select.limit = " LIMIT (SELECT COUNT(*) FROM (SELECT rank() OVER (ORDER BY " + ranks +
+                 ") AS [|rank] FROM (" + select.head + " " + select.items + terms + select.tail +
+                 ")) WHERE [|rank] <= " + count + ")";
+}
+
+// What ORDER BY means: a number or a name may stand for a value of the SELECT. "" where that cannot
+// be told.
+std::string JetQueries::orderTerm(const std::string& text) const {
+  if (const auto number = parseInteger(text)) {
+    if (*number < 1 || static_cast<size_t>(*number) > items_.size()) return {};
+    for (size_t i = 0; i < static_cast<size_t>(*number); ++i) {
+      if (items_[i].name.empty()) return {};
+    }
+    return items_[static_cast<size_t>(*number) - 1].text;
+  }
+  for (const Item& item : items_) {
+    if (!item.name.empty() && equalsNoCase(quoted(item.name), text)) return item.text;
+  }
+  return text;
 }
 
 void JetQueries::parseOrder(Select& select) {
   if (takeWords({"ORDER", "BY"})) {
-    std::string order = " ORDER BY ";
+    orders_.clear();
     do {
-      order += expressionText();
-      if (takeWord("DESC")) {
-        order += " DESC";
-      } else {
-        takeWord("ASC");
-      }
-    } while (takeMark(",") && (order += ", ", true));
-    select.tail += order;
+      const std::string text = expressionText();
+      const bool descending = takeWord("DESC");
+      if (!descending) takeWord("ASC");
+      orders_.push_back({text, descending});
+    } while (takeMark(","));
+    for (size_t i = 0; i < orders_.size(); ++i) {
+      select.order += (i ? ", " : " ORDER BY ") + orders_[i].text;
+      if (orders_[i].descending) select.order += " DESC";
+    }
   }
   if (takeWord("LIMIT")) {
     select.limit += " LIMIT " + expressionText();
@@ -143,12 +197,15 @@ std::string JetQueries::parseList() {
 std::string JetQueries::parseItems() {
   std::string items;
   unnamed_ = 0;
+  items_.clear();
   do {
     if (!items.empty()) items += ", ";
     if (takeMark("*")) {
       items += "*";
+      items_.emplace_back();
     } else if (isName() && (isMark(".", 1) || isMark("!", 1)) && isMark("*", 2)) {
       items += tableName() + ".*";
+      items_.emplace_back();
       take();
       take();
     } else {
@@ -169,13 +226,24 @@ std::string JetQueries::parseItem() {
   std::string text = item.text;
   // Truth is -1 to whoever reads the records.
   if (item.isCondition && target_ == SqlTarget::Sqlite) text = "-(" + text + ")";
-  if (takeWord("AS")) return text + " AS " + quoted(expectName("a name for the value"));
-  if (isName() && !isStatementWord()) return text + " AS " + quoted(take().text);
-  if (!item.column.empty()) return text;
-  return text + " AS " + quoted("Expr" + std::to_string(1000 + unnamed_++));
+  std::string name = item.column;
+  if (takeWord("AS")) {
+    name = expectName("a name for the value");
+  } else if (isName() && !isStatementWord()) {
+    name = take().text;
+  } else if (item.column.empty()) {
+    name = "Expr" + std::to_string(1000 + unnamed_++);
+  } else {
+    items_.push_back({text, name});
+    return text;
+  }
+  items_.push_back({text, name});
+  return text + " AS " + quoted(name);
 }
 
 std::string JetQueries::parseFrom() {
+  tables_ = 0;
+  sources_.clear();
   std::string from = parseJoins();
   while (takeMark(",")) from += ", " + parseJoins();
   if (isWord("IN")) fail("a table of another database cannot be read here");
@@ -210,11 +278,10 @@ std::string JetQueries::parseJoins() {
 std::string JetQueries::parseTable(bool first) {
   if (takeMark("(")) {
     if (isWord("SELECT")) {
-      const int outerTables = tables_;
       const std::string query = subquery();
-      tables_ = outerTables + 2;
+      tables_ += 2;
       expectMark(")");
-      return "(" + query + ")" + parseAlias();
+      return "(" + query + ")" + parseAlias(nullptr);
     }
     if (++queryDepth_ > 50) fail("the joins are nested too deeply");
     const std::string joins = parseJoins();
@@ -231,16 +298,18 @@ std::string JetQueries::parseTable(bool first) {
     text += "." + (plainPart ? name : quoted(name));
   }
   ++tables_;
-  lastTable_ = name;
-  lastQualifier_ = name;
-  return text + parseAlias();
+  Source source{name, name};
+  text += parseAlias(&source.qualifier);
+  sources_.push_back(std::move(source));
+  return text;
 }
 
-std::string JetQueries::parseAlias() {
+std::string JetQueries::parseAlias(std::string* name) {
   const bool spelled = takeWord("AS");
   if (!spelled && (!isName() || isWord("FULL") || isStatementWord())) return "";
-  lastQualifier_ = expectName("another name for the table");
-  return (target_ == SqlTarget::Server ? " " : " AS ") + quoted(lastQualifier_);
+  const std::string alias = expectName("another name for the table");
+  if (name) *name = alias;
+  return (target_ == SqlTarget::Server ? " " : " AS ") + quoted(alias);
 }
 
 }  // namespace lodex

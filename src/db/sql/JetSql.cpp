@@ -39,6 +39,7 @@ class JetParser : public JetQueries {
 
  private:
   void parseStatement() {
+    if (takeWord("PARAMETERS")) parseParameters();
     if (peek().kind == JetToken::End) {
       throw Error("The database statement is empty", dberror::BadStatement);
     }
@@ -62,6 +63,16 @@ class JetParser : public JetQueries {
     fail("no statement begins like this");
   }
 
+  // PARAMETERS [name] type, ...; stands before the statement that uses the names.
+  void parseParameters() {
+    do {
+      parameterNames_.push_back(expectName("the name of a parameter"));
+      ++parameters_;
+      while (!isMark(",") && !isMark(";") && peek().kind != JetToken::End) take();
+    } while (takeMark(","));
+    expectMark(";");
+  }
+
   // --- Queries ---
 
   void parseQuery() {
@@ -77,7 +88,7 @@ class JetParser : public JetQueries {
     statement_.table = select.table;
     // Behind the others, since ORDER BY may count the columns.
     statement_.recordSql = select.head + " " + select.items + ", " + quoted(select.qualifier) +
-                           "._rowid_" + select.tail + select.limit;
+                           "._rowid_" + select.tail + select.order + select.limit;
   }
 
   // --- TRANSFORM ---
@@ -99,7 +110,7 @@ class JetParser : public JetQueries {
     Select ordered = select;
     parseOrder(ordered);
     cell.head = select.head + " " + select.items;
-    cell.tail = ordered.tail;
+    cell.tail = ordered.tail + ordered.order;
     expectWord("PIVOT");
     cell.pivot = joined().text;
     if (takeWord("IN")) {
@@ -167,44 +178,95 @@ class JetParser : public JetQueries {
     statement_.sql = text + " " + subquery();
   }
 
+  struct Assignment {
+    std::string qualifier;
+    std::string field;
+    std::string value;
+  };
+
   void parseUpdate() {
     statement_.kind = JetStatement::Action;
     const JetToken start = peek();
-    tables_ = 0;
-    const std::string target = parseTable(true);
-    if (isMark(",") || isWord("INNER") || isWord("LEFT") || isWord("RIGHT") || tables_ != 1) {
+    const std::string from = parseFrom();
+    const std::vector<Source> sources = sources_;
+    const bool single = tables_ == 1;
+    if (!single && target_ == SqlTarget::Server) {
       failAt(sql_, start, "only one table can be updated at a time");
     }
     expectWord("SET");
-    std::string text = "UPDATE " + target + " SET ";
-    bool first = true;
+    std::vector<Assignment> assignments;
     do {
-      std::string field = expectName("the name of a field");
-      if (takeMark(".") || takeMark("!")) field = expectName("the name of a field");
+      Assignment one;
+      one.field = expectName("the name of a field");
+      if (takeMark(".") || takeMark("!")) {
+        one.qualifier = std::exchange(one.field, expectName("the name of a field"));
+      }
       expectMark("=");
-      text += (first ? "" : ", ") + quoted(field) + " = " + expressionText();
-      first = false;
+      one.value = expressionText();
+      assignments.push_back(std::move(one));
     } while (takeMark(","));
-    if (takeWord("WHERE")) text += " WHERE " + expressionText();
-    statement_.sql = text;
+    const std::string where = takeWord("WHERE") ? " WHERE " + expressionText() : "";
+    if (!single) return updateJoined(start, from + where, sources, assignments);
+    std::string text = "UPDATE " + from + " SET ";
+    for (size_t i = 0; i < assignments.size(); ++i) {
+      text += (i ? ", " : "") + quoted(assignments[i].field) + " = " + assignments[i].value;
+    }
+    statement_.sql = text + where;
+  }
+
+  const Source& sourceNamed(const std::string& qualifier, const std::vector<Source>& sources,
+                            const JetToken& start) const {
+    for (const Source& source : sources) {
+      if (equalsNoCase(source.qualifier, qualifier)) return source;
+    }
+    failAt(sql_, start, "say which table is meant, as in [table].[field]");
+  }
+
+  // The joined records give the new values, each for the record of the one table that changes.
+  void updateJoined(const JetToken& start, const std::string& from,
+                    const std::vector<Source>& sources,
+                    const std::vector<Assignment>& assignments) {
+    const Source& target = sourceNamed(assignments[0].qualifier, sources, start);
+    std::string sets, values;
+    for (size_t i = 0; i < assignments.size(); ++i) {
+      const Assignment& one = assignments[i];
+      if (&sourceNamed(one.qualifier, sources, start) != &target) {
+        failAt(sql_, start, "only one table can be updated at a time");
+      }
+      const std::string name = "[|" + std::to_string(i + 1) + "]";
+      sets += (i ? ", " : "") + quoted(one.field) + " = [|new]." + name;
+      values += ", " + one.value + " AS " + name;
+    }
+    statement_.sql = "UPDATE " + quoted(target.table) + " SET " + sets + " FROM (SELECT " +
+                     quoted(target.qualifier) + "._rowid_ AS [|record]" + values + " FROM " + from +
+                     ") AS [|new] WHERE " + quoted(target.table) + "._rowid_ = [|new].[|record]";
   }
 
   void parseDelete() {
     statement_.kind = JetStatement::Action;
+    takeWord("DISTINCTROW");
+    std::string qualifier;
     if (!takeMark("*") && isName() && isMark(".", 1) && isMark("*", 2)) {
-      take();
+      qualifier = take().text;
       take();
       take();
     }
     expectWord("FROM");
     const JetToken start = peek();
-    tables_ = 0;
-    std::string text = "DELETE FROM " + parseTable(true);
-    if (isMark(",") || isWord("INNER") || isWord("LEFT") || isWord("RIGHT") || tables_ != 1) {
+    const std::string from = parseFrom();
+    const std::vector<Source> sources = sources_;
+    const bool single = tables_ == 1;
+    if (!single && target_ == SqlTarget::Server) {
       failAt(sql_, start, "records can be deleted from one table at a time");
     }
-    if (takeWord("WHERE")) text += " WHERE " + expressionText();
-    statement_.sql = text;
+    const std::string where = takeWord("WHERE") ? " WHERE " + expressionText() : "";
+    if (single) {
+      statement_.sql = "DELETE FROM " + from + where;
+      return;
+    }
+    const Source& target = sourceNamed(qualifier, sources, start);
+    statement_.sql = "DELETE FROM " + quoted(target.table) + " WHERE _rowid_ IN (SELECT " +
+                     quoted(target.qualifier) + "._rowid_ FROM " + from + where + ")";
   }
 
   // --- Tables, fields, indexes and views ---
@@ -219,13 +281,21 @@ class JetParser : public JetQueries {
 
   void parseCreateView() {
     statement_.kind = JetStatement::Action;
+    const std::string name = peek().text;
     std::string text = "CREATE VIEW " + tableName();
     if (takeMark("(")) {
       text += " (" + columnList() + ")";
       expectMark(")");
     }
     expectWord("AS");
-    if (isWord("TRANSFORM")) fail("a view cannot hold TRANSFORM");
+    if (isWord("TRANSFORM")) {
+      if (target_ == SqlTarget::Server) fail("a view cannot hold TRANSFORM");
+      take();
+      parseTransform();
+      statement_.table = name;
+      return;
+    }
+    statement_.table = name;
     statement_.sql = text + " AS " + subquery();
     if (parameters_ > 0) fail("a view cannot have parameters");
   }
@@ -444,14 +514,14 @@ std::string targetText(std::string_view text) {
   return "'" + replaceAll(text, "'", "''") + "'";
 }
 
-JetStatement readJetSql(std::string_view sql, SqlTarget target) {
+JetStatement readJetSql(std::string_view sql, SqlTarget target, ValueNames valueNames) {
   refuseControlCharacters(sql);
-  return JetParser(sql, target).run();
+  return JetParser(sql, target, valueNames).run();
 }
 
 std::string readJetExpression(std::string_view expression, SqlTarget target) {
   refuseControlCharacters(expression);
-  return JetParser(expression, target).runExpression();
+  return JetParser(expression, target, ValueNames::Unused).runExpression();
 }
 
 std::string transformQuery(const JetStatement& statement, const std::vector<FieldValue>& values,

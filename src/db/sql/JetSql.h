@@ -14,6 +14,10 @@ enum class SqlTarget {
   Server   ///< a database server with standard SQL
 };
 
+/// Jet lets a value of a SELECT use another by its name, as in SELECT a*2 AS b, b+1 AS c. No other
+/// engine does; Used puts the other value in its place, which is wrong where a field has that name.
+enum class ValueNames { Unused, Used };
+
 struct JetColumn {
   std::string name;
   FieldType type;
@@ -30,14 +34,15 @@ struct JetStatement {
   enum Kind {
     Plain,        ///< sql; not looked into (PRAGMA and the like)
     Query,        ///< sql; table and recordSql if its records can be told from each other
-    Action,       ///< sql
+    Action,       ///< sql; table: the view that it makes, "" for none
     CreateTable,  ///< table, columns (maybe none), primaryKey, uniqueKeys, foreignKeys
     AddColumns,   ///< table, columns
     DropColumn,   ///< table, name
     CreateIndex,  ///< table, name, indexColumns, unique, primary
     DropIndex,    ///< table, name
     SelectInto,   ///< table: the new one; sql: the query that fills it
-    Transform     ///< pivotSql or pivotNames; transformSql makes the query of them
+    Transform     ///< pivotSql or pivotValues, cell; transformQuery makes the query of them;
+                  ///< table: the view that is to hold it, "" for none
   };
   Kind kind = Plain;
   std::string sql;
@@ -71,7 +76,8 @@ struct JetStatement {
 
 /// Reads one statement. Throws Error naming line, column and text of what cannot be understood or
 /// has no counterpart in the target.
-JetStatement readJetSql(std::string_view sql, SqlTarget target);
+JetStatement readJetSql(std::string_view sql, SqlTarget target,
+                        ValueNames valueNames = ValueNames::Unused);
 
 /// Reads one expression, such as a default value or a condition, and gives it in the target's SQL.
 /// Throws Error as readJetSql does.

@@ -198,13 +198,22 @@ struct AccessRows::Crack {
 AccessRows::AccessRows(const AccessFile& file, const AccessTable& table)
     : file_(file), table_(table), pages_(pagesOf(file, table)), values_(table.columns.size()) {}
 
+// A page that cannot be read ends the copy, since the file is cut short; one with something else on
+// it is passed over.
 bool AccessRows::nextPage() {
   while (nextPage_ < pages_.size()) {
     file_.read(pages_[nextPage_++], page_);
     const AccessBytes bytes = page_.bytes();
-    if (bytes.u8(0) != 0x01 || bytes.u32(4) != table_.definitionPage) continue;
-    row_ = 0;
-    rowCount_ = file_.rowCount(bytes);
+    row_ = rowCount_ = 0;
+    if (bytes.u8(0) != 0x01 || bytes.u32(4) != table_.definitionPage) {
+      ++damagedPages_;
+      continue;
+    }
+    try {
+      rowCount_ = file_.rowCount(bytes);
+    } catch (const FileError&) {
+      ++damagedPages_;
+    }
     if (rowCount_ > 0) return true;
   }
   return false;

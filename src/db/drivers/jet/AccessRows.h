@@ -27,8 +27,8 @@ class AccessRows {
  public:
   AccessRows(const AccessFile& file, const AccessTable& table);
 
-  /// Goes to the next record that can be read; false after the last one. Throws FileError when a
-  /// whole page cannot be read.
+  /// Goes to the next record that can be read; false after the last one. Throws FileError when the
+  /// file ends before it.
   bool next();
 
   /// The values of the current record, in the order of the table's columns.
@@ -36,6 +36,8 @@ class AccessRows {
 
   /// Records that were left out because they are damaged.
   int damaged() const { return damaged_; }
+  /// Pages of the table that hold no records of it.
+  int damagedPages() const { return damagedPages_; }
   /// Memos and OLE objects that are Null in their records because they are damaged.
   int lostMemos() const { return lostMemos_; }
 
@@ -59,6 +61,7 @@ class AccessRows {
   int row_ = 0;
   int rowCount_ = 0;
   int damaged_ = 0;
+  int damagedPages_ = 0;
   int lostMemos_ = 0;
   std::string longBytes_;
   std::vector<int> varOffsets_;

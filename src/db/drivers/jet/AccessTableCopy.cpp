@@ -103,6 +103,9 @@ class TableCopy {
     while (!attempt()) target_.run("DROP TABLE " + targetQuoted(table_.name));
     createIndexes();
     numberCounters();
+    if (damagedPages_) {
+      warn(std::to_string(damagedPages_) + " damaged pages were left out, with their records");
+    }
     if (damaged_) warn(std::to_string(damaged_) + " damaged records were left out");
     if (lostMemos_) warn(std::to_string(lostMemos_) + " damaged memos or objects were left empty");
     if (strangeNumbers_) {
@@ -283,6 +286,7 @@ class TableCopy {
         return false;
       }
     }
+    damagedPages_ = rows.damagedPages();
     damaged_ = rows.damaged();
     lostMemos_ = rows.lostMemos();
     return !again && obeysRules();
@@ -357,6 +361,7 @@ class TableCopy {
   std::vector<Column> columns_;
   std::string tableRule_;
   bool keyed_ = true;
+  int damagedPages_ = 0;
   int damaged_ = 0;
   int lostMemos_ = 0;
   int strangeNumbers_ = 0;

@@ -173,8 +173,14 @@ void makeViews(Driver& driver, std::vector<std::string>& warnings) {
   size_t before = 0;
   while (!waiting.empty() && waiting.size() != before) {
     before = waiting.size();
-    std::erase_if(waiting,
-                  [&](Saved& one) { return runsAsQuery(driver, one.name, one.sql, one.reason); });
+    std::erase_if(waiting, [&](Saved& one) {
+      if (!runsAsQuery(driver, one.name, one.sql, one.reason)) return false;
+      if (one.sql.starts_with("TRANSFORM")) {
+        warnings.push_back("Query " + one.name +
+                           " keeps the columns that it had when the file was brought in");
+      }
+      return true;
+    });
   }
   for (const Saved& query : waiting) {
     warnings.push_back("Query " + query.name + " is no view here: " + query.reason);

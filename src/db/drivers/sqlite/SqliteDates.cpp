@@ -22,6 +22,20 @@ constexpr std::array<const char*, 12> kMonths{"January",   "February", "March", 
                                               "May",       "June",     "July",     "August",
                                               "September", "October",  "November", "December"};
 
+constexpr std::array<const char*, 7> kWeekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                               "Thursday", "Friday", "Saturday"};
+
+// Formats that have names, in any case.
+constexpr std::array<std::array<const char*, 2>, 8> kNamedFormats{
+    {{"Fixed", "0.00"},
+     {"Standard", "#,##0.00"},
+     {"Percent", "0.00%"},
+     {"Short Date", "yyyy-mm-dd"},
+     {"Medium Date", "dd-mmm-yy"},
+     {"Long Date", "dddd, mmmm d, yyyy"},
+     {"Short Time", "hh:nn"},
+     {"Long Time", "hh:nn:ss"}}};
+
 // A date as a text, or as the number of days since 1899-12-30.
 DateTime requireDate(sqlite3_value* value) {
   if (sqlite3_value_type(value) != SQLITE_TEXT) {
@@ -218,8 +232,13 @@ std::string formatDate(const DateTime& date, std::string_view pattern) {
       } else {
         two(date.month);
       }
+    } else if (c == 'd' && run > 2) {
+      const std::string name = kWeekdays[weekday(date) - 1];
+      text += run > 3 ? name : name.substr(0, 3);
     } else if (c == 'd') {
       two(date.day);
+    } else if (c == 'q') {
+      text += std::to_string((date.month + 2) / 3);
     } else if (c == 'h') {
       two(date.hour);
     } else if (c == 's') {
@@ -269,10 +288,14 @@ std::string formatNumber(double value, std::string_view pattern) {
 void format(sqlite3_context* context, int count, sqlite3_value** values) {
   if (count == 1) return resultText(context, argumentText(values[0]));
   const std::string text = argumentText(values[0]);
-  const std::string pattern = argumentText(values[1]);
+  std::string pattern = argumentText(values[1]);
+  for (const auto& named : kNamedFormats) {
+    if (equalsNoCase(pattern, named[0])) pattern = named[1];
+  }
+  if (startsWithNoCase(pattern, "General ")) return resultText(context, text);
   const bool isNumber =
       sqlite3_value_type(values[0]) != SQLITE_TEXT || parseNumber(text).has_value();
-  const bool ofDate = pattern.find_first_of("ymdhnsYMDHNS") != std::string::npos;
+  const bool ofDate = pattern.find_first_of("ymdhnsqYMDHNSQ") != std::string::npos;
   if (ofDate && (!isNumber || pattern.find_first_of("0#") == std::string::npos)) {
     return resultText(context, formatDate(requireDate(values[0]), pattern));
   }

@@ -106,12 +106,18 @@ class SqliteDriver : public Driver {
   std::int64_t execute(std::string_view sql, const Row& parameters) override {
     const JetStatement& statement = read(sql);
     switch (statement.kind) {
-      case JetStatement::Query:
       case JetStatement::Action:
+        if (!statement.table.empty()) return createView(statement.table, sql);
+        [[fallthrough]];
+      case JetStatement::Query:
       case JetStatement::Plain:
         return run(statement.sql, parameters, sql);
       case JetStatement::Transform:
-        return 0;
+        if (statement.table.empty()) return 0;
+        // Its columns are those of the values that there are now.
+        return run("CREATE VIEW " + targetName(statement.table, SqlTarget::Sqlite) + " AS " +
+                       transformedSql(statement, sql),
+                   {}, sql);
       default:
         changeTables(JetStatement(statement), parameters, sql);
         return 0;
@@ -123,20 +129,16 @@ class SqliteDriver : public Driver {
     switch (statement.kind) {
       case JetStatement::Plain:
         return rows(statement.sql, parameters, sql);
-      case JetStatement::Query: {
-        const std::string table = tableOf(statement);
-        return std::make_unique<SqliteRows>(
-            file_, table.empty() ? statement.sql : statement.recordSql, parameters, sql, table);
-      }
-      case JetStatement::Transform: {
-        std::vector<FieldValue> values = statement.pivotValues;
-        if (!statement.pivotSql.empty()) {
-          const auto found = rows(statement.pivotSql, {}, sql);
-          Row row;
-          while (found->next(row)) values.push_back(row[0]);
+      case JetStatement::Query:
+        try {
+          return records(statement, parameters, sql);
+        } catch (const Error& error) {
+          if (!lacksField(error)) throw;
         }
-        return rows(transformQuery(statement, values, SqlTarget::Sqlite), {}, sql);
-      }
+        return records(withValueNames(sql), parameters, sql);
+      case JetStatement::Transform:
+        if (statement.table.empty()) return rows(transformedSql(statement, sql), {}, sql);
+        [[fallthrough]];
       default:
         execute(sql, parameters);
         return std::make_unique<StoredRows>(std::vector<Field>{}, std::vector<Row>{});
@@ -172,6 +174,47 @@ class SqliteDriver : public Driver {
   std::unique_ptr<RowSource> rows(std::string_view sql, const Row& parameters,
                                   std::string_view shown) {
     return std::make_unique<SqliteRows>(file_, sql, parameters, shown, "");
+  }
+
+  std::unique_ptr<RowSource> records(const JetStatement& statement, const Row& parameters,
+                                     std::string_view shown) {
+    const std::string table = tableOf(statement);
+    return std::make_unique<SqliteRows>(file_, table.empty() ? statement.sql : statement.recordSql,
+                                        parameters, shown, table);
+  }
+
+  static bool lacksField(const Error& error) {
+    return std::string_view(error.what()).find("no such column") != std::string_view::npos;
+  }
+
+  // What the engine takes for a field may be the name of another value.
+  const JetStatement& withValueNames(std::string_view sql) {
+    known_.statement = readJetSql(sql, SqlTarget::Sqlite, ValueNames::Used);
+    return known_.statement;
+  }
+
+  // The engine looks into a view only when it is used.
+  std::int64_t createView(const std::string& name, std::string_view sql) {
+    run(read(sql).sql, {}, sql);
+    const std::string view = targetName(name, SqlTarget::Sqlite);
+    try {
+      SqliteStatement(file_, "SELECT 1 FROM " + view, {}, sql);
+    } catch (const Error& error) {
+      if (!lacksField(error)) return 0;
+      run("DROP VIEW " + view);
+      run(withValueNames(sql).sql, {}, sql);
+    }
+    return 0;
+  }
+
+  std::string transformedSql(const JetStatement& statement, std::string_view shown) {
+    std::vector<FieldValue> values = statement.pivotValues;
+    if (!statement.pivotSql.empty()) {
+      const auto found = rows(statement.pivotSql, {}, shown);
+      Row row;
+      while (found->next(row)) values.push_back(row[0]);
+    }
+    return transformQuery(statement, values, SqlTarget::Sqlite);
   }
 
   bool holds(std::string_view sql, const Row& parameters) {
