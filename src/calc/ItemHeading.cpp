@@ -10,6 +10,10 @@
 namespace lodex {
 namespace {
 
+// What laboratories write behind an element or an oxide to say that all of it is meant.
+constexpr std::array<std::string_view, 7> totalMarks = {"(TOTAL)", "(TOT)", "(T)", "TOTAL",
+                                                        "TOT",     "T",     "*"};
+
 // The text left of the unit.
 std::string_view bodyOf(std::string_view heading) {
   size_t end = heading.size();
@@ -32,7 +36,7 @@ std::string methodName(std::string_view text) {
 // "TOT" stands for no method. On an oxide of iron it says that all iron stands in the column.
 void readMethod(ItemHeading& heading, std::string_view text) {
   heading.method = methodName(text);
-  if (heading.method != "TOT") return;
+  if (std::find(totalMarks.begin(), totalMarks.end(), heading.method) == totalMarks.end()) return;
   heading.method.clear();
   if (heading.formula == "FeO" || heading.formula == "Fe2O3") heading.isTotal = true;
 }
@@ -43,10 +47,8 @@ void readForm(ItemHeading& heading, const CompoundConverter& converter) {
     heading.formula = heading.form;
     return;
   }
-  constexpr std::array<std::string_view, 6> totals = {"(TOTAL)", "(TOT)", "(T)",
-                                                      "TOTAL",   "TOT",   "T"};
   const std::string upper = toUpper(heading.form);
-  for (const std::string_view total : totals) {
+  for (const std::string_view total : totalMarks) {
     if (!upper.ends_with(total)) continue;
     const std::string formula = heading.form.substr(0, heading.form.size() - total.size());
     if (!converter.IsCompound(formula)) return;
