@@ -31,6 +31,9 @@ FindBar::FindBar(QWidget* parent)
   with_->setAccessibleName(tr("Text to put in its place"));
   replace_->setObjectName(QStringLiteral("replaceOne"));
   replaceAll_->setObjectName(QStringLiteral("replaceAll"));
+  // In a dialogue Enter is for its own default button.
+  replace_->setAutoDefault(false);
+  replaceAll_->setAutoDefault(false);
   matchCase_->setObjectName(QStringLiteral("findMatchCase"));
   wholeCell_->setObjectName(QStringLiteral("findWholeCells"));
   inFormulas_->setObjectName(QStringLiteral("findInFormulas"));

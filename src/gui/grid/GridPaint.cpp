@@ -110,6 +110,11 @@ class Painting {
     return {column.at, row.at, column.size, row.size};
   }
 
+  QRect textArea(const QRect& cell) const {
+    const int vertical = qRound(paint_.pixelsPerPoint);
+    return cell.adjusted(padding_, vertical, -padding_ - 1, -1 - vertical);
+  }
+
   void background() {
     if (rows_.empty() || columns_.empty()) return;
     const int left = columns_.front().at;
@@ -173,7 +178,7 @@ class Painting {
     const Value value = CellStore::valueOf(cell);
     QString shown = toQt(sheet_.TextRC(row.index, column.index));
     if (shown.isEmpty()) return;
-    const QRect area = cellRect(row, column).adjusted(padding_, 0, -padding_ - 1, -1);
+    const QRect area = textArea(cellRect(row, column));
     if (value.isNumber()) {
       shown = fittedNumber(value.asNumber(), shown, style.general, area.width(), style.metrics);
     }
@@ -223,7 +228,7 @@ class Painting {
     const QRect visible(left + padding_, row.at, right - left - 2 * padding_ - 1, row.size - 1);
     // The text stands where it would without an end to its cell.
     const int extra = static_cast<int>(std::ceil(share)) + padding_;
-    QRect area = cell.adjusted(padding_, 0, -padding_ - 1, -1);
+    QRect area = textArea(cell);
     if ((alignment & Qt::AlignRight) == 0) area.setRight(area.right() + extra);
     if ((alignment & (Qt::AlignRight | Qt::AlignHCenter)) != 0) area.setLeft(area.left() - extra);
     painter_.save();

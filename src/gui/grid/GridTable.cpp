@@ -20,6 +20,12 @@ constexpr double widestFit = 60;     // characters
 constexpr int minZoom = 50;
 constexpr int maxZoom = 300;
 
+// Goes beyond the bar's present range, too.
+void scrollBarTo(QScrollBar& bar, int value) {
+  bar.setMaximum(std::max(bar.maximum(), value));
+  bar.setValue(value);
+}
+
 }  // namespace
 
 GridTable::GridTable(WorksheetModel& model, GridCursor& cursor, QWidget* parent)
@@ -119,13 +125,8 @@ void GridTable::setZoom(int percent) {
   const double right = static_cast<double>(horizontalScrollBar()->value()) / zoom_;
   zoom_ = percent;
   readLayout();
-  const auto scroll = [percent](QScrollBar* bar, double part) {
-    const int value = qRound(part * percent);
-    bar->setMaximum(std::max(bar->maximum(), value));
-    bar->setValue(value);
-  };
-  scroll(verticalScrollBar(), down);
-  scroll(horizontalScrollBar(), right);
+  scrollBarTo(*verticalScrollBar(), qRound(down * percent));
+  scrollBarTo(*horizontalScrollBar(), qRound(right * percent));
 }
 
 int GridTable::widthInPixels(double characters) const {
@@ -146,6 +147,9 @@ void GridTable::readLayout() {
     model_.sheetChanged();
     return;
   }
+  // A sheet of another size starts at its top, unless it is put back.
+  const int down = verticalScrollBar()->value();
+  const int right = horizontalScrollBar()->value();
   model_.sheetChanged();
   const Worksheet& sheet = editor()->sheet();
   const int current = sheet.Sheet();
@@ -171,6 +175,8 @@ void GridTable::readLayout() {
   columns_->setFixedHeight(QFontMetrics(headingFont()).height() + 7);
   rows_->setFixedWidth(headingWidth());
   updateGeometries();
+  scrollBarTo(*verticalScrollBar(), down);
+  scrollBarTo(*horizontalScrollBar(), right);
   viewport()->update();
   columns_->viewport()->update();
   rows_->viewport()->update();
@@ -339,8 +345,7 @@ void GridTable::showCell(CellPlace place) {
     int value = bar->value();
     if (at + size - value > end) value = at + size - end;
     if (at - value < start) value = at - start;
-    bar->setMaximum(std::max(bar->maximum(), value));
-    bar->setValue(value);
+    scrollBarTo(*bar, value);
   };
   const int row = place.row - 1;
   const int frozen = frozenHeight();
@@ -435,6 +440,21 @@ void GridTable::commitEditor() {
   closeEditor(line, QAbstractItemDelegate::NoHint);
 }
 
+void GridTable::cancelEditor() {
+  if (QLineEdit* line = delegate_->editor()) {
+    closeEditor(line, QAbstractItemDelegate::RevertModelCache);
+  }
+}
+
+void GridTable::setPicking(bool picking) {
+  picking_ = picking;
+  if (picking) {
+    viewport()->setCursor(Qt::CrossCursor);
+  } else {
+    viewport()->unsetCursor();
+  }
+}
+
 void GridTable::enterAll(const QString& text) {
   attempt([&] { editor()->enterAll(cursor_.block(), fromQt(text)); });
 }
@@ -446,6 +466,8 @@ void GridTable::stepOn(Direction direction) {
 }
 
 void GridTable::editorTextChanged(const QString& text) {
+  // A click into the cells must not end a formula: it may point at what the formula reads.
+  setFocusPolicy(text.startsWith(QLatin1Char('=')) ? Qt::NoFocus : Qt::StrongFocus);
   if (QLineEdit* line = delegate_->editor()) {
     const CellPlace place = cursor_.active();
     QStyleOptionViewItem option;
@@ -457,6 +479,8 @@ void GridTable::editorTextChanged(const QString& text) {
 }
 
 void GridTable::editorClosed() {
+  setFocusPolicy(Qt::StrongFocus);
+  pointStart_ = pointEnd_ = -1;
   emit editorText(QString(), false);
   viewport()->update();
 }

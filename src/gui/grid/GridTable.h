@@ -51,8 +51,11 @@ class GridTable : public QTableView {
   /// Opens the active cell for editing, with its content or another text.
   void editActive(std::optional<QString> text = std::nullopt);
   bool editing() const;
-  /// Ends editing and takes over what was typed.
+  /// Ends editing and takes over what was typed, or forgets it.
   void commitEditor();
+  void cancelEditor();
+  /// While a place is being picked, a click only tells of itself and the pointer says so.
+  void setPicking(bool picking);
   void enterAll(const QString& text);
   void stepOn(Direction direction);
   /// Runs an edit; what it refuses is told by `refused`. Returns whether it was made.
@@ -95,7 +98,7 @@ class GridTable : public QTableView {
   void updateGeometries() override;
 
  private:
-  enum class Drag { None, Select, Fill, Move };
+  enum class Drag { None, Select, Fill, Move, Point };
 
   SheetEditor* editor() const { return model_.editor(); }
   void connectHeaders();
@@ -117,6 +120,8 @@ class GridTable : public QTableView {
                          std::vector<int>& before);
   void fitColumn(int column);
   void columnDragged(int column);
+  bool canPoint() const;
+  void point(const CellBlock& block);
 
   WorksheetModel& model_;
   GridCursor& cursor_;
@@ -131,6 +136,9 @@ class GridTable : public QTableView {
   CellPlace dragStart_;
   CellBlock dragBlock_;
   QBasicTimer autoScroll_;
+  bool picking_ = false;
+  int pointStart_ = -1;  // where the reference last pointed at stands in the formula being typed
+  int pointEnd_ = -1;
 };
 
 }  // namespace lodex

@@ -8,6 +8,7 @@
 #include "gui/grid/GridDelegate.h"
 #include "gui/grid/GridHeader.h"
 #include "gui/grid/GridTable.h"
+#include "worksheet/A1.h"
 
 namespace lodex {
 
@@ -24,10 +25,20 @@ void GridTable::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
   dragPos_ = event->pos();
   dragStart_ = place;
+  constexpr int scrollInterval = 50;  // milliseconds
+  autoScroll_.start(scrollInterval, this);
+  if (canPoint()) {
+    drag_ = Drag::Point;
+    return point({place.row, place.column, place.row, place.column});
+  }
+  if (editing()) {
+    commitEditor();
+    setFocus();
+  }
   dragBlock_ = cursor_.block();
-  if (fillHandle().contains(event->pos())) {
+  if (!picking_ && fillHandle().contains(event->pos())) {
     drag_ = Drag::Fill;
-  } else if (!extend && onSelectionEdge(event->pos())) {
+  } else if (!picking_ && !extend && onSelectionEdge(event->pos())) {
     drag_ = Drag::Move;
   } else {
     drag_ = Drag::Select;
@@ -38,12 +49,39 @@ void GridTable::mousePressEvent(QMouseEvent* event) {
     }
     emit cellPressed(place.row, place.column);
   }
-  constexpr int scrollInterval = 50;  // milliseconds
-  autoScroll_.start(scrollInterval, this);
+}
+
+// True where the formula being typed can take a reference: behind an operator, or in the place of
+// the reference that was pointed at last.
+bool GridTable::canPoint() const {
+  const QLineEdit* line = delegate_->editor();
+  if (line == nullptr || !line->text().startsWith(QLatin1Char('='))) return false;
+  const int at = line->cursorPosition();
+  if (at == 0) return false;
+  if (at == pointEnd_) return true;
+  return QStringLiteral("=+-*/^&(,;:<>%").contains(line->text().at(at - 1));
+}
+
+void GridTable::point(const CellBlock& block) {
+  QLineEdit* line = delegate_->editor();
+  if (line == nullptr) return;
+  QString reference = QString::fromStdString(cellAddress(block.row1, block.column1));
+  if (!block.single()) {
+    reference += QLatin1Char(':') + QString::fromStdString(cellAddress(block.row2, block.column2));
+  }
+  QString text = line->text();
+  const int at = line->cursorPosition();
+  const int start = at == pointEnd_ ? pointStart_ : at;
+  text.replace(start, at - start, reference);
+  pointStart_ = start;
+  pointEnd_ = start + static_cast<int>(reference.size());
+  line->setText(text);
+  line->setCursorPosition(pointEnd_);
 }
 
 void GridTable::mouseMoveEvent(QMouseEvent* event) {
   if (drag_ != Drag::None) return dragTo(event->pos());
+  if (picking_) return;
   if (fillHandle().contains(event->pos())) {
     viewport()->setCursor(Qt::CrossCursor);
   } else if (onSelectionEdge(event->pos())) {
@@ -76,6 +114,9 @@ void GridTable::dragTo(const QPoint& pos) {
       viewport()->update();
       break;
     }
+    case Drag::Point:
+      point(CellBlock::between(dragStart_.row, dragStart_.column, place.row, place.column));
+      break;
     case Drag::None:
       break;
   }

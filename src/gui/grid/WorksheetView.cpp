@@ -131,7 +131,8 @@ void WorksheetView::connectBars() {
 // --- The worksheet ---
 
 void WorksheetView::attach(Worksheet& sheet) {
-  finishEditing();
+  // What was shown may be gone already.
+  table_->cancelEditor();
   cursor_->setEditor(nullptr);
   model_->setEditor(nullptr);
   editor_.reset();
@@ -147,6 +148,7 @@ void WorksheetView::attach(Worksheet& sheet) {
 
 void WorksheetView::setSheet(Worksheet& sheet) {
   if (shown_ != &sheet) {
+    if (hasSheet()) finishEditing();
     shown_ = &sheet;
     attach(sheet);
   }
@@ -163,7 +165,7 @@ void WorksheetView::refresh() {
   editor_->changedOutside();
   table_->readLayout();
   cursor_->readSheet();
-  if (hasSheet()) table_->showCell(cursor_->active());
+  if (hasSheet() && isVisible()) table_->showCell(cursor_->active());
   showTabs();
   showFormula();
   actions_->update();
@@ -183,6 +185,15 @@ void WorksheetView::afterEdit(const CellBlock* block) {
   actions_->update();
   selectionTimer_.start();
   emit edited();
+}
+
+void WorksheetView::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  if (hasSheet()) table_->showCell(cursor_->active());
+}
+
+void WorksheetView::setPicking(bool picking) {
+  table_->setPicking(picking);
 }
 
 void WorksheetView::finishEditing() {

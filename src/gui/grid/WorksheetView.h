@@ -72,6 +72,10 @@ class WorksheetView : public QWidget {
   int zoom() const;
   void setZoom(int percent);
 
+  /// While the next click picks a row or column for the owner, the pointer shows it and cells are
+  /// not dragged.
+  void setPicking(bool picking);
+
   /// Ends typing in a cell and takes over what was typed. Call it before reading the worksheet in a
   /// command.
   void finishEditing();
@@ -96,6 +100,9 @@ class WorksheetView : public QWidget {
   void refused(const QString& reason);
   void zoomChanged(int percent);
   void sheetShown(int sheet);
+
+ protected:
+  void showEvent(QShowEvent* event) override;
 
  private:
   void connectTable();
