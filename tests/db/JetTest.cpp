@@ -104,10 +104,11 @@ TEST(AccessQueries, ArePutTogetherFromTheirParts) {
 
   const std::vector<AccessQueryPart> truths{
       {5, 0, "", "A", "", ""},
-      {8, 0, "A.d = no And b=\"= Yes\" And No=Yes And [x]=[= No] And c=No.e", "", "", ""}};
+      {8, 0, "A.d = no And b=\"= Yes\" And No=Yes And [x]=[= No] And c=No.e Or f <> Yes", "", "",
+       ""}};
   EXPECT_EQ(buildAccessQuery("q", truths).sql,
             "SELECT * FROM [A] WHERE A.d = False And b=\"= Yes\" And No=True And [x]=[= No] And "
-            "c=No.e");
+            "c=No.e Or f <> True");
 
   EXPECT_THAT(buildAccessQuery("q", {{1, 5, "", "", "", ""}}).obstacle, HasSubstr("changes data"));
   EXPECT_THAT(buildAccessQuery("q", {{2, 8, "", "p", "", ""}}).obstacle, HasSubstr("parameters"));

@@ -483,7 +483,18 @@ JetExpressions::Expression JetExpressions::call(const std::string& name) {
 
 // Functions that others can stand for; $1, $2 ... are their values.
 JetExpressions::Expression JetExpressions::sqliteCall(const std::string& name,
-                                                      const std::vector<std::string>& list) {
+                                                      std::vector<std::string> list) {
+  // Where weeks and years begin, as they do when nothing is said.
+  const struct {
+    std::string_view name;
+    size_t count;
+  } kWithWeeks[] = {{"DATEPART", 2}, {"FORMAT", 2}, {"DATEDIFF", 3}, {"WEEKDAY", 1}};
+  for (const auto& known : kWithWeeks) {
+    while (name == known.name && list.size() > known.count &&
+           (list.back() == "0" || list.back() == "1")) {
+      list.pop_back();
+    }
+  }
   static constexpr struct {
     std::string_view name;
     size_t count;

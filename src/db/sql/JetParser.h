@@ -104,7 +104,7 @@ class JetExpressions : public JetReader {
   Expression among(Expression left, bool inverted);
   Expression between(Expression left, bool inverted);
   Expression compared(Expression left, std::string op);
-  Expression sqliteCall(const std::string& name, const std::vector<std::string>& list);
+  Expression sqliteCall(const std::string& name, std::vector<std::string> list);
   std::string serverCall(const std::string& name, std::vector<std::string> arguments);
   static std::string held(const Expression& expression, Level least);
   std::string whole(const Expression& expression) const;

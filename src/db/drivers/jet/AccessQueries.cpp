@@ -33,11 +33,11 @@ bool isWordLetter(char letter) {
          (letter >= '0' && letter <= '9') || letter == '_' || (letter & 0x80);
 }
 
-// Access also writes "= Yes" and "= No" for truth values. Elsewhere these words may be fields, and
+// Access also writes "= Yes" and "<> No" for truth values. Elsewhere these words may be fields, and
 // between quotes and brackets anything.
 std::string withTruthWords(const std::string& expression) {
   std::string result;
-  bool afterEqual = false;
+  std::string before;  // the two pieces before this one, without blanks
   for (size_t at = 0; at < expression.size();) {
     size_t end = at + 1;
     const char first = expression[at];
@@ -49,14 +49,15 @@ std::string withTruthWords(const std::string& expression) {
     const std::string piece = expression.substr(at, end - at);
     const bool isPrefix =
         end < expression.size() && (expression[end] == '.' || expression[end] == '!');
-    if (afterEqual && !isPrefix && equalsNoCase(piece, "Yes")) {
+    const bool compared = before.ends_with("=") || before.ends_with("<>");
+    if (compared && !isPrefix && equalsNoCase(piece, "Yes")) {
       result += "True";
-    } else if (afterEqual && !isPrefix && equalsNoCase(piece, "No")) {
+    } else if (compared && !isPrefix && equalsNoCase(piece, "No")) {
       result += "False";
     } else {
       result += piece;
     }
-    if (piece != " ") afterEqual = piece == "=";
+    if (piece != " ") before = (before.empty() ? "" : before.substr(before.size() - 1)) + piece;
     at = end;
   }
   return result;
