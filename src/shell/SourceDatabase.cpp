@@ -24,7 +24,8 @@ SourceDatabase::SourceDatabase(ImportContext& context, frmDB& form, DataSheets& 
 }
 
 std::string SourceDatabase::pathInUse() const {
-  return form_.SourceDbInUse ? form_.txtDB.text() : std::string();
+  const bool inUse = form_.SourceDbInUse && form_.source().connection.IsOpen();
+  return inUse ? form_.txtDB.text() : std::string();
 }
 
 bool SourceDatabase::AvaaDB(const std::string& path, const MapRequest& request) {

@@ -149,8 +149,10 @@ TEST_F(WorkTest, DatabaseIsASourceInPlaceOfSheets) {
   EXPECT_FALSE(shell->calculations.databaseTables);
 }
 
-TEST_F(WorkTest, DatabaseThatCannotBeOpenedChangesNothing) {
+TEST_F(WorkTest, DatabaseThatCannotBeOpenedLeavesTheSheetsAsSource) {
   start();
+  open({assays("a.txt")});
+  open({database()});
   write("bad.mdb", "no database at all");
   dialogs.expectOpen({path("bad.mdb")});
   dialogs.expectMessage("Database " + path("bad.mdb") +
@@ -158,7 +160,9 @@ TEST_F(WorkTest, DatabaseThatCannotBeOpenedChangesNothing) {
   dialogs.expectMessage("Error in opening database " + path("bad.mdb"));
   shell->btChange.click();
   EXPECT_TRUE(dialogs.allAsked());
-  EXPECT_FALSE(shell->mnuLastDB(1).visible());
+  EXPECT_FALSE(shell->mnuLastDB(2).visible());
+  EXPECT_THAT(shell->sheets.lstSrcF.items(), ElementsAre("a"));
+  EXPECT_EQ(shell->source.pathInUse(), "");
   EXPECT_EQ(shell->tbLodexGeoDB.caption(), path("Geo/System/LODEXGeo.mdb"));
 }
 
