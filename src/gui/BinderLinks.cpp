@@ -202,9 +202,11 @@ bool takesSeveral(const QListWidget& view) {
 
 void showList(const ListBox& list, QListWidget& view) {
   const QSignalBlocker quiet(&view);
-  if (list.multiple()) view.setSelectionMode(QAbstractItemView::ExtendedSelection);
   const bool boxes = view.property("checkBoxes").toBool();
   const bool selectionBoxes = view.property("selectionBoxes").toBool();
+  if (list.multiple() && !selectionBoxes) {
+    view.setSelectionMode(QAbstractItemView::ExtendedSelection);
+  }
   while (view.count() > list.count()) delete view.takeItem(view.count() - 1);
   for (int i = 0; i < list.count(); ++i) {
     const QString text = toQt(list.item(i));

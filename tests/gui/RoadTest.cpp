@@ -1,15 +1,18 @@
 #include <QAction>
 #include <QCheckBox>
+#include <QDragEnterEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMimeData>
 #include <QPushButton>
-#include <QStatusBar>
 #include <QTemporaryDir>
 #include <fstream>
 #include <memory>
 
+#include "db/Recordset.h"
 #include "gui/GuiFixture.h"
 #include "gui/grid/GridTable.h"
 #include "gui/grid/WorksheetView.h"
@@ -35,8 +38,11 @@ class RoadTest : public GuiTest {
     child<QAction>(window, action)->trigger();
     settle();
   }
+  QWidget& panel() { return *child<QWidget>(window, "picCalc"); }
+  QListWidget* panelList(const char* name) { return child<QListWidget>(panel(), name); }
+  void press(const char* button) { click(panel(), button); }
   void tick(const char* list, const char* text, bool on = true) {
-    auto* view = child<QListWidget>(window, list);
+    auto* view = panelList(list);
     const auto found = view->findItems(QString::fromUtf8(text), Qt::MatchExactly);
     ASSERT_EQ(found.size(), 1) << list << " has no " << text;
     found.front()->setCheckState(on ? Qt::Checked : Qt::Unchecked);
@@ -49,10 +55,24 @@ class RoadTest : public GuiTest {
   }
   void type(WorksheetView& view, int row, int column, const char* text) {
     view.select({row, column, row, column});
-    QTest::keyClicks(view.table().viewport(), QString::fromUtf8(text));
-    QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : &view,
-                    Qt::Key_Return);
+    const QString keys = QString::fromUtf8(text);
+    QTest::keyClicks(&view.table(), keys.left(1));
+    auto* editor = view.table().findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr) << "typing opens no editor";
+    QTest::keyClicks(editor, keys.mid(1));
+    QTest::keyClick(editor, Qt::Key_Return);
     settle();
+  }
+
+  static std::string rowsOf(const std::string& database, const char* sql) {
+    Connection connection;
+    connection.Open(ConnectionString(database, "", ""));
+    std::string text;
+    for (auto rows = connection.OpenRecordset(sql); !rows->Eof(); rows->MoveNext()) {
+      for (int field = 0; field < 3; ++field) text += (field ? " " : "") + rows->Text(field);
+      text += '\n';
+    }
+    return text;
   }
 
   QTemporaryDir folder;
@@ -70,12 +90,112 @@ TEST_F(RoadTest, OpensIdentifiesOverrulesCalculatesSavesAndReopens) {
   ASSERT_TRUE(window.start());
   EXPECT_TRUE(window.isVisible());
 
-  dialogs.expectOpen({file("rocks.txt", rocks), file("metals.txt", metals),
-                      file("notes.txt", notes)});
+  // Three files at once.
+  dialogs.expectOpen(
+      {file("rocks.txt", rocks), file("metals.txt", metals), file("notes.txt", notes)});
   trigger("mnuOpen");
   EXPECT_EQ(window.area().subWindowList().size(), 3);
-  EXPECT_EQ(child<QListWidget>(window, "lstI")->count(), 3);
+  EXPECT_EQ(panelList("lstI")->count(), 3);
   EXPECT_EQ(shell().stages.stage(), 1);
+
+  // All of them are identified; the log comes up and the saving stage follows.
+  for (const char* sheet : {"rocks", "metals", "notes"}) tick("lstI", sheet);
+  press("cmdIdentify");
+  EXPECT_TRUE(session.log.visible());
+  session.log.hide();
+  frmDataIN& metalSheet = *shell().sheets.find("metals");
+  for (const char* name : {"rocks", "metals", "notes"}) {
+    EXPECT_TRUE(shell().sheets.find(name)->bIdentified) << name;
+  }
+  EXPECT_EQ(metalSheet.F1D.TextRC(2, 3), "Ni");
+
+  // The user knows better what the third column is, and types it.
+  shell().stages.SetStage(Stage::Identify);
+  settle();
+  WorksheetView& cells = grid(metalSheet);
+  const auto described = [&](int systemRow) {
+    return metalSheet.F1D.TextRC(metalSheet.SystemRows(systemRow), 5);
+  };
+  EXPECT_EQ(described(sysrow::Header), "Xyz");
+  EXPECT_EQ(described(sysrow::Identified), "");
+  type(cells, metalSheet.SystemRows(sysrow::Element), 5, "Co");
+  type(cells, metalSheet.SystemRows(sysrow::Unit), 5, "ppm");
+  EXPECT_EQ(described(sysrow::Element), "Co");
+  EXPECT_TRUE(metalSheet.Changed);
+  click(*window.windowOf(metalSheet), "cmdIdentify");
+  const std::string mark = described(sysrow::Identified);
+  EXPECT_TRUE(mark.starts_with("X(Co)")) << mark;
+  // Every step can be taken back, the program's as well as the user's.
+  cells.editor().undo();
+  EXPECT_EQ(described(sysrow::Identified), "");
+  cells.editor().undo();
+  cells.editor().undo();
+  EXPECT_EQ(described(sysrow::Element), "");
+  for (int step = 0; step < 3; ++step) cells.editor().redo();
+  EXPECT_EQ(described(sysrow::Identified), mark);
+
+  // Two methods.
+  press("Command2");
+  EXPECT_EQ(shell().stages.stage(), 2);
+  for (const char* method : {"REE", "PGE", "SF"}) tick("lstCalc", method, false);
+  press("cmdCalculate");
+  EXPECT_EQ(session.log.txtErr.text(), "");
+  frmCResult& result = shell().sheets.result;
+  ASSERT_EQ(result.F1D.NumSheets(), 2);
+  EXPECT_TRUE(result.visible());
+
+  // Into a new database, and from there back.
+  shell().stages.SetStage(Stage::Save);
+  settle();
+  const std::string database = fromQt(folder.filePath(QStringLiteral("samples.mdb")));
+  dialogs.expectForm("frmDDB", [&](Form& form) {
+    auto& destination = dynamic_cast<frmDDB&>(form);
+    dialogs.expectSave(database);
+    destination.Command1.click();
+    destination.cmdOK.click();
+  });
+  press("cmdDefine");
+  EXPECT_EQ(child<QLabel>(panel(), "lblDB")->text(), QStringLiteral("samples.mdb"));
+  // The three sheets share the samples and a table, so the later ones complete the earlier.
+  child<QCheckBox>(panel(), "chkMerge")->click();
+  press("cmdSaveInDBNow");
+  EXPECT_EQ(shell().saving.SaveErrors(), 0) << session.log.txtErr.text();
+  session.log.hide();
+  EXPECT_EQ(rowsOf(database, "SELECT [SiO2/%], [Ni/ppm], [S/%] FROM [ANALYSES] ORDER BY [Sample]"),
+            "50.1 120 0.1\n65 20 0.02\n");
+
+  // The saved database as a source of samples.
+  dialogs.expectOpen({database});
+  trigger("mnuOpen");
+  EXPECT_TRUE(shell().sourceForm.visible());
+  EXPECT_EQ(shell().sourceForm.txtDB.text(), database);
+}
+
+TEST_F(RoadTest, ClosingAsksOnceAndACancelKeepsEverything) {
+  ASSERT_TRUE(window.start());
+  dialogs.expectOpen({file("rocks.txt", rocks)});
+  trigger("mnuOpen");
+  dialogs.expectMessage("Are you sure to exit Lodex Geo?", Answer::Cancel);
+  window.close();
+  EXPECT_TRUE(window.isVisible());
+  EXPECT_EQ(shell().sheets.DataSheetCount(), 1);
+  dialogs.expectMessage("Are you sure to exit LodexGeo?", Answer::Ok);
+  trigger("mnuExit");
+  EXPECT_FALSE(window.isVisible());
+  EXPECT_EQ(shell().sheets.DataSheetCount(), 0);
+}
+
+TEST_F(RoadTest, DroppedFilesOpen) {
+  ASSERT_TRUE(window.start());
+  QMimeData dropped;
+  dropped.setUrls({QUrl::fromLocalFile(toQt(file("rocks.txt", rocks))),
+                   QUrl::fromLocalFile(toQt(file("notes.txt", notes)))});
+  QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&window, &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&window, &drop);
+  QTRY_COMPARE(shell().sheets.DataSheetCount(), 2);
 }
 
 }  // namespace

@@ -41,6 +41,9 @@ constexpr int betweenCopies = 30 * 1000;  // milliseconds
 
 const QString raiseText = QStringLiteral("raise");
 
+constexpr int cascadeStep = 28;  // pixels between the windows of new data sheets
+constexpr int cascadeSteps = 5;
+
 // The lists of the stage panel and the entries of their pop-up menus.
 const std::pair<const char*, QStringList> popUps[] = {
     {"lstCalc",
@@ -50,6 +53,25 @@ const std::pair<const char*, QStringList> popUps[] = {
     {"lstSrcD", {"mnuSelectAllDB", "mnuDeselectAllDB"}},
     {"lstI", {"mnuSelectAllID", "mnuDeselectAllID", "", "mnuRemove"}},
 };
+
+// A button of the status line; a long path is cut in its middle.
+QToolButton* statusButton(QAction& action) {
+  constexpr int widest = 260;
+  auto* button = new QToolButton;
+  button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  button->setAutoRaise(true);
+  const auto follow = [button, &action] {
+    button->setIcon(action.icon());
+    button->setText(button->fontMetrics().elidedText(action.iconText(), Qt::ElideMiddle, widest));
+    button->setToolTip(action.toolTip());
+    button->setEnabled(action.isEnabled());
+    button->setVisible(action.isVisible());
+  };
+  follow();
+  QObject::connect(&action, &QAction::changed, button, follow);
+  QObject::connect(button, &QToolButton::clicked, &action, &QAction::trigger);
+  return button;
+}
 
 }  // namespace
 
@@ -149,11 +171,7 @@ void MainWindow::buildStatusBar() {
   selectionInfo_->setObjectName(QStringLiteral("selectionInfo"));
   statusBar()->addPermanentWidget(selectionInfo_);
   for (const char* name : {"tbLodexGeoDB", "tbMineralDB", "btChange"}) {
-    auto* button = new QToolButton(statusBar());
-    button->setDefaultAction(findChild<QAction*>(QString::fromLatin1(name)));
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    button->setAutoRaise(true);
-    statusBar()->addPermanentWidget(button);
+    statusBar()->addPermanentWidget(statusButton(*findChild<QAction*>(QString::fromLatin1(name))));
   }
 }
 
@@ -262,8 +280,18 @@ void MainWindow::watch(Form& form) {
     }
     connect(window, &SheetWindow::statusText, selectionInfo_, &QLabel::setText);
     area_->addSubWindow(window);
+    placeNew(*window);
     window->show();
   });
+}
+
+// New windows step down from the corner, and all of them fit.
+void MainWindow::placeNew(QMdiSubWindow& window) {
+  const int step = newWindows_++ % cascadeSteps;
+  const QSize room = area_->viewport()->size();
+  const int margin = cascadeStep * (cascadeSteps - 1);
+  window.setGeometry(step * cascadeStep, step * cascadeStep, std::max(400, room.width() - margin),
+                     std::max(300, room.height() - margin));
 }
 
 void MainWindow::showSplash(Form& form) {
@@ -350,7 +378,8 @@ void MainWindow::openEditor(const QString& path) {
 }
 
 void MainWindow::showHelp(const QString& topic) {
-  if (!help_) help_ = new HelpWindow(toQt(pathText(nativePath(session_.record.HelpPath) / "guide")));
+  if (!help_)
+    help_ = new HelpWindow(toQt(pathText(nativePath(session_.record.HelpPath) / "guide")));
   auto* window = qobject_cast<HelpWindow*>(help_.data());
   window->showTopic(topic);
   window->show();

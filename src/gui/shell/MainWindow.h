@@ -46,6 +46,7 @@ class MainWindow : public QMainWindow {
   void buildPopUps();
   void buildLooks();
   void watch(Form& form);
+  void placeNew(QMdiSubWindow& window);
   void showSplash(Form& form);
   void arrange(Arrangement arrangement);
   void tile(Qt::Orientation orientation);
@@ -66,6 +67,7 @@ class MainWindow : public QMainWindow {
   FormViews views_;
   std::unique_ptr<MDIMain> shell_;
   QPointer<QWidget> help_;
+  int newWindows_ = 0;
   bool quitting_ = false;
 };
 
