@@ -1,5 +1,6 @@
 // lodex combine: several databases into one.
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <memory>
 #include <ostream>
 
@@ -25,8 +26,13 @@ void runCombine(const CombineOptions& options, CommandContext& context) {
     throw FileError("Database " + source + " does not exist");
   }
   if (!namesServer(options.into) && !pathExists(options.into)) createDatabase(options.into);
+  for (const std::string& source : options.sources) {
+    std::error_code unknown;
+    if (std::filesystem::equivalent(nativePath(source), nativePath(options.into), unknown)) {
+      context.err << "lodex: " << source << " is what is added to and no source\n";
+    }
+  }
   const CombineOutcome outcome = combineDatabases(console.session(), options.sources, options.into);
-  console.printLines(console.session().log.txtErr);
   context.out << replaceAll(console.session().log.txtLog.text(), "\r\n", "\n") << '\n';
   if (outcome.errors > 0) {
     throw Error(std::to_string(outcome.errors) + " records were not written, " +
@@ -40,7 +46,8 @@ void addCombineCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<CombineOptions>();
   CLI::App* command =
       app.add_subcommand("combine", "merge databases: their tables, fields, indexes and records");
-  command->add_option("SOURCES", options->sources, "database files")->required();
+  command->add_option("SOURCES", options->sources, "database files, or NAME.ORA for servers")
+      ->required();
   command->add_option("--into", options->into, "the database to add to; made if it is not there")
       ->required();
   command->callback([options, &context] { runCombine(*options, context); });

@@ -15,7 +15,8 @@ void addExportCommand(CLI::App& app, CommandContext& context) {
   };
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("export", "write all tables of a database for others");
-  command->add_option("DATABASE", options->database, "the database file")->required();
+  command->add_option("DATABASE", options->database, "database file, or NAME.ORA for a server")
+      ->required();
   command
       ->add_option("OUT", options->out,
                    "a folder for texts with schema.ini and a script, or a workbook (.xlsx)")

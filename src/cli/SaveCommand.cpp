@@ -58,7 +58,9 @@ void addSaveCommand(CLI::App& app, CommandContext& context) {
   CLI::App* command =
       app.add_subcommand("save", "identify analysis files and save them in a database");
   command->add_option("FILES", options->files, "workbooks and text files")->required();
-  command->add_option("--db", options->database, "database file; made if it is not there")
+  command
+      ->add_option("--db", options->database,
+                   "database file, made if it is not there; or NAME.ORA for a server")
       ->required();
   command->add_flag("--merge", options->merge,
                     "look samples up by their key; fill fields that are empty");

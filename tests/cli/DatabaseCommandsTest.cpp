@@ -31,10 +31,19 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   EXPECT_THAT(map.text, HasSubstr("table\tANALYSES\tSample\tFe/XRF/%\n"));
   EXPECT_THAT(map.text, HasSubstr("key\tANALYSES\tSample\n"));
   EXPECT_TRUE(std::filesystem::exists(folder / "a.ake"));
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::last_write_time(folder / "a.mdb", now + std::chrono::hours(1));
+  EXPECT_THAT(runLodex("map " + quoted("a.mdb") + "2>&1 >/dev/null").text,
+              HasSubstr("is older than the database"));
   EXPECT_EQ(runLodex("map " + quoted("missing.mdb") + "2>/dev/null").status, 1);
   const Outcome combined = runLodex("combine " + quoted("a.mdb") + "--into " + quoted("b.mdb"));
   EXPECT_EQ(combined.status, 0);
   EXPECT_THAT(combined.text, HasSubstr(" -3 records written in ANALYSES"));
+  EXPECT_THAT(runLodex("combine " + quoted("a.mdb") + "--into " + quoted("a.mdb") + "2>&1").text,
+              HasSubstr("a.mdb is what is added to and no source"));
+  EXPECT_EQ(runLodex("export " + quoted("b.mdb") + quoted("out") + "2>&1").text, "");
+  EXPECT_EQ(readFile((folder / "out" / "ANALYSES.csv").string()),
+            "\"Sample\",\"Fe/XRF/%\"\r\n\"S1\",5.5\r\n\"S2\",6\r\n\"S3\",\r\n");
   std::filesystem::remove_all(folder);
 }
 

@@ -1,23 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
+#include "cli/RunLodex.h"
 #include "db/Connection.h"
 
 namespace lodex {
 namespace {
 
 using testing::HasSubstr;
-
-struct Outcome {
-  int status;
-  std::string text;
-};
 
 class SqlCommand : public testing::Test {
  protected:
@@ -33,17 +27,7 @@ class SqlCommand : public testing::Test {
   void TearDown() override { std::filesystem::remove(database_); }
 
   Outcome run(const std::string& statement, const std::string& options = "") {
-    const std::string command = std::string(LODEX_BIN_DIR) + "/lodex sql " + database_ + " \"" +
-                                statement + "\" " + options + " 2>&1";
-    Outcome outcome{-1, ""};
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe) return outcome;
-    char buffer[4096];
-    while (const size_t got = std::fread(buffer, 1, sizeof buffer, pipe)) {
-      outcome.text.append(buffer, got);
-    }
-    outcome.status = WEXITSTATUS(::pclose(pipe));
-    return outcome;
+    return runLodex("sql " + database_ + " \"" + statement + "\" " + options + " 2>&1");
   }
 
   std::string database_ = (std::filesystem::temp_directory_path() /
