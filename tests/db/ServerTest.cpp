@@ -111,6 +111,7 @@ TEST_F(ServerTest, ReadsAndWritesARealServer) {
   EXPECT_EQ(schema(SchemaKind::Tables, 1), "TABLE;");
   EXPECT_EQ(schema(SchemaKind::Columns, 1), "SampleNo;Cu %;n;w;Day;Ok;Note;Cost;");
   EXPECT_EQ(schema(SchemaKind::Columns, 3), "202;4;3;5;7;11;203;131;");
+  EXPECT_EQ(schema(SchemaKind::Indexes, 1), "SampleNo;n;");
   EXPECT_EQ(schema(SchemaKind::Indexes, 2), "True;False;");
   EXPECT_EQ(schema(SchemaKind::Indexes, 5), "SampleNo;n;");
   results->MoveFirst();

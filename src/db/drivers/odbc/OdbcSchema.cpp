@@ -87,6 +87,11 @@ std::vector<Row> columns(const Link& link) {
   return rows;
 }
 
+// The names of indexes that this program makes begin with their table's.
+std::string ownName(const std::string& name, const std::string& table) {
+  return name.starts_with(table + "|") ? name.substr(table.size() + 1) : name;
+}
+
 std::vector<IndexFacts> keyOf(const Link& link, const ServerTable& table) {
   OdbcStatement statement(link);
   statement.askPrimaryKey(table.schema, table.name);
@@ -107,7 +112,10 @@ std::vector<Row> indexes(const Link& link) {
   for (const ServerTable& table : listTables(link)) {
     if (table.isView) continue;
     const std::vector<IndexFacts> key = keyOf(link, table);
-    for (const IndexFacts& part : key) rows.push_back(indexRow(part));
+    for (IndexFacts part : key) {
+      part.name = ownName(part.name, table.name);
+      rows.push_back(indexRow(part));
+    }
     OdbcStatement statement(link);
     statement.askIndexes(table.schema, table.name);
     while (statement.next()) {
@@ -118,8 +126,7 @@ std::vector<Row> indexes(const Link& link) {
       if (!key.empty() && key[0].name == index.name) continue;
       index.ordinal = statement.number(7);
       index.column = statement.text(8);
-      // The names of indexes that this program makes begin with their table's.
-      if (index.name.starts_with(table.name + "|")) index.name.erase(0, table.name.size() + 1);
+      index.name = ownName(index.name, table.name);
       rows.push_back(indexRow(index));
     }
   }
