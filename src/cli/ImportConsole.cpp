@@ -17,6 +17,11 @@ std::string thesaurusPath(const ThesaurusChoice& choice, const SessionRecord& re
   return {};
 }
 
+bool wasIdentified(frmDataIN& sheet) {
+  SheetStructure found;
+  return findSystemRows({sheet.F1D, found}) > 1 && found.row(sysrow::Identified) > 0;
+}
+
 }  // namespace
 
 ImportConsole::ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus)
@@ -110,11 +115,31 @@ void ImportConsole::joinUnits(frmDataIN& sheet) {
 
 void ImportConsole::identify() {
   if (sheets_.DataSheetCount() == 0) return;
+  std::vector<bool> identifiedBefore;  // by number, from 0
   for (int number = 1; number <= sheets_.DataSheetCount(); ++number) {
     joinUnits(sheets_.sheet(number));
+    identifiedBefore.push_back(wasIdentified(sheets_.sheet(number)));
   }
-  sheets_.lstI.selectAll(true);
-  sheets_.IDENTIFY(false);
+  frmLog& log = session().log;
+  std::vector<std::string> logged;
+  std::vector<std::string> errors;
+  const bool useThesaurus = sheets_.chkUseThes.checked();
+  for (const bool before : {false, true}) {
+    for (int i = 0; i < sheets_.lstI.count(); ++i) {
+      sheets_.lstI.setSelected(i, identifiedBefore[static_cast<size_t>(i)] == before);
+    }
+    if (sheets_.lstI.selectedItems().empty()) continue;
+    // Of a sheet that was identified and saved, the rows may have been corrected since.
+    sheets_.chkOnlyNonX.setChecked(before);
+    sheets_.chkUseThes.setChecked(useThesaurus && !before);
+    sheets_.IDENTIFY(false);
+    if (!log.txtLog.text().empty()) logged.push_back(log.txtLog.text());
+    if (!log.txtErr.text().empty()) errors.push_back(log.txtErr.text());
+  }
+  log.txtLog.setText(join(logged, "\r\n"));
+  log.txtErr.setText(join(errors, "\r\n"));
+  sheets_.chkOnlyNonX.setChecked(false);
+  sheets_.chkUseThes.setChecked(useThesaurus);
 }
 
 void ImportConsole::printLines(const std::string& pane, const std::string& prefix) const {

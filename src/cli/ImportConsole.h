@@ -31,7 +31,8 @@ class ImportConsole {
   int open(const std::vector<std::string>& files);
   /// Makes this row the heading of all open sheets (rows count from 1); the rows above it go.
   void setHeaderRow(int row);
-  /// Identifies all open sheets. A row of units below the headings is joined to them first.
+  /// Identifies all open sheets. A row of units below the headings is joined to them first. Sheets
+  /// that were identified and saved before keep what their system rows say of marked columns.
   void identify();
   /// Prints a pane of the log to standard error, each line behind `prefix`.
   void printLines(const std::string& pane, const std::string& prefix) const;

@@ -341,7 +341,12 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
   if (request.columns && descriptions_ == Descriptions::Rewrite) {
     warnOfUnknownHeadings(sheet, log);
   }
-  if (request.unidentifiedToUser) placeUnidentified(sheet, rules(), log);
+  if (request.unidentifiedToUser) {
+    IdentifyRules rules = this->rules();
+    const bool keep = request.onlyNonX || descriptions_ == Descriptions::Keep;
+    rules.descriptions = keep ? Descriptions::Keep : Descriptions::Rewrite;
+    placeUnidentified(sheet, rules, log);
+  }
   if (numbers.idColumn > 0) {
     nameIdField(sheet);
     lodex::CheckIDCOL(sheet, numbers.idColumn, 0, caption(), log);

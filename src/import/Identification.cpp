@@ -209,7 +209,9 @@ void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, 
     const std::string element = sheet.text(sysrow::Element, column);
     const std::string& heading = header.empty() ? element : header;
     if (heading.empty()) continue;
-    if (sheet.isDescribed(column) && !isPlacedAsUnidentified(sheet, column, heading)) continue;
+    const bool keep =
+        rules.descriptions == Descriptions::Keep || !isPlacedAsUnidentified(sheet, column, heading);
+    if (sheet.isDescribed(column) && keep) continue;
     sheet.setText(sysrow::Table, column, table);
     sheet.setText(sysrow::Field, column, heading);
     sheet.setText(sysrow::Type, column, unidentifiedType);

@@ -45,6 +45,27 @@ TEST_F(IdentifyCommand, PrintsAndSavesWhatItFound) {
   EXPECT_EQ(saved.TextSRC(2, 2, 3), "Au");
 }
 
+TEST_F(IdentifyCommand, CorrectionsInASavedSheetHold) {
+  const std::string raw = file("a.txt", "No\tFe ppm\tCore depth\tNote\n1\t5\t12.5\tx\n");
+  const std::string path = (folder / "a.xlsx").string();
+  EXPECT_EQ(runLodex("identify " + raw + "--out '" + path + "'").status, 0);
+  Worksheet book;
+  book.Read(path);
+  const auto correct = [&](const char* caption, int column, const char* text) {
+    const FindResult row = book.Find(caption, 1, 1, 1, 12, 1);
+    ASSERT_GT(row.found, 0) << caption;
+    book.TextSRC(1, row.row, column, text);
+  };
+  correct("ELEMENT", 3, "Fe2O3");
+  correct("UNIT", 3, "%");
+  correct("FIELD", 3, "Iron");
+  correct("TABLE", 4, "CORE");
+  book.Write(path, FileType::Xlsx);
+  const Outcome again = runLodex("identify '" + path + "' 2>&1");
+  EXPECT_THAT(again.text, ContainsRegex("C  *Fe ppm  *Fe2O3  *%  *ANALYSES  *Iron  *SINGLE"));
+  EXPECT_THAT(again.text, ContainsRegex("D  *Core depth  *CORE  *Core depth  *TEXT"));
+}
+
 TEST_F(IdentifyCommand, GoesOnBehindAFileThatCannotBeOpened) {
   const std::string good = file("good.txt", "No\tFe %\n1\t5\n");
   const std::string missing = "'" + (folder / "missing.xls").string() + "' ";
