@@ -7,7 +7,8 @@ namespace lodex {
 ///   Columns: TABLE_NAME, COLUMN_NAME, ORDINAL_POSITION (from 1), DATA_TYPE (a FieldCode),
 ///            CHARACTER_MAXIMUM_LENGTH (Null for no limit), NUMERIC_PRECISION and NUMERIC_SCALE
 ///            (Null where they are not known), IS_NULLABLE, AUTOINCREMENT (numbered by the
-///            database); views included,
+///            database), DESCRIPTION (what its maker says of it, kept from Access files); views
+///            included,
 ///   Indexes: TABLE_NAME, INDEX_NAME, PRIMARY_KEY, UNIQUE, ORDINAL_POSITION (from 1),
 ///            COLUMN_NAME; the primary key's columns in their order in the key,
 ///   Tables:  TABLE_NAME, TABLE_TYPE ("TABLE" or "VIEW"),

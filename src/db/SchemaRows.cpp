@@ -21,7 +21,8 @@ std::vector<Field> fieldsOf(SchemaKind kind) {
               {"NUMERIC_PRECISION", kNumber, ""},
               {"NUMERIC_SCALE", kNumber, ""},
               {"IS_NULLABLE", kTruth, ""},
-              {"AUTOINCREMENT", kTruth, ""}};
+              {"AUTOINCREMENT", kTruth, ""},
+              {"DESCRIPTION", {FieldCode::Memo}, ""}};
     case SchemaKind::Indexes:
       return {{"TABLE_NAME", kName, ""},         {"INDEX_NAME", kName, ""},
               {"PRIMARY_KEY", kTruth, ""},       {"UNIQUE", kTruth, ""},
@@ -68,7 +69,8 @@ Row columnRow(const ColumnFacts& column) {
           wholeIf(type.precision > 0, type.precision),
           wholeIf(type.precision > 0, type.scale),
           truth(column.nullable),
-          truth(column.counter)};
+          truth(column.counter),
+          column.description.empty() ? FieldValue() : FieldValue(column.description)};
 }
 
 Row indexRow(const IndexFacts& index) {

@@ -21,6 +21,7 @@ struct ColumnFacts {
   FieldType type = {};
   bool nullable = true;
   bool counter = false;
+  std::string description = {};
 };
 Row columnRow(const ColumnFacts& column);
 

@@ -185,6 +185,29 @@ TEST_F(ConnectionTest, AnotherUsersLockGivesAClearErrorAndLeavesTheDataWhole) {
   EXPECT_EQ(writer.OpenRecordset("SELECT * FROM t")->RecordCount(), 1);
 }
 
+TEST_F(ConnectionTest, AFullDiskLeavesNothingOfAUnit) {
+  auto connection = makeDatabase("full.mdb");
+  connection.Execute("CREATE TABLE a (x MEMO)");
+  connection.Execute("CREATE TABLE b (x LONG)");
+  connection.Execute("PRAGMA max_page_count = 12");
+  {
+    Transaction work(connection);
+    connection.Execute("INSERT INTO b VALUES (1)");
+    EXPECT_THAT(
+        errorOf([&] { connection.Execute("INSERT INTO a VALUES (?)", {std::string(90000, 'x')}); }),
+        HasSubstr("the disk is full"));
+    // The rest of the unit must not become lasting record by record.
+    EXPECT_THAT(errorOf([&] { connection.Execute("INSERT INTO b VALUES (2)"); }),
+                HasSubstr("was given up"));
+    EXPECT_THAT(errorOf([&] { work.commit(); }), HasSubstr("was given up"));
+  }
+  EXPECT_EQ(connection.OpenRecordset("SELECT * FROM b")->RecordCount(), 0);
+  Transaction work(connection);
+  connection.Execute("INSERT INTO b VALUES (3)");
+  work.commit();
+  EXPECT_EQ(connection.OpenRecordset("SELECT * FROM b")->RecordCount(), 1);
+}
+
 TEST_F(ConnectionTest, ForwardOnlyRecordsPassOnce) {
   auto connection = makeDatabase("f.mdb");
   connection.Execute("CREATE TABLE t (a LONG INT)");
@@ -227,15 +250,15 @@ TEST_F(ConnectionTest, SchemaTellsTablesColumnsAndKeys) {
   EXPECT_EQ(listing(SchemaKind::Tables),
             "A|TABLE\nb %|TABLE\nC|TABLE\nf_Broken|VIEW\nf_Rock|VIEW\n");
   EXPECT_EQ(listing(SchemaKind::Columns),
-            "A|k|1|3||||True|False\n"
-            "A|v \"q\"|2|4||||True|False\n"
-            "b %|y|1|203||||False|False\n"
-            "b %|x|2|202|30|||False|False\n"
-            "b %|d|3|131||10|2|True|False\n"
-            "C|ID|1|3||||True|True\n"
-            "C|No|2|3||||True|True\n"
-            "C|kk|3|3||||True|False\n"
-            "f_Rock|n|1|3||||True|False\n");
+            "A|k|1|3||||True|False|\n"
+            "A|v \"q\"|2|4||||True|False|\n"
+            "b %|y|1|203||||False|False|\n"
+            "b %|x|2|202|30|||False|False|\n"
+            "b %|d|3|131||10|2|True|False|\n"
+            "C|ID|1|3||||True|True|\n"
+            "C|No|2|3||||True|True|\n"
+            "C|kk|3|3||||True|False|\n"
+            "f_Rock|n|1|3||||True|False|\n");
   EXPECT_EQ(listing(SchemaKind::Indexes),
             "A|A k|False|True|1|k\n"
             "b %|PrimaryKey|True|True|1|x\n"

@@ -91,8 +91,8 @@ TEST_F(ExportTest, TheScriptMakesTheSameStructure) {
   exportDatabase(connection_, path("out"));
   const std::string columns = structure(SchemaKind::Columns);
   const std::string indexes = structure(SchemaKind::Indexes);
-  EXPECT_THAT(columns, HasSubstr("|d|8|131||10|2|True|False\n"));
-  EXPECT_THAT(columns, HasSubstr("Zone;1|ID|1|3||||True|True\n"));
+  EXPECT_THAT(columns, HasSubstr("|d|8|131||10|2|True|False|\n"));
+  EXPECT_THAT(columns, HasSubstr("Zone;1|ID|1|3||||True|True|\n"));
   connection_.Close();
   createDatabase(path("again.mdb"));
   connection_.Open(ConnectionString(path("again.mdb"), "", ""));
@@ -145,6 +145,12 @@ TEST_F(ExportTest, AWorkbookHoldsASheetPerTable) {
 TEST_F(ExportTest, WhatCannotBeWrittenIsAnErrorAndWhatAccessCannotTakeIsTold) {
   EXPECT_THROW(exportDatabase(connection_, path()), FileError);
   EXPECT_THROW(exportDatabase(connection_, path("missing/out.xlsx")), Error);
+  run("CREATE TABLE `x] (a LONG); DROP TABLE [y` ([b\nCol9=c] LONG)");
+  exportDatabase(connection_, path("hostile"));
+  EXPECT_THAT(readFile(path("hostile/database.sql")),
+              HasSubstr("CREATE TABLE `x] (a LONG); DROP TABLE [y` ([b\nCol9=c] LONG);"));
+  EXPECT_THAT(readFile(path("hostile/schema.ini")), HasSubstr("Col1=\"b Col9=c\" Long\r\n"));
+  run("DROP TABLE `x] (a LONG); DROP TABLE [y`");
   run("CREATE TABLE [a.b] ([x!] LONG)");
   EXPECT_THAT(exportDatabase(connection_, path("out")),
               ElementsAre("Table a.b has a name that Access cannot take",

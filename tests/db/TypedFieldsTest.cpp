@@ -46,7 +46,7 @@ TEST_F(TypedFieldsTest, ATableGrowsFromNothing) {
   run("CREATE INDEX Cu % ON [Empty] (Cu %)");
   run("CREATE TABLE [Other] ([Cu %] SINGLE)");
   run("CREATE INDEX [Cu %] ON [Other] ([Cu %])");
-  EXPECT_EQ(schema(SchemaKind::Columns, "TABLE_NAME='Empty'"), "Cu %|1|4||||True|False;");
+  EXPECT_EQ(schema(SchemaKind::Columns, "TABLE_NAME='Empty'"), "Cu %|1|4||||True|False|;");
   EXPECT_EQ(schema(SchemaKind::Indexes, "TABLE_NAME='Empty'"), "Cu %|False|False|1|Cu %;");
   run("DROP INDEX [Cu %] ON [Empty]");
   EXPECT_EQ(schema(SchemaKind::Indexes, "TABLE_NAME='Empty'"), "");

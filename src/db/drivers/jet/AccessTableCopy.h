@@ -11,12 +11,7 @@ namespace lodex {
 
 class AccessCopyReport;
 
-/// Table of a copy that holds what Access tells of fields beyond their types, with the columns
-/// table_name, field_name ("" for the table itself), description, caption, default_value, rule and
-/// rule_text, all as Access words them.
-inline constexpr std::string_view kFieldsTable = "MSysLodexFields";
-
-/// The statement that makes it.
+/// The statement that makes the table of what Access tells of fields (kFieldsTable).
 std::string fieldsTableSql();
 
 /// Copies one table with its records, keys, indexes, and what its properties demand (by field, as

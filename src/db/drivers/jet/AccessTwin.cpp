@@ -18,6 +18,7 @@
 #include "db/drivers/jet/AccessFile.h"
 #include "db/drivers/jet/AccessHelper.h"
 #include "db/drivers/sqlite/SqliteDriver.h"
+#include "db/sql/JetSql.h"
 
 namespace lodex {
 
@@ -175,7 +176,8 @@ void makeViews(Driver& driver, std::vector<std::string>& warnings) {
     before = waiting.size();
     std::erase_if(waiting, [&](Saved& one) {
       if (!runsAsQuery(driver, one.name, one.sql, one.reason)) return false;
-      if (one.sql.starts_with("TRANSFORM")) {
+      if (one.sql.starts_with("TRANSFORM") &&
+          !readJetSql(one.sql, SqlTarget::Sqlite).pivotSql.empty()) {
         warnings.push_back("Query " + one.name +
                            " keeps the columns that it had when the file was brought in");
       }

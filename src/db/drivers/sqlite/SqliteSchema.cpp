@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -68,8 +69,20 @@ std::unordered_set<std::string> counterTriggers(const File& file) {
   return names;
 }
 
+// What the copy of an Access file says of its fields, by table and field in upper case.
+std::unordered_map<std::string, std::string> descriptions(const File& file) {
+  std::unordered_map<std::string, std::string> texts;
+  const std::string table(kFieldsTable);
+  if (rowsOf(file, "SELECT 1 FROM sqlite_master WHERE name = ?", {table}).empty()) return texts;
+  for (const Row& row : rowsOf(file, "SELECT table_name, field_name, description FROM " + table)) {
+    texts[toUpper(fieldText(row[0]) + "|" + fieldText(row[1]))] = fieldText(row[2]);
+  }
+  return texts;
+}
+
 std::vector<Row> columns(const File& file) {
   const auto counters = counterTriggers(file);
+  const auto texts = descriptions(file);
   std::vector<Row> result;
   for (const Table& table : listTables(file)) {
     try {
@@ -84,6 +97,8 @@ std::vector<Row> columns(const File& file) {
         // A key of this very type is the record's number.
         column.counter = (wholeOf(row[4]) == 1 && equalsNoCase(declared, "INTEGER")) ||
                          counters.contains(toUpper(table.name + "|" + column.name + "|counter"));
+        const auto text = texts.find(toUpper(table.name + "|" + column.name));
+        if (text != texts.end()) column.description = text->second;
         result.push_back(columnRow(column));
       }
     } catch (const FileError&) {

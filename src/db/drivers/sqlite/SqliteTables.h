@@ -11,6 +11,11 @@ namespace lodex {
 /// A table needs a column; this one stands in a table that has no fields yet.
 inline constexpr std::string_view kNoFields = "|no fields|";
 
+/// Table of a copy of an Access file that holds what Access tells of fields beyond their types,
+/// with the columns table_name, field_name ("" for the table itself), description, caption,
+/// default_value, rule and rule_text, all as Access words them.
+inline constexpr std::string_view kFieldsTable = "MSysLodexFields";
+
 /// The statements that carry out a CreateTable.
 std::vector<std::string> createTableSql(const JetStatement& statement);
 
