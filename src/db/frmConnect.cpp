@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "basic/Error.h"
 #include "basic/Files.h"
 #include "session/Ini.h"
 
@@ -58,7 +59,10 @@ frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), 
                                    std::pair("Mineral database: ", session.record.MineralDbPath)}) {
     if (!path.empty()) txtInUse.appendText(name + path + "\r\n");
   }
-  txtFolder.onChange([this] { showFolder(); });
+  txtFolder.onChange([this] {
+    txtFile.setText("");  // the file of another folder
+    showFolder();
+  });
   Drive1.setCurrent(0);
   Drive1.onClick([this](int drive) { txtFolder.setText(Drive1.item(drive)); });
   Dir1.onActivate([this](int) { changeFolder(); });
@@ -130,7 +134,11 @@ void frmConnect::openLast() {
 void frmConnect::take(const std::string& path, bool mapAfresh) {
   result_ = path;
   mapAfresh_ = mapAfresh;
-  PushLastFile(session_.record, path, "Session");
+  try {
+    PushLastFile(session_.record, path, "Session");
+  } catch (const FileError& error) {
+    session_.log.LisaaLog(error.what());  // the database can be opened all the same
+  }
   close();
 }
 

@@ -2,11 +2,13 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QCheckBox>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QSet>
-#include <QToolButton>
 
 namespace lodex {
 namespace {
@@ -44,7 +46,10 @@ void mark(Widget& widget, QSet<QChar>& taken) {
 
 bool wantsLetter(const QAbstractButton& button) {
   const QString text = button.text();
-  if (text.isEmpty() || qobject_cast<const QToolButton*>(&button)) return false;
+  const bool standard = qobject_cast<const QPushButton*>(&button) ||
+                        qobject_cast<const QCheckBox*>(&button) ||
+                        qobject_cast<const QRadioButton*>(&button);
+  if (text.isEmpty() || !standard) return false;
   return text != QLatin1String("OK") && button.objectName() != QLatin1String("cmdCancel");
 }
 

@@ -224,8 +224,10 @@ int PeriodicTable::neighbour(QPoint direction) const {
     const QPoint way = cells_[i]->place() - from->place();
     const int along = way.x() * direction.x() + way.y() * direction.y();
     const int across = std::abs(way.x() * direction.y()) + std::abs(way.y() * direction.x());
+    // Rows are walked to their ends; columns have gaps to be passed.
+    if (along <= 0 || across > (direction.x() != 0 ? 0 : 1)) continue;
     const int distance = along + 4 * across;
-    if (along <= 0 || (best >= 0 && distance >= bestDistance)) continue;
+    if (best >= 0 && distance >= bestDistance) continue;
     best = static_cast<int>(i);
     bestDistance = distance;
   }
