@@ -1,8 +1,10 @@
 #include <CLI/CLI.hpp>
+#include <cmath>
 #include <memory>
 #include <ostream>
 
 #include "basic/Error.h"
+#include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "cli/CliSession.h"
 #include "cli/Commands.h"
@@ -71,7 +73,11 @@ std::string jsonValue(const Recordset& records, int field) {
     return fieldNumber(value) != 0 ? "true" : "false";
   }
   if (std::holds_alternative<std::string>(value)) return jsonText(std::get<std::string>(value));
-  return fieldText(value);
+  const auto* number = std::get_if<double>(&value);
+  if (!number) return fieldText(value);
+  // JSON has no word for it; every reader takes this for too large to hold.
+  if (std::isinf(*number)) return *number < 0 ? "-1E999" : "1E999";
+  return exactNumberText(*number);
 }
 
 void printTable(Recordset& records, std::ostream& out, char separator,

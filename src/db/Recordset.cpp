@@ -1,13 +1,28 @@
 #include "db/Recordset.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cmath>
 
 #include "basic/Error.h"
+#include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
 #include "db/FieldValues.h"
 
 namespace lodex {
+
+namespace {
+
+// A value of single precision reads as it was entered: 0.1, and not the nearest double of it.
+std::string singleText(double value) {
+  const auto single = static_cast<float>(value);
+  if (single == value && std::isfinite(single)) value = numberOf(fmt::format("{}", single));
+  return numberText(value);
+}
+
+}  // namespace
 
 Recordset::Recordset(std::unique_ptr<RowSource> rows, CursorKind cursor)
     : cursor_(cursor), fields_(rows->fields()) {
@@ -124,6 +139,8 @@ std::string Recordset::Text(int field) const {
   if (fields_[field].type.code == FieldCode::Boolean && !isNull(value)) {
     return fieldNumber(value) != 0 ? "True" : "False";
   }
+  const auto* number = std::get_if<double>(&value);
+  if (number && fields_[field].type.code == FieldCode::Single) return singleText(*number);
   return fieldText(value);
 }
 

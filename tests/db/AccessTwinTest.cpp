@@ -119,6 +119,22 @@ TEST_F(AccessTwinTest, StaysAsItIsWhenTheNewFileIsDamaged) {
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 3);  // with the record of the twin
 }
 
+TEST_F(AccessTwinTest, SinglesReadAsTheyWereEntered) {
+  AccessMaker maker;
+  maker.addTable({"T", {{"n", AccessType::Single}}});
+  for (const float value : {0.1f, 444.555f, 16777217.0f, 1e-7f, 1.0f / 3}) {
+    maker.addRecord({storedAs(value)});
+  }
+  maker.write(access_.string());
+  Connection connection;
+  connection.Open(ConnectionString(access_.string(), "", ""));
+  std::string texts;
+  for (auto rows = connection.OpenRecordset("SELECT n FROM T"); !rows->Eof(); rows->MoveNext()) {
+    texts += rows->Text(0) + ";";
+  }
+  EXPECT_EQ(texts, "0.1;444.555;16777216;1E-07;0.33333334;");
+}
+
 // A folder that cannot be written; the superuser could, so it is left to another user.
 TEST_F(AccessTwinTest, GoesToTheUsersFolderWhereItsOwnCannotBeWritten) {
   make(3);
