@@ -125,7 +125,9 @@ void CalculationGroup::load(std::string_view folder, UnreadableBook unreadable) 
       readBook(path);
     } catch (const Error& error) {
       problems_.push_back(error.what());
-      if (unreadable == UnreadableBook::Stop) break;
+      if (unreadable == UnreadableBook::Skip) continue;
+      problems_.back() += "; the workbooks behind it in the folder are not loaded";
+      break;
     }
   }
   resolveAllLinks();
@@ -137,6 +139,10 @@ void CalculationGroup::readBook(const std::string& path) {
   made->path = path;
   made->book.Title(methodNameOf(path));
   findSheets(*made);
+  if (const int other = MethodIndex(made->name())) {
+    problems_.push_back(path + " is not used: method " + made->name() + " is " +
+                        method(other).path);
+  }
   methods_.push_back(std::move(made));
 }
 

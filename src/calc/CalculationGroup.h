@@ -56,7 +56,7 @@ class CalculationGroup {
   const std::string& folder() const { return folder_; }
   /// Changes with every load, so that whoever keeps notes about methods knows when to drop them.
   int generation() const { return generation_; }
-  /// Files that could not be read, with the reason.
+  /// Files that could not be read, with the reason, and those whose method name is taken.
   const std::vector<std::string>& problems() const { return problems_; }
 
   /// The number of the method with that name; 0 if there is none.

@@ -37,8 +37,11 @@ std::string elementCell(const ItemHeading& heading);
 std::string unitCell(const ItemHeading& heading);
 
 /// The factor that turns a number of a column into what the item asks for: units by their factors
-/// to per cent, forms by their mass ratio. Where one of the two has no known unit the number is
-/// taken to stand in the unit that is asked for; an unknown mass ratio counts as 1.
+/// to per cent, forms by their mass ratio. A factor says how many of a unit make one per cent, so a
+/// number is divided by that of its column and multiplied by that of the item: a method that asks
+/// for ppm gets ppm from a column in ppm as well as from one in %. Where one of the two has no
+/// known unit the number is taken to stand in the unit that is asked for; an unknown mass ratio
+/// counts as 1.
 double conversionFactor(const ItemHeading& column, const ItemHeading& item,
                         const CompoundConverter& converter);
 

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <ostream>
+#include <set>
 
 #include "basic/Error.h"
 #include "basic/Text.h"
@@ -37,8 +38,9 @@ void printGroup(CommandContext& context, const std::string& name, const SessionR
   CalculationGroup group;
   loadGroup(group, name, record);
   context.out << name << '\n';
+  std::set<std::string> printed;
   for (const std::string& method : group.MethodListOrder()) {
-    printMethod(context.out, group, method);
+    if (printed.insert(toUpper(method)).second) printMethod(context.out, group, method);
   }
   for (const std::string& problem : group.problems()) context.err << "lodex: " << problem << '\n';
 }

@@ -97,6 +97,16 @@ TEST_F(CalculationGroupTest, StopsAtAnUnreadableWorkbookOrSkipsIt) {
   EXPECT_THAT(group.MethodListOrder(), ElementsAre("A", "C"));
 }
 
+TEST_F(CalculationGroupTest, TheFirstOfAClashingNameAnswers) {
+  writeMethod("norm.old.xls", {.output = {"first||1"}});
+  writeMethod("NORM.xls", {.output = {"second||2"}});
+  load();
+  EXPECT_EQ(group.count(), 2);
+  EXPECT_EQ(group.method(group.MethodIndex("Norm")).book.TextSRC(5, 1, 1), "first");
+  ASSERT_EQ(group.problems().size(), 1u);
+  EXPECT_THAT(group.problems()[0], testing::HasSubstr("NORM.xls is not used"));
+}
+
 TEST_F(CalculationGroupTest, FindsInputAndOutputByNameElseByPlace) {
   Worksheet named;
   named.NumSheets(2);
