@@ -6,6 +6,7 @@
 static void initResources() {
   Q_INIT_RESOURCE(forms);
   Q_INIT_RESOURCE(icons);
+  Q_INIT_RESOURCE(translations);
 }
 
 namespace lodex {
