@@ -184,8 +184,10 @@ class Painting {
     }
     const bool wraps = style.format->wrap && !value.isNumber();
     if (!wraps) shown.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    // A number that kept its spelling, as "52.20", stands under the other numbers.
+    const bool number = value.isNumber() || value.kind() == ValueKind::NumericText;
     const Qt::Alignment alignment =
-        alignmentOf(*style.format, value.isNumber(), value.isBoolean() || value.isError());
+        alignmentOf(*style.format, number, value.isBoolean() || value.isError());
     painter_.setFont(style.font);
     painter_.setPen(colorFor(style, value));
     if (wraps) {
