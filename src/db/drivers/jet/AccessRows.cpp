@@ -333,7 +333,9 @@ bool AccessRows::readLong(AccessBytes& bytes) {
 void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value) {
   if (column.calculated) {
     if (bytes.size() < kCalculatedValue) return;
-    bytes = bytes.part(kCalculatedValue, bytes.u32(kCalculatedLength));
+    const size_t length = bytes.u32(kCalculatedLength);
+    bytes = bytes.from(kCalculatedValue);
+    bytes = bytes.part(0, std::min(length, bytes.size()));
     if (column.type == AccessType::Boolean) return setWhole(bytes.u8(0) ? -1 : 0, value);
     if (column.type == AccessType::Numeric) return readCalculatedNumeric(bytes, value);
   }
