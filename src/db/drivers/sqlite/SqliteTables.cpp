@@ -25,16 +25,16 @@ struct Demand {
 
 Demand wholeNumber(const std::string& field, std::string_view least, std::string_view most) {
   const std::string range = std::string(least) + " and " + std::string(most);
-  return {"typeof(" + field + ") IN ('null', 'integer') AND coalesce(" + field + ", 0) BETWEEN " +
-              range,
+  return {"typeof(" + field + ") <> 'real' AND " + field + " BETWEEN " + range,
           "whole numbers between " + range};
 }
 
 // What a field's type demands of its values. Only functions that every program has are used, so
-// that other tools can write to the file as well.
+// that other tools can write to the file as well. The conditions are short because they are read
+// each time that a file is opened; texts and bytes count as greater than any number.
 Demand demandOf(const JetColumn& column) {
   const std::string field = quoted(column.name);
-  const std::string number = "typeof(" + field + ") IN ('null', 'integer', 'real')";
+  const std::string number = field + " <= 9e999";
   switch (column.type.code) {
     case FieldCode::SmallInt:
       return wholeNumber(field, "-32768", "32767");
@@ -45,13 +45,12 @@ Demand demandOf(const JetColumn& column) {
     case FieldCode::Boolean:
       return {field + " IN (-1, 0, 1)", "True and False"};
     case FieldCode::Single:
-      return {number + " AND abs(coalesce(" + field + ", 0)) <= 3.402824E38",
-              "numbers of single precision"};
+      return {field + " BETWEEN -3.402824E38 AND 3.402824E38", "numbers of single precision"};
     case FieldCode::Numeric: {
       if (column.type.precision == 0) return {number, "numbers"};
-      const int digits = column.type.precision - column.type.scale;
-      return {number + " AND abs(coalesce(" + field + ", 0)) < 1E" + std::to_string(digits),
-              "numbers of up to " + std::to_string(digits) + " digits before the point"};
+      const std::string digits = std::to_string(column.type.precision - column.type.scale);
+      return {field + " > -1E" + digits + " AND " + field + " < 1E" + digits,
+              "numbers of up to " + digits + " digits before the point"};
     }
     case FieldCode::Double:
     case FieldCode::Currency:
