@@ -150,9 +150,18 @@ class SqliteDriver : public Driver {
   }
 
   // The lock is taken at once: a unit of work then fails at its start and not half-way.
-  void begin() override { run("BEGIN IMMEDIATE"); }
-  void commit() override { run("COMMIT"); }
-  void rollback() override { run("ROLLBACK"); }
+  void begin() override {
+    run("BEGIN IMMEDIATE");
+    file_->inUnit = true;
+  }
+  void commit() override {
+    run("COMMIT");
+    file_->inUnit = false;
+  }
+  void rollback() override {
+    file_->inUnit = false;
+    if (!sqlite3_get_autocommit(file_->handle)) run("ROLLBACK");
+  }
 
   void busyTimeout(int milliseconds) override { sqlite3_busy_timeout(file_->handle, milliseconds); }
 

@@ -154,6 +154,11 @@ void SqliteStatement::compile() {
 }
 
 bool SqliteStatement::step() {
+  if (file_->inUnit && sqlite3_get_autocommit(file_->handle)) {
+    throw Error("Database " + file_->path +
+                    ": what was written together with a record that failed was given up",
+                dberror::Unspecified);
+  }
   const int code = sqlite3_step(handle_);
   checkSqlite(*file_, code, shown_);
   return code == SQLITE_ROW;

@@ -16,6 +16,9 @@ namespace lodex {
 struct SqliteFile {
   sqlite3* handle = nullptr;
   std::string path;
+  /// A unit of work was begun. The engine gives one up by itself, when the disk is full for one;
+  /// until the unit is ended, no statement runs then.
+  bool inUnit = false;
   /// Statements that ran lately, ready to run again: compiling one takes longer than running it.
   std::list<std::pair<std::string, sqlite3_stmt*>> idle;
 
