@@ -29,11 +29,6 @@ std::unique_ptr<Recordset> recordsOf(Connection& connection, const std::string& 
   return connection.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
 }
 
-// A name between brackets, as Access takes it.
-std::string bracketed(const std::string& name) {
-  return "[" + name + "]";
-}
-
 std::string quotedCsv(const std::string& text) {
   return "\"" + replaceAll(text, "\"", "\"\"") + "\"";
 }
@@ -96,12 +91,17 @@ std::string schemaTypeName(const FieldType& type) {
   return fmt::format("Text Width {}", type.size);
 }
 
+std::string onOneLine(std::string text) {
+  for (char& c : text) c = c == '\r' || c == '\n' ? ' ' : c;
+  return text;
+}
+
 void writeSchema(const std::vector<Field>& fields, const std::string& file, std::ostream& out) {
   out << "[" << file << "]\r\nColNameHeader=True\r\nFormat=CSVDelimited\r\nCharacterSet=65001\r\n"
       << "DecimalSymbol=.\r\nCurrencyDecimalSymbol=.\r\nDateTimeFormat=yyyy-mm-dd hh:nn:ss\r\n"
       << "MaxScanRows=0\r\n";
   for (size_t i = 0; i < fields.size(); ++i) {
-    out << "Col" << i + 1 << "=" << quotedCsv(fields[i].name) << " "
+    out << "Col" << i + 1 << "=" << quotedCsv(onOneLine(fields[i].name)) << " "
         << schemaTypeName(fields[i].type) << "\r\n";
   }
   out << "\r\n";
@@ -121,7 +121,7 @@ std::string columnSql(Recordset& columns) {
     type = {FieldCode::Memo, 0};
   }
   if (type.code == FieldCode::Numeric && type.precision == 0) type = {FieldCode::Double, 0};
-  const std::string name = bracketed(columns.Text("COLUMN_NAME"));
+  const std::string name = quoteName(columns.Text("COLUMN_NAME"));
   if (number("AUTOINCREMENT") != 0) return name + " COUNTER";
   return name + " " + jetTypeName(type) + (number("IS_NULLABLE") == 0 ? " NOT NULL" : "");
 }
@@ -133,7 +133,7 @@ void writeTables(Connection& connection, const std::set<std::string>& tables, st
     const std::string table = columns->Text("TABLE_NAME");
     if (!tables.contains(table)) continue;
     if (table != open) {
-      out << (open.empty() ? "" : ");\r\n") << "CREATE TABLE " << bracketed(table) << " (";
+      out << (open.empty() ? "" : ");\r\n") << "CREATE TABLE " << quoteName(table) << " (";
     } else {
       out << ", ";
     }
@@ -149,9 +149,9 @@ void writeIndexes(Connection& connection, std::ostream& out) {
   std::string end;
   const auto rows = connection.OpenSchema(SchemaKind::Indexes);
   for (; !rows->Eof(); rows->MoveNext()) {
-    const std::string table = bracketed(rows->Text("TABLE_NAME"));
-    const std::string name = bracketed(rows->Text("INDEX_NAME"));
-    const std::string column = bracketed(rows->Text("COLUMN_NAME"));
+    const std::string table = quoteName(rows->Text("TABLE_NAME"));
+    const std::string name = quoteName(rows->Text("INDEX_NAME"));
+    const std::string column = quoteName(rows->Text("COLUMN_NAME"));
     if (name + table == open) {
       out << ", " << column;
       continue;
@@ -178,7 +178,7 @@ void writeRelationships(Connection& connection, const std::set<std::string>& tab
       links.push_back({table, name, rows->Text("PK_TABLE_NAME"), "", ""});
     }
     const auto add = [](std::string& list, const std::string& column) {
-      if (!column.empty()) list += (list.empty() ? "" : ", ") + bracketed(column);
+      if (!column.empty()) list += (list.empty() ? "" : ", ") + quoteName(column);
     };
     add(links.back().columns, rows->Text("FK_COLUMN_NAME"));
     add(links.back().parentColumns, rows->Text("PK_COLUMN_NAME"));
@@ -188,8 +188,8 @@ void writeRelationships(Connection& connection, const std::set<std::string>& tab
       return equalsNoCase(table, link.parent);
     };
     if (std::none_of(tables.begin(), tables.end(), isParent)) continue;
-    out << "ALTER TABLE " << bracketed(link.table) << " ADD CONSTRAINT " << bracketed(link.name)
-        << " FOREIGN KEY (" << link.columns << ") REFERENCES " << bracketed(link.parent)
+    out << "ALTER TABLE " << quoteName(link.table) << " ADD CONSTRAINT " << quoteName(link.name)
+        << " FOREIGN KEY (" << link.columns << ") REFERENCES " << quoteName(link.parent)
         << (link.parentColumns.empty() ? "" : " (" + link.parentColumns + ")") << ";\r\n";
   }
 }
@@ -233,7 +233,7 @@ void exportTexts(Connection& connection, const std::vector<std::string>& tables,
     TextFile csv(folder / nativePath(names[i] + ".csv"));
     writeCsv(*records, csv.stream());
     csv.close();
-    script.stream() << "INSERT INTO " << bracketed(tables[i])
+    script.stream() << "INSERT INTO " << quoteName(tables[i])
                     << " SELECT * FROM [Text;HDR=Yes;FMT=Delimited;CharacterSet=65001;DATABASE=.].["
                     << names[i] << "#csv];\r\n";
   }
