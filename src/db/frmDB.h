@@ -34,6 +34,7 @@ class frmDB : public Form {
   /// Samples come from the database and not from open sheets.
   bool SourceDbInUse = false;
   MappedDatabase& source() { return source_; }
+  Connection& SampleConnection() { return source_.connection; }
 
   /// Opens a source database and prepares its elements. False when it could not be opened.
   bool AvaaDB(const std::string& path, const MapRequest& request = {true, true, false});

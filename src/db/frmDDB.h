@@ -34,6 +34,8 @@ class frmDDB : public Form {
   bool hasDestination() const { return !txtDDB.text().empty(); }
   /// The destination: its path, connection and map.
   MappedDatabase& destination() { return destination_; }
+  Connection& DestinationConnection() { return destination_.connection; }
+  const std::string& DestinationPath() const { return destination_.path; }
   /// Shows the tables again after the map was extended.
   void refreshTables();
 
