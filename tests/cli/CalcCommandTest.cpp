@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
+#include <vector>
 
 #include "basic/Files.h"
 #include "cli/RunLodex.h"
@@ -21,14 +25,16 @@ class CalcCommand : public testing::Test {
   }
 
   // Two sheets suffice: what is listed, linked and offered to others may be left out.
-  void writeMethod(const std::string& file, FileType type) const {
+  void writeMethod(const std::string& file, FileType type, int outputs = 1) const {
     Worksheet book;
     book.NumSheets(2);
     book.SheetName(1, "Input");
     book.SheetName(2, "Output");
     book.TextSRC(1, 2, 1, "Cu %");
-    book.TextSRC(2, 1, 1, "Copper");
-    book.FormulaSRC(2, 1, 3, "ROUND(Input!C2*2,6)");
+    for (int row = 1; row <= outputs; ++row) {
+      book.TextSRC(2, row, 1, row == 1 ? "Copper" : "Copper " + std::to_string(row));
+      book.FormulaSRC(2, row, 3, "ROUND(Input!C2*2,6)");
+    }
     book.Write((folder / "group" / file).string(), type);
   }
 
@@ -77,9 +83,84 @@ TEST_F(CalcCommand, ResultsGoIntoADatabase) {
   }
 }
 
+// Ends the program with a signal soon after it has begun to catch such; returns its exit status.
+int endEarly(const std::vector<std::string>& arguments, int number) {
+  std::vector<char*> texts;
+  for (const std::string& argument : arguments)
+    texts.push_back(const_cast<char*>(argument.c_str()));
+  texts.push_back(nullptr);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::execv(texts[0], texts.data());
+    ::_exit(127);
+  }
+  const auto catches = [&] {
+    std::ifstream status("/proc/" + std::to_string(child) + "/status");
+    for (std::string line; std::getline(status, line);) {
+      if (!line.starts_with("SigCgt:")) continue;
+      return ((std::stoull(line.substr(7), nullptr, 16) >> (number - 1)) & 1) != 0;
+    }
+    return true;  // it has ended already
+  };
+  while (!catches()) ::usleep(500);
+  ::usleep(50'000);
+  ::kill(child, number);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+TEST_F(CalcCommand, AnInterruptKeepsWhatIsDone) {
+  writeMethod("M.xls", FileType::Excel, 200);  // takes about a second
+  constexpr int samples = 15000;
+  std::string text = "Sample\tCu ppm\n";
+  for (int i = 1; i <= samples; ++i) text += "S" + std::to_string(i) + "\t7\n";
+  const std::string file = (folder / "many.txt").string();
+  writeFileWhole(file, text);
+  for (const int number : {SIGINT, SIGTERM}) {
+    SCOPED_TRACE(number);
+    const std::string out = (folder / ("r" + std::to_string(number) + ".xls")).string();
+    EXPECT_EQ(endEarly({LODEX_BIN_DIR "/lodex", "calc", file, "--group",
+                        (folder / "group").string(), "--out", out},
+                       number),
+              1);
+    Worksheet saved;
+    saved.Read(out);
+    const int rows = saved.LastRow(1) - 5;
+    EXPECT_LT(rows, samples);
+    // The last row is whole.
+    EXPECT_EQ(rows > 0 ? saved.NumberSRC(1, 5 + rows, 202) : 0.0014, 0.0014) << rows;
+  }
+}
+
+TEST_F(CalcCommand, TakesSamplesFromADatabase) {
+  writeMethod("M.xls", FileType::Excel);
+  writeFileWhole((folder / "a.txt").string(), "Sample\tCu ppm\tDepth\nB2\t50\t1\nB1\t100\t9\n");
+  const std::string database = quoted("a.db");
+  runLodex("save " + quoted("a.txt") + "--db " + database + "2>&1");
+  runLodex("sql " + database +
+           "'CREATE VIEW [f_Rich] AS SELECT * FROM [ANALYSES] WHERE [Cu/ppm] > 60'");
+  struct Case {
+    const char* options;
+    int status;
+    const char* text;
+  };
+  for (const Case& c : {
+           Case{"", 0, "\tB1\t0.02\n\tB2\t0.01\n"},
+           Case{"--table ANALYSES --filter rich", 0, "DOUBLE\nINDEXED\tYES\t\n\tB1\t0.02\n\n"},
+           Case{"--table NONE", 1, "The database has no table NONE; it has: "},
+           Case{"--filter Poor", 1, "The database has no filter Poor; it has: Rich"},
+       }) {
+    const Outcome outcome =
+        runLodex("calc --db " + database + "--group " + quoted("group") + c.options + " 2>&1");
+    EXPECT_EQ(outcome.status, c.status) << c.options;
+    EXPECT_THAT(outcome.text, HasSubstr(c.text)) << c.options;
+  }
+}
+
 TEST_F(CalcCommand, SaysWhatIsWrong) {
   writeMethod("Old.xls", FileType::Excel);
-  writeFileWhole((folder / "a.txt").string(), "Sample\tCu ppm\nB2\t50\n");
+  writeFileWhole((folder / "a.txt").string(), "Sample\tCu ppm\tCu %\nB2\t50\t1\n");
   struct Case {
     std::string arguments;
     int status;
@@ -93,6 +174,10 @@ TEST_F(CalcCommand, SaysWhatIsWrong) {
            Case{file + group + "--out r.pdf", 1, "save results as"},
            Case{"calc " + quoted("gone.txt") + group, 1, "gone.txt"},
            Case{file, 2, "--group is required"},
+           Case{"calc " + group, 2, "FILES or --db is required"},
+           Case{file + group + "--out " + quoted("gone/r.xls"), 1, "There is no folder"},
+           Case{file + group + "--out " + quoted("a.txt"), 1, "is what the calculation reads"},
+           Case{"--answer 3 " + file + group + "--ask-refs", 1, "is no choice among 1, 2"},
        }) {
     const Outcome outcome = runLodex(c.arguments + " 2>&1");
     EXPECT_EQ(outcome.status, c.status) << c.arguments;
