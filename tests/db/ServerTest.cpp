@@ -6,10 +6,12 @@
 #include <fstream>
 
 #include "DatabaseFixture.h"
+#include "db/MapDatabase.h"
 
 namespace lodex {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -186,6 +188,29 @@ TEST_F(ServerTest, WhatTheServerFillsInIsReadBack) {
   EXPECT_EQ(keys->Text("PK_TABLE_NAME") + keys->Text("PK_COLUMN_NAME"), "NumberedID");
   run("DROP TABLE [Parts]");
   run("DROP TABLE [Numbered]");
+}
+
+TEST_F(ServerTest, IsMappedWithTheTablesBehindItsViews) {
+  if (!openServer()) GTEST_SKIP() << "run under script/with-postgres";
+  run("CREATE TABLE [Assays] ([SampleNo] TEXT (9) PRIMARY KEY, [Fe_XRF] SINGLE, [Hole] LONG)");
+  run("CREATE TABLE [Holes] ([Hole] LONG PRIMARY KEY, [Zone] TEXT (9))");
+  run("CREATE VIEW [f_Rich] AS SELECT [SampleNo], [Fe_XRF] FROM [Assays] WHERE [Fe_XRF] > 30");
+  ScriptedDialogs dialogs;
+  NoEvents events;
+  MemoryClipboard clipboard;
+  Session session{Services{dialogs, events, clipboard}};
+  session.record.MainIni = path("servers.ini");
+  MappedDatabase server{"LAB.ORA", {}, {}};
+  ASSERT_EQ(MapDatabase(session, server, {}), MapResult::Mapped) << session.log.txtErr.text();
+  EXPECT_THAT(server.map.tables(), ElementsAre("Assays", "Holes"));
+  EXPECT_THAT(server.map.fields(1), ElementsAre("SampleNo", "Fe_XRF", "Hole"));
+  EXPECT_THAT(server.map.FilterList, ElementsAre("Rich"));
+  EXPECT_EQ(server.map.PrimaryKeyField("Holes"), "Hole");
+  EXPECT_THAT(JoinPath(server, "f_Rich", "Holes"),
+              ElementsAre(TableLink{"Assays", "Holes", "Hole", "Hole"}));
+  for (const char* sql : {"DROP VIEW [f_Rich]", "DROP TABLE [Assays]", "DROP TABLE [Holes]"}) {
+    run(sql);
+  }
 }
 
 }  // namespace
