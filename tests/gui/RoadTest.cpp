@@ -7,13 +7,17 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <fstream>
 #include <memory>
 
 #include "db/Recordset.h"
 #include "gui/GuiFixture.h"
+#include "gui/QtServices.h"
 #include "gui/grid/GridTable.h"
 #include "gui/grid/WorksheetView.h"
 #include "gui/shell/MainWindow.h"
@@ -77,6 +81,16 @@ class RoadTest : public GuiTest {
 
   QTemporaryDir folder;
   MainWindow window;
+};
+
+/// The same with a running event loop between the samples of a calculation.
+class LongWorkTest : public RoadTest {
+ protected:
+  LongWorkTest() { running = std::make_unique<MainWindow>(live, QStringLiteral(LODEX_BIN_DIR)); }
+
+  QtEventPump pump;
+  Session live{Services{dialogs, pump, clipboard}};
+  std::unique_ptr<MainWindow> running;
 };
 
 constexpr const char* rocks =
@@ -169,6 +183,45 @@ TEST_F(RoadTest, OpensIdentifiesOverrulesCalculatesSavesAndReopens) {
   trigger("mnuOpen");
   EXPECT_TRUE(shell().sourceForm.visible());
   EXPECT_EQ(shell().sourceForm.txtDB.text(), database);
+}
+
+TEST_F(LongWorkTest, OnlyAbortTakesAClickAndWhatWasDoneStays) {
+  ASSERT_TRUE(running->start());
+  std::string many = rocks;
+  constexpr int samples = 40000;
+  for (int i = 0; i < samples; ++i) {
+    many += "S" + std::to_string(i) + "\t50.1\t1.2\t15.0\t11.0\t7.5\t10.4\t2.6\t0.5\n";
+  }
+  running->shell().dropFiles({file("many.txt", many.c_str())});
+  running->shell().sheets.lstI.selectAll(true);
+  running->shell().IDENTIFY(false);
+  running->shell().stages.SetStage(Stage::Calculate);
+  settle();
+  frmDataIN& sheet = running->shell().sheets.sheet(1);
+  bool aborted = false;
+  QTimer user;
+  QObject::connect(&user, &QTimer::timeout, running.get(), [&] {
+    auto* abort = child<QPushButton>(*running->statusBar(), "cmdAbort");
+    if (!abort->isVisible() || live.progress.bar.value() < 100 || aborted) return;
+    EXPECT_TRUE(child<QProgressBar>(*running->statusBar(), "bar")->isVisible());
+    aborted = true;
+    // Clicks anywhere else wait in vain.
+    QTest::mouseClick(child<QWidget>(*child<QWidget>(*running, "picCalc"), "cmdBack0"),
+                      Qt::LeftButton);
+    running->windowOf(sheet)->close();
+    QTest::mouseClick(abort, Qt::LeftButton);
+  });
+  user.start(1);
+  running->shell().Calculate();
+  user.stop();
+  ASSERT_TRUE(aborted) << "the work ended before it could be aborted";
+  EXPECT_EQ(running->shell().sheets.DataSheetCount(), 1);
+  EXPECT_EQ(running->shell().stages.stage(), 2);
+  EXPECT_NE(live.log.txtLog.text().find("Aborted"), std::string::npos);
+  const int rows = running->shell().sheets.result.F1D.LastRow();
+  EXPECT_GT(rows, 6);
+  EXPECT_LT(rows, 16000);
+  EXPECT_FALSE(live.progress.visible());
 }
 
 TEST_F(RoadTest, ClosingAsksOnceAndACancelKeepsEverything) {
