@@ -86,6 +86,16 @@ std::optional<std::vector<int>> askOnConsole(Dialogs& dialogs, const std::string
 // Rows of an .xls file below the system rows.
 constexpr int mostXlsSamples = 65536 - resultrow::firstData + 1;
 
+void requireNoDatabase(const std::vector<std::string>& files) {
+  static constexpr const char* endings[] = {"mdb", "accdb", "db", "sqlite"};
+  for (const std::string& file : files) {
+    if (std::find(std::begin(endings), std::end(endings), extensionOf(file)) == std::end(endings)) {
+      continue;
+    }
+    throw Error(file + " is a database: samples are taken from one by --db " + file);
+  }
+}
+
 // Opens and identifies the files. Returns how many could not be opened.
 int openFiles(const CalcOptions& options, ImportConsole& console) {
   if (options.files.empty()) return 0;
@@ -142,9 +152,28 @@ std::string countLine(const CalculationOutcome& outcome, const Worksheet& result
          counted(outcome.ErrorCount, "error");
 }
 
+void fillSources(const CalcOptions& options, ImportConsole& console, const SourceSheets& sheets) {
+  SourceRequest sources;
+  if (options.askRefs) {
+    sources.ask = [&](const std::string& caption, const std::vector<std::string>& offers) {
+      return askOnConsole(console.session().dialogs(), caption, offers);
+    };
+  }
+  buildSources(console.sheets().F1Ref, sheets, console.context().converter, sources);
+}
+
+void tell(std::ostream& err, const frmLog& log, const CalculationOutcome& outcome,
+          const Worksheet& results) {
+  for (const std::string& line : split(log.txtErr.text(), "\r\n")) {
+    if (!line.empty()) err << "lodex: " << trimBlanks(line) << '\n';
+  }
+  err << countLine(outcome, results) << '\n';
+}
+
 void runCalc(const CalcOptions& options, CommandContext& context) {
   requireGoodTarget(options.out);
   requireOtherFile(options.out, options.files);
+  requireNoDatabase(options.files);
   ImportConsole console(context, {options.thesaurus, options.noThesaurus});
   Session& session = console.session();
   CalculationGroup group;
@@ -162,24 +191,14 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
       options.files.empty() ? tables.sheets() : openSourceSheets(console.sheets());
   for (SourceSheet& sheet : sheets) sheet.selected = true;
 
-  const CompoundConverter& converter = console.context().converter;
-  Worksheet& F1Ref = console.sheets().F1Ref;
-  SourceRequest sources;
-  if (options.askRefs) {
-    sources.ask = [&](const std::string& caption, const std::vector<std::string>& offers) {
-      return askOnConsole(session.dialogs(), caption, offers);
-    };
-  }
-  buildSources(F1Ref, sheets, converter, sources);
-  Worksheet results;
-  const int mostSamples = extensionOf(options.out) == "xls" ? mostXlsSamples : maxRows;
-  const CalculationOutcome outcome = calculate({group, methods, sheets, F1Ref, converter, results},
-                                               mostSamples, session, context.err);
+  fillSources(options, console, sheets);
 
-  for (const std::string& line : split(session.log.txtErr.text(), "\r\n")) {
-    if (!line.empty()) context.err << "lodex: " << trimBlanks(line) << '\n';
-  }
-  context.err << countLine(outcome, results) << '\n';
+  Worksheet results;
+  const CalculationRequest request{
+      group, methods, sheets, console.sheets().F1Ref, console.context().converter, results};
+  const int mostSamples = extensionOf(options.out) == "xls" ? mostXlsSamples : maxRows;
+  const CalculationOutcome outcome = calculate(request, mostSamples, session, context.err);
+  tell(context.err, session.log, outcome, results);
   if (outcome.samples == 0) throw Error("There are no samples in what was opened");
   if (options.out.empty()) {
     print(context.out, results);
