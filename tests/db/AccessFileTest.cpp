@@ -6,7 +6,7 @@
 #include <bit>
 #include <cmath>
 #include <filesystem>
-#include <limits>
+#include <random>
 
 #include "AccessMaker.h"
 #include "basic/Error.h"
@@ -245,11 +245,14 @@ TEST_F(AccessFileTest, NamesMayHoldAnyLetters) {
                   {{"x [y", AccessType::Byte}, {"select", AccessType::Byte}},
                   {{"i\"1", {0, 1}, true, true}}});
   maker.addRecord({"\x01", "\x02"});
+  maker.addTable({"sqlite_x", {{"rowid", AccessType::Byte}, {"_rowid_", AccessType::Byte}}});
   copy(maker);
   auto source = driver_->schema(SchemaKind::Columns);
   std::vector<std::string> names;
   for (Row row; source->next(row);) names.push_back(fieldText(row[0]) + "/" + fieldText(row[1]));
-  EXPECT_THAT(names, ElementsAre(name + "/x [y", name + "/select"));
+  EXPECT_THAT(
+      names, ElementsAre("_sqlite_x/rowid", "_sqlite_x/_rowid_", name + "/x [y", name + "/select"));
+  EXPECT_THAT(warnings_, ElementsAre("Table sqlite_x is called _sqlite_x here"));
 }
 
 // Properties as the catalogue stores them: names first, then the values of each field.
@@ -422,6 +425,53 @@ TEST_F(AccessFileTest, DamageTakesOnlyWhatItHits) {
             (std::vector<Row>{{std::int64_t{1}, "ok"}, {std::int64_t{5}, "捣捣捣捣捣"}}));
   EXPECT_EQ(value("SELECT Count(*) FROM T"), FieldValue(std::int64_t{6}));
   EXPECT_THAT(warnings_, ElementsAre(HasSubstr("2 damaged records"), HasSubstr("4 damaged memos")));
+}
+
+// Whatever the bytes say, the copy ends, with an error or with what could be read.
+TEST_F(AccessFileTest, DamageOfAnyKindComesToAnEnd) {
+  AccessMaker maker;
+  maker.addTable({"Samples",
+                  {{"No", AccessType::LongInteger, 0, 0, true},
+                   {"Name", AccessType::Text, 100},
+                   {"Cu", AccessType::Numeric, 0, 2},
+                   {"Note", AccessType::Memo}},
+                  {{"PrimaryKey", {0}, true, true}, {"Name", {1}}},
+                  properties({{"Name", {{"ValidationRule", "<>\"x\""}, {"DefaultValue", "1"}}}})});
+  for (int i = 0; i < 300; ++i) {
+    maker.addRecord({storedAs(i), storedNarrow("sample"), numeric(false, 1234),
+                     maker.longField(std::string(40u * static_cast<size_t>(i) + 2, 'n'),
+                                     i < 50 ? Long::OnePage : Long::Chain)},
+                    i % 9 ? Place::Here : Place::Moved);
+  }
+  const std::string path = (folder_ / "damaged.mdb").string();
+  maker.write(path);
+  const std::string sound = readFile(path);
+  std::mt19937 random(20);
+  const auto place = [&](size_t before) { return random() % (sound.size() - before); };
+  for (int round = 0; round < 60; ++round) {
+    std::string damaged = sound;
+    switch (round % 4) {
+      case 0:
+        for (int i = 0; i < 200; ++i) damaged[place(0)] = static_cast<char>(random());
+        break;
+      case 1:
+        for (int i = 0; i < 40; ++i) damaged.replace(place(4), 4, round % 8 == 1 ? 4 : 3, '\xFF');
+        break;
+      case 2:
+        damaged.replace(place(4096) / 4096 * 4096, 4096,
+                        sound.substr(place(4096) / 4096 * 4096, 4096));
+        break;
+      default:  // in the definitions, which lie at the start
+        for (int i = 0; i < 10; ++i) damaged[8192 + random() % 4500] = static_cast<char>(random());
+    }
+    writeFileWhole(path, damaged);
+    const std::string target = (folder_ / "damaged.sqlite").string();
+    fs::remove(target);
+    try {
+      copyAccessFile(path, target, *this);
+    } catch (const FileError&) {
+    }
+  }
 }
 
 }  // namespace

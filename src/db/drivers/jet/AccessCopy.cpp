@@ -117,7 +117,7 @@ class Tables {
 
   void copy(const Object& object) {
     try {
-      const AccessTable table = readAccessTable(file_, object.page(), object.name);
+      const AccessTable table = readAccessTable(file_, object.page(), nameInCopy(object.name));
       if (table.columns.empty()) {
         report_.warning("Table " + object.name + " has no fields and was left out");
         return;
@@ -132,6 +132,19 @@ class Tables {
   }
 
  private:
+  // Some names are the engine's own.
+  std::string nameInCopy(const std::string& name) {
+    if (!startsWithNoCase(name, "sqlite_")) return name;
+    const std::string other = freeName("_" + name);
+    report_.warning("Table " + name + " is called " + other + " here");
+    return other;
+  }
+
+  std::string freeName(std::string name) {
+    while (!names_.insert(toUpper(name)).second) name += "_";
+    return name;
+  }
+
   std::map<std::string, AccessProperties> propertiesOf(const Object& object) {
     const std::string& stored = object.properties;
     try {
@@ -151,8 +164,7 @@ class Tables {
       report_.warning(what + ", which holds several, were not found");
       return;
     }
-    std::string name = object.name + "_" + field;
-    while (!names_.insert(toUpper(name)).second) name += "_";
+    const std::string name = freeName(object.name + "_" + field);
     try {
       copyAccessTable(file_, readAccessTable(file_, flat->second & 0xFFFFFF, name), {}, target_,
                       report_);
