@@ -28,6 +28,12 @@ bool Application::notify(QObject* receiver, QEvent* event) {
   return false;
 }
 
+void Application::requestHelp(const QString& formName) {
+  if (auto* application = qobject_cast<Application*>(instance())) {
+    Q_EMIT application->helpRequested(formName);
+  }
+}
+
 void Application::setLanguage(const QString& language) {
   const QLocale locale = language.isEmpty() ? QLocale::system() : QLocale(language);
   removeTranslator(&captions_);

@@ -3,9 +3,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMainWindow>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <memory>
 
+#include "gui/Application.h"
 #include "gui/FormLoader.h"
 #include "gui/QtText.h"
 #include "gui/WindowPlaces.h"
@@ -27,6 +29,8 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   resize(content->size());
   binding_ = bindForm(form, *this);
   addMnemonics(*this);
+  connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
+          [this] { Application::requestHelp(objectName()); });
   follow();
   const QPointer<FormWindow> self(this);
   form.onChange([self] {

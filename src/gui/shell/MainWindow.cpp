@@ -23,6 +23,7 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "gui/Application.h"
 #include "gui/FormLoader.h"
 #include "gui/QtText.h"
 #include "gui/WindowPlaces.h"
@@ -92,6 +93,9 @@ MainWindow::MainWindow(Session& session, const QString& appFolder, SingleInstanc
   followProgress();
   connect(&ready_, &QTimer::timeout, this, [this] { shell_->tmrReady(); });
   ready_.setSingleShot(true);
+  if (auto* application = qobject_cast<Application*>(QCoreApplication::instance())) {
+    connect(application, &Application::helpRequested, this, &MainWindow::showHelp);
+  }
   if (instance_) {
     connect(instance_, &SingleInstance::received, this, [this](const QString& text) {
       bringToFront(*shell_);
@@ -119,7 +123,9 @@ ShellServices MainWindow::services(const QString& appFolder) {
   }
   services.watch = [this](Form& form) { watch(form); };
   services.startEditor = [this](const std::string& path) { openEditor(toQt(path)); };
-  services.showHelp = [this](const std::string& topic) { showHelp(toQt(topic)); };
+  services.showHelp = [this](const std::string& topic) {
+    showHelp(topic == shell_->name() ? topicInFront() : toQt(topic));
+  };
   services.arrange = [this](Arrangement arrangement) { arrange(arrangement); };
   services.bringToFront = [this](Form& form) { bringToFront(form); };
   services.startTmrReady = [this](int milliseconds) { ready_.start(milliseconds); };
@@ -377,14 +383,19 @@ void MainWindow::openEditor(const QString& path) {
   editor->show();
 }
 
+// Help on the main window is help on the data sheet in front, if there is one.
+QString MainWindow::topicInFront() const {
+  auto* sheet = qobject_cast<SheetWindow*>(area_->activeSubWindow());
+  return sheet && sheet->isVisible() && sheet->form() ? toQt(sheet->form()->name())
+                                                      : toQt(shell_->name());
+}
+
 void MainWindow::showHelp(const QString& topic) {
   if (!help_)
     help_ = new HelpWindow(toQt(pathText(nativePath(session_.record.HelpPath) / "guide")));
-  auto* window = qobject_cast<HelpWindow*>(help_.data());
-  window->showTopic(topic);
-  window->show();
-  window->raise();
-  window->activateWindow();
+  // A dialogue lets only its own windows take input.
+  if (QWidget* dialog = QApplication::activeModalWidget()) help_->setParent(dialog, Qt::Window);
+  qobject_cast<HelpWindow*>(help_.data())->showTopic(topic);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -52,6 +52,7 @@ class MainWindow : public QMainWindow {
   void tile(Qt::Orientation orientation);
   void bringToFront(Form& form);
   void openEditor(const QString& path);
+  QString topicInFront() const;
   void showHelp(const QString& topic);
   void popUp(const char* list, const QStringList& entries);
   void listWindows();
