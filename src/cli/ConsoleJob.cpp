@@ -9,6 +9,7 @@
 #include <string>
 
 #include "basic/Text.h"
+#include "session/Session.h"
 
 namespace lodex {
 namespace {
@@ -79,6 +80,20 @@ void ConsoleJob::show(std::string_view text, int step, int steps) {
 
 bool ConsoleJob::interrupted() const {
   return wasInterrupted != 0;
+}
+
+std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err) {
+  auto job = std::make_shared<ConsoleJob>(err);
+  // The bar lives longer than the job.
+  session.progress.bar.onChange([&session, following = std::weak_ptr<ConsoleJob>(job)] {
+    const auto alive = following.lock();
+    if (!alive) return;
+    Progress& progress = session.progress;
+    if (alive->interrupted()) progress.AbortFlag = true;
+    if (progress.bar.value() == 0) return;  // the end of a job
+    alive->show(progress.txtInfo.caption(), progress.bar.value(), progress.bar.maximum());
+  });
+  return job;
 }
 
 }  // namespace lodex

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <iosfwd>
+#include <memory>
 #include <string_view>
 
 namespace lodex {
@@ -27,5 +28,11 @@ class ConsoleJob {
   bool shown_ = false;
   std::chrono::steady_clock::time_point next_;
 };
+
+class Session;
+
+/// A job that shows the session's progress bar and aborts its work when it is interrupted. It ends
+/// when the result goes.
+std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err);
 
 }  // namespace lodex

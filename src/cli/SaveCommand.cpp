@@ -6,6 +6,7 @@
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
+#include "cli/ConsoleJob.h"
 #include "cli/ImportConsole.h"
 #include "import/SaveInDB.h"
 
@@ -40,12 +41,14 @@ void runSave(const SaveOptions& options, CommandContext& context) {
   stage.chkMerge.setChecked(options.merge || options.overwrite);
   stage.chkOverWrite.setChecked(options.overwrite);
   sheets.lstSrcD.selectAll(true);
+  auto job = followProgress(console.session(), context.err);
   const bool finished = stage.SaveInDB(false);
+  job.reset();
 
   const frmLog& log = console.session().log;
   if (options.showLog) context.out << replaceAll(log.txtLog.text(), "\r\n", "\n") << '\n';
   if (!finished || stage.SaveErrors() > 0) console.printLines(log.txtErr.text(), "lodex: ");
-  if (!finished) throw Error("saving was cancelled");
+  if (!finished) throw Error("saving was cancelled; what was written until then stays");
   if (stage.SaveErrors() > 0) {
     throw Error(std::to_string(stage.SaveErrors()) + " values or records were not saved");
   }
