@@ -65,6 +65,7 @@ class JetParser : public JetQueries {
 
   // PARAMETERS [name] type, ...; stands before the statement that uses the names.
   void parseParameters() {
+    if (target_ == SqlTarget::Server) fail("a server takes parameters as ? only");
     do {
       parameterNames_.push_back(expectName("the name of a parameter"));
       ++parameters_;
