@@ -21,6 +21,14 @@ std::vector<std::string> tablesOfSamples(MappedDatabase& database) {
   return tables;
 }
 
+// Tables of other programs often have no key, but name their samples all the same.
+std::string keyFieldOf(const DatabaseMap& map, int row) {
+  constexpr std::string_view usualKeyField = "SampleNo";
+  const std::string key = map.PrimaryKeyField(map.table(row));
+  if (!key.empty() || map.fieldColumn(row, usualKeyField) == 0) return key;
+  return std::string(usualKeyField);
+}
+
 // The condition that picks the samples of a stored filter.
 std::string conditionOf(MappedDatabase& database, const std::string& filter,
                         const std::string& keyField) {
@@ -58,7 +66,7 @@ void loadStoredSamples(ImportConsole& console, const StoredSamplesChoice& choice
     if (row == 0) {
       throw Error("The database has no table " + name + "; it has: " + join(map.tables(), ", "));
     }
-    const std::string key = map.PrimaryKeyField(name);
+    const std::string key = keyFieldOf(map, row);
     if (key.empty()) throw Error("Table " + name + " has no key that names its samples");
     tables.add(database.connection, map.table(row), row, key, console.context().converter,
                conditionOf(database, choice.filter, key));
