@@ -417,6 +417,33 @@ void SheetEditor::setWrap(const CellBlock& block, bool on) {
   changeFormat(block, "Wrap text", [on](CellFormat& format) { format.wrap = on; });
 }
 
+void SheetEditor::setBorders(const CellBlock& block, Borders borders) {
+  require(EditRight::Format);
+  const CellBlock part = formatPart(block);
+  if (part.empty()) return;
+  const bool all = borders == Borders::All;
+  const bool outline = all || borders == Borders::Outline;
+  constexpr std::uint8_t thin = 1;
+  const int sheet = sheet_.Sheet();
+  editCells("Borders", {part}, [&] {
+    for (int row = part.row1; row <= part.row2; ++row) {
+      for (int column = part.column1; column <= part.column2; ++column) {
+        CellFormat format = sheet_.formatOf(sheet, row, column);
+        const bool bottom = all || (row == part.row2 && borders != Borders::None);
+        const auto line = [](bool drawn, std::uint8_t before) { return drawn ? thin : before; };
+        if (borders == Borders::None) {
+          format.borderLeft = format.borderRight = format.borderTop = format.borderBottom = 0;
+        }
+        format.borderLeft = line(all || (outline && column == part.column1), format.borderLeft);
+        format.borderRight = line(all || (outline && column == part.column2), format.borderRight);
+        format.borderTop = line(all || (outline && row == part.row1), format.borderTop);
+        format.borderBottom = line(bottom, format.borderBottom);
+        sheet_.setFormat(sheet, row, column, format);
+      }
+    }
+  });
+}
+
 void SheetEditor::setColumnWidth(int first, int last, double characters) {
   editLayout("Column width", [&] {
     for (int column = first; column <= last; ++column) {

@@ -20,6 +20,9 @@ enum class EditRight { Enter, Formulas, Delete, Move, Fill, Headings, Format };
 
 enum class PasteKind { All, Values };
 
+/// Thin lines around a block, around each of its cells, below its last row, or none.
+enum class Borders { None, Outline, All, Bottom };
+
 struct SearchOptions {
   bool matchCase = false;
   bool wholeCell = false;
@@ -154,6 +157,7 @@ class SheetEditor {
   void setNumberFormat(const CellBlock& block, const std::string& format);
   void setAlignment(const CellBlock& block, HorizontalAlignment alignment);
   void setWrap(const CellBlock& block, bool on);
+  void setBorders(const CellBlock& block, Borders borders);
 
   /// Widths in characters; 0 gives the default back.
   void setColumnWidth(int first, int last, double characters);

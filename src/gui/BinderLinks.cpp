@@ -406,11 +406,7 @@ Show connectGrid(Grid& grid, const LinkParts& parts) {
   QObject::connect(&parts.context, &QObject::destroyed, view, [view] { view->clear(); });
   return [&grid, view] {
     view->refresh();
-    if (grid.picking()) {
-      view->table().viewport()->setCursor(Qt::CrossCursor);
-    } else {
-      view->table().viewport()->unsetCursor();
-    }
+    view->setPicking(grid.picking());
   };
 }
 

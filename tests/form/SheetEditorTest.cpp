@@ -390,6 +390,22 @@ TEST_F(SheetEditorTest, DeletedLinesComeBackWithHeadingsAndSizes) {
   EXPECT_EQ(editor.formatAt(2, 2).patternColor, 0x00FF00);
 }
 
+TEST_F(SheetEditorTest, DrawsLinesAroundBlocks) {
+  const auto lines = [this](int row, int column) {
+    const CellFormat& format = editor.formatAt(row, column);
+    return std::string(format.borderLeft ? "l" : "") + (format.borderRight ? "r" : "") +
+           (format.borderTop ? "t" : "") + (format.borderBottom ? "b" : "");
+  };
+  editor.setBorders({1, 1, 2, 2}, Borders::Outline);
+  EXPECT_EQ(lines(1, 1) + " " + lines(1, 2) + " " + lines(2, 1) + " " + lines(2, 2), "lt rt lb rb");
+  editor.setBorders({1, 1, 1, 1}, Borders::All);
+  EXPECT_EQ(lines(1, 1), "lrtb");
+  editor.setBorders({1, 1, 2, 2}, Borders::None);
+  EXPECT_EQ(lines(1, 1) + lines(2, 2), "");
+  editor.setBorders({1, 1, 2, 1}, Borders::Bottom);
+  EXPECT_EQ(lines(1, 1) + lines(2, 1), "b");
+}
+
 TEST_F(SheetEditorTest, LayoutAndHeadingsCanBeUndone) {
   editor.setColumnWidth(2, 3, 15);
   editor.hideRows(4, 5, true);

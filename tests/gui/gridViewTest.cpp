@@ -3,7 +3,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMimeData>
@@ -13,12 +15,14 @@
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include "gui/QtText.h"
 #include "gui/grid/GridCursor.h"
 #include "gui/grid/GridPaint.h"
 #include "gui/grid/GridPrint.h"
 #include "gui/grid/GridTable.h"
+#include "gui/grid/SortDialog.h"
 #include "gui/grid/WorksheetView.h"
 
 namespace lodex {
@@ -122,6 +126,16 @@ TEST_F(GridView, ControlEnterFillsTheSelection) {
   EXPECT_EQ(cell(1, 1) + cell(1, 2) + cell(2, 1) + cell(2, 2), "9999");
   trigger("actUndo");
   EXPECT_EQ(cell(2, 2), "22");
+}
+
+TEST_F(GridView, ComposedCharactersStartEditing) {
+  click(1, 1);
+  QInputMethodEvent event;
+  event.setCommitString(QStringLiteral("\u00e4"));
+  QApplication::sendEvent(&table(), &event);
+  ASSERT_NE(cellEditor(), nullptr);
+  QTest::keyClick(cellEditor(), Qt::Key_Return);
+  EXPECT_EQ(cell(1, 1), "\u00e4");
 }
 
 TEST_F(GridView, KeysMoveAndSelect) {
@@ -405,6 +419,26 @@ TEST_F(GridView, LinesAreInsertedAndDeleted) {
   trigger("actInsertRows");
   EXPECT_EQ(table().model()->rowCount(), 201);
   EXPECT_EQ(table().verticalScrollBar()->value(), before);
+}
+
+TEST_F(GridView, SortsBySeveralColumns) {
+  view.editor().enterAll({2, 1, 5, 1}, "7");
+  view.editor().enter(1, 1, "heading");
+  view.select({1, 1, 5, 4});
+  QTimer::singleShot(0, [] {
+    auto* dialog = qobject_cast<SortDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    auto* second = dialog->findChild<QComboBox*>("sortColumn2");
+    second->setCurrentIndex(second->findData(2));
+    EXPECT_EQ(dialog->findChild<QComboBox*>("sortColumn1")->currentText(), "A  (heading)");
+    dialog->findChild<QCheckBox*>("sortDescending2")->setChecked(true);
+    dialog->findChild<QCheckBox*>("sortHeading")->setChecked(true);
+    dialog->accept();
+  });
+  trigger("actSort");
+  EXPECT_EQ(cell(1, 2) + " " + cell(2, 2) + " " + cell(5, 2), "12 52 22");
+  trigger("actUndo");
+  EXPECT_EQ(cell(2, 2), "22");
 }
 
 TEST_F(GridView, SheetsHaveTabs) {

@@ -12,6 +12,7 @@
 #include "gui/grid/GridPrint.h"
 #include "gui/grid/GridTable.h"
 #include "gui/grid/NumberFormatDialog.h"
+#include "gui/grid/SortDialog.h"
 #include "gui/grid/WorksheetView.h"
 #include "worksheet/A1.h"
 
@@ -138,6 +139,8 @@ void GridActions::addLines() {
   add("actSortDescending", tr("Sort &descending"),
       tr("Sort the selected rows by the column of the active cell, largest first"), {},
       [this] { sort(true); });
+  add("actSort", tr("&Sort..."), tr("Sort the selected rows by up to three columns"), {},
+      [this] { chooseSort(); });
   add("actColumnWidth", tr("Column &width..."), tr("Set the width of the selected columns"), {},
       [this] { chooseColumnWidth(); });
   add("actFitColumns", tr("&Fit columns"), tr("Make the selected columns as wide as their texts"),
@@ -187,6 +190,17 @@ void GridActions::addFormats() {
       [this] { editor().setFill(block(), automaticColor); });
   add("actNumberFormat", tr("&Number format..."), tr("Choose how numbers are shown"),
       keys({QKeySequence(Qt::CTRL | Qt::Key_1)}), [this] { chooseNumberFormat(); });
+  const auto border = [this](const char* name, const QString& text, const QString& tip,
+                             Borders borders) {
+    add(name, text, tip, {}, [this, borders] { editor().setBorders(block(), borders); });
+  };
+  border("actBorderOutline", tr("Lines &around"), tr("Lines around the selection"),
+         Borders::Outline);
+  border("actBorderAll", tr("Lines around &each cell"), tr("Lines around every selected cell"),
+         Borders::All);
+  border("actBorderBottom", tr("Line &below"), tr("A line below the selection"), Borders::Bottom);
+  border("actBorderNone", tr("&No lines"), tr("Take the lines of the selected cells away"),
+         Borders::None);
   const auto align = [this](const char* name, const QString& text, const QString& tip,
                             HorizontalAlignment alignment) {
     add(name, text, tip, {}, [this, alignment] { editor().setAlignment(block(), alignment); });
@@ -220,6 +234,7 @@ void GridActions::copy(bool cut) {
     editor().cut(block(), clipboard_);
   } else {
     editor().copy(block(), clipboard_);
+    table().markCopied(editor().usedPart(block()));
   }
 }
 
@@ -269,13 +284,25 @@ void GridActions::insertOrDelete(bool insert) {
 }
 
 // A selection of one row means the sheet below the frozen rows.
+CellBlock GridActions::sortBlock() const {
+  const CellBlock cells = block();
+  if (cells.rows() > 1) return editor().usedPart(cells);
+  const int first = editor().sheet().FixedRows() + 1;
+  return editor().usedPart(editor().wholeSheet()).cutTo({first, 1, maxRows, maxColumns});
+}
+
 void GridActions::sort(bool descending) {
-  CellBlock cells = block();
-  if (cells.rows() == 1) {
-    const Worksheet& sheet = editor().sheet();
-    cells = {std::min(sheet.FixedRows() + 1, sheet.MaxRow()), 1, sheet.MaxRow(), sheet.MaxCol()};
-  }
-  editor().sort(cells, {{cursor().active().column, descending}});
+  const CellBlock cells = sortBlock();
+  if (!cells.empty()) editor().sort(cells, {{cursor().active().column, descending}});
+}
+
+void GridActions::chooseSort() {
+  CellBlock cells = sortBlock();
+  if (cells.empty()) return;
+  SortDialog dialog(editor().sheet(), cells, cursor().active().column, &view_);
+  if (dialog.exec() != QDialog::Accepted || dialog.keys().empty()) return;
+  if (dialog.hasHeading()) ++cells.row1;
+  if (!cells.empty()) editor().sort(cells, dialog.keys());
 }
 
 void GridActions::chooseFont() {
@@ -357,8 +384,9 @@ void GridActions::update() {
   const bool fill = allows(EditRight::Fill);
   const bool format = allows(EditRight::Format);
   for (QAction* action : actions_) action->setEnabled(sheet);
-  for (const char* name : {"actPaste", "actPasteValues", "actReplace", "actInsert", "actInsertRows",
-                           "actInsertColumns", "actSortAscending", "actSortDescending"}) {
+  for (const char* name :
+       {"actPaste", "actPasteValues", "actReplace", "actInsert", "actInsertRows",
+        "actInsertColumns", "actSortAscending", "actSortDescending", "actSort"}) {
     enable(name, enter);
   }
   for (const char* name :
@@ -416,11 +444,14 @@ void GridActions::fillContextMenu(QMenu& menu, int row, int column) {
     QMenu* fill = menu.addMenu(tr("&Fill"));
     addAll(*fill, {"actFillDown", "actFillRight"});
   }
-  addAll(menu, {"actSortAscending", "actSortDescending", ""});
+  QMenu* sorting = menu.addMenu(tr("&Sort"));
+  addAll(*sorting, {"actSortAscending", "actSortDescending", "actSort"});
   QMenu* format = menu.addMenu(tr("F&ormat"));
   addAll(*format, {"actNumberFormat", "actFont", "actBold", "actItalic", "actUnderline", "",
                    "actTextColor", "actFill", "actNoFill", "", "actAlignGeneral", "actAlignLeft",
                    "actAlignCenter", "actAlignRight", "actWrap"});
+  QMenu* borders = format->addMenu(tr("&Lines"));
+  addAll(*borders, {"actBorderOutline", "actBorderAll", "actBorderBottom", "actBorderNone"});
   QMenu* window = menu.addMenu(tr("&View"));
   addAll(*window, {"actFreeze", "actUnfreeze", "", "actZoomIn", "actZoomOut", "actZoomReset", "",
                    "actPrint", "actPrintPreview"});

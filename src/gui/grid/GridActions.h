@@ -44,6 +44,8 @@ class GridActions : public QObject {
   void paste(PasteKind kind);
   void insertOrDelete(bool insert);
   void sort(bool descending);
+  void chooseSort();
+  CellBlock sortBlock() const;
   void chooseFont();
   void chooseColor(bool fill);
   void chooseNumberFormat();

@@ -1,7 +1,9 @@
 #include "gui/grid/GridDelegate.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QToolTip>
 
 #include "gui/grid/GridPaint.h"
 #include "gui/grid/GridTable.h"
@@ -47,6 +49,22 @@ void GridDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewI
   QRect area = option.rect;
   area.setWidth(std::clamp(text, area.width(), room));
   editor->setGeometry(area.adjusted(0, 0, -1, -1));
+}
+
+// Why a formula has no value, else the whole text where the cell does not show it.
+bool GridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
+                             const QStyleOptionViewItem& option, const QModelIndex& index) {
+  if (event->type() != QEvent::ToolTip || !index.isValid()) return false;
+  QString text = index.data(Qt::ToolTipRole).toString();
+  if (text.isEmpty()) {
+    const QString shown = index.data().toString();
+    const QFontMetricsF metrics(
+        cellFont(table_.model()->editor()->formatAt(index.row() + 1, index.column() + 1),
+                 table_.pixelsPerPoint()));
+    if (metrics.horizontalAdvance(shown) > option.rect.width() - 4) text = shown;
+  }
+  QToolTip::showText(event->globalPos(), text, view);
+  return !text.isEmpty();
 }
 
 void GridDelegate::destroyEditor(QWidget* editor, const QModelIndex& index) const {

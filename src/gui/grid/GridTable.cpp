@@ -455,6 +455,12 @@ void GridTable::setPicking(bool picking) {
   }
 }
 
+void GridTable::markCopied(std::optional<CellBlock> block) {
+  copied_ = block;
+  copiedSheet_ = editor() != nullptr ? editor()->sheet().Sheet() : 0;
+  viewport()->update();
+}
+
 void GridTable::enterAll(const QString& text) {
   attempt([&] { editor()->enterAll(cursor_.block(), fromQt(text)); });
 }

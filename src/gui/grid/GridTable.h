@@ -56,6 +56,8 @@ class GridTable : public QTableView {
   void cancelEditor();
   /// While a place is being picked, a click only tells of itself and the pointer says so.
   void setPicking(bool picking);
+  /// Outlines the cells that were copied; without a block the outline goes.
+  void markCopied(std::optional<CellBlock> block);
   void enterAll(const QString& text);
   void stepOn(Direction direction);
   /// Runs an edit; what it refuses is told by `refused`. Returns whether it was made.
@@ -88,6 +90,7 @@ class GridTable : public QTableView {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void inputMethodEvent(QInputMethodEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
   void changeEvent(QEvent* event) override;
@@ -137,6 +140,8 @@ class GridTable : public QTableView {
   CellBlock dragBlock_;
   QBasicTimer autoScroll_;
   bool picking_ = false;
+  std::optional<CellBlock> copied_;
+  int copiedSheet_ = 0;
   int pointStart_ = -1;  // where the reference last pointed at stands in the formula being typed
   int pointEnd_ = -1;
 };

@@ -1,5 +1,6 @@
 // Mouse and keys of a GridTable.
 #include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMouseEvent>
@@ -271,6 +272,7 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
       return;
     case Qt::Key_Escape:
       drag_ = Drag::None;
+      markCopied(std::nullopt);
       autoScroll_.stop();
       viewport()->update();
       event->ignore();
@@ -292,6 +294,18 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
     return;
   }
   editActive(text);
+}
+
+// Composed characters and those of input methods start editing like keys do.
+void GridTable::inputMethodEvent(QInputMethodEvent* event) {
+  const bool composing = !event->preeditString().isEmpty();
+  if (editor() == nullptr || editing() || (!composing && event->commitString().isEmpty())) {
+    return QTableView::inputMethodEvent(event);
+  }
+  editActive(event->commitString());
+  if (composing && delegate_->editor() != nullptr) {
+    QCoreApplication::sendEvent(delegate_->editor(), event);
+  }
 }
 
 void GridTable::page(int direction, bool extend, bool columns) {

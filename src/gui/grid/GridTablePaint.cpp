@@ -106,6 +106,12 @@ void GridTable::paintSelection(QPainter& painter, const QRect&, int shift) {
       painter.fillRect(handle.adjusted(1, 1, 0, 0), accent);
     }
   }
+  if (copied_ && copiedSheet_ == editor()->sheet().Sheet()) {
+    const QRect copied = blockRect(*copied_, shift);
+    painter.setPen(QPen(accent, 2, Qt::DashLine));
+    painter.setBrush(Qt::NoBrush);
+    if (!copied.isEmpty()) painter.drawRect(copied.adjusted(1, 1, 0, 0));
+  }
   if (drag_ == Drag::Fill || drag_ == Drag::Move) {
     const QRect target = blockRect(dragBlock_, shift);
     if (target.isEmpty()) return;

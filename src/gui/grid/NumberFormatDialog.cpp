@@ -3,7 +3,7 @@
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "gui/QtText.h"
@@ -21,7 +21,7 @@ NumberFormatDialog::NumberFormatDialog(const Value& sample, const std::string& f
                                        QWidget* parent)
     : QDialog(parent),
       sample_(sample.isNumber() ? sample : Value(sampleNumber)),
-      known_(new QListWidget(this)),
+      known_(new QTreeWidget(this)),
       format_(new QLineEdit(toQt(format), this)),
       shown_(new QLabel(this)) {
   setWindowTitle(tr("Number format"));
@@ -43,26 +43,29 @@ NumberFormatDialog::NumberFormatDialog(const Value& sample, const std::string& f
       {tr("Date and time"), "yyyy-mm-dd hh:mm"},
       {tr("Text"), "@"},
   };
+  known_->setHeaderLabels({tr("Numbers as"), tr("Format"), tr("Sample")});
+  known_->setRootIsDecorated(false);
   for (const auto& [name, code] : formats) {
-    auto* item = new QListWidgetItem(name + QStringLiteral("    ") + QLatin1String(code), known_);
-    item->setData(Qt::UserRole, QLatin1String(code));
+    auto* item = new QTreeWidgetItem(
+        known_, {name, QString::fromLatin1(code), toQt(formattedText(sample_, code))});
     if (format == code) known_->setCurrentItem(item);
   }
+  for (int column = 0; column < 3; ++column) known_->resizeColumnToContents(column);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(known_);
   layout->addWidget(format_);
   layout->addWidget(shown_);
   layout->addWidget(buttons);
-  connect(known_, &QListWidget::currentItemChanged, this, [this](QListWidgetItem* item) {
-    if (item != nullptr) format_->setText(item->data(Qt::UserRole).toString());
+  connect(known_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+    if (item != nullptr) format_->setText(item->text(1));
   });
-  connect(known_, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
+  connect(known_, &QTreeWidget::itemDoubleClicked, this, &QDialog::accept);
   connect(format_, &QLineEdit::textChanged, this, &NumberFormatDialog::showSample);
   connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   showSample();
-  resize(360, 420);
+  resize(460, 420);
 }
 
 std::string NumberFormatDialog::format() const {

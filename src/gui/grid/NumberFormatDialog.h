@@ -7,7 +7,7 @@
 
 class QLabel;
 class QLineEdit;
-class QListWidget;
+class QTreeWidget;
 
 namespace lodex {
 
@@ -22,7 +22,7 @@ class NumberFormatDialog : public QDialog {
   void showSample();
 
   Value sample_;
-  QListWidget* known_;
+  QTreeWidget* known_;
   QLineEdit* format_;
   QLabel* shown_;
 };

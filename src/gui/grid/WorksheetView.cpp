@@ -132,6 +132,7 @@ void WorksheetView::connectBars() {
 
 void WorksheetView::attach(Worksheet& sheet) {
   // What was shown may be gone already.
+  table_->markCopied(std::nullopt);
   table_->cancelEditor();
   cursor_->setEditor(nullptr);
   model_->setEditor(nullptr);
@@ -173,6 +174,7 @@ void WorksheetView::refresh() {
 }
 
 void WorksheetView::afterEdit(const CellBlock* block) {
+  table_->markCopied(std::nullopt);
   if (block == nullptr) {
     table_->readLayout();
     showTabs();
