@@ -12,6 +12,7 @@ namespace lodex {
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName(QStringLiteral("lodexgeo"));
   setApplicationDisplayName(QStringLiteral("Lodex Geo"));
+  setApplicationVersion(QStringLiteral(LODEX_VERSION));
   setDesktopFileName(QStringLiteral("lodexgeo"));
   setWindowIcon(QIcon(QStringLiteral(":/icons/lodexgeo.svg")));
 }

@@ -1,6 +1,8 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QTimer>
+#include <algorithm>
+#include <string_view>
 
 #include "gui/Application.h"
 #include "gui/QtServices.h"
@@ -10,8 +12,20 @@
 #include "gui/shell/MainWindow.h"
 #include "gui/shell/SingleInstance.h"
 
+namespace {
+
+// What is answered with a text needs no screen.
+bool asksForText(int argc, char** argv) {
+  return std::any_of(argv, argv + argc, [](const std::string_view argument) {
+    return argument == "-h" || argument == "--help" || argument == "-v" || argument == "--version";
+  });
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   using namespace lodex;
+  if (asksForText(argc, argv)) qputenv("QT_QPA_PLATFORM", "offscreen");
   loadResources();
   Application application(argc, argv);
   application.setLanguage(chosenLanguage());

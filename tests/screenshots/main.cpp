@@ -1,0 +1,272 @@
+// Walks the example road through the real windows and takes a picture of each:
+// lodexgeo-screenshots FOLDER [light|dark] [language]
+
+#include <QAction>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QListWidget>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <deque>
+#include <functional>
+#include <iostream>
+#include <map>
+
+#include "gui/Application.h"
+#include "gui/FormWindow.h"
+#include "gui/QtServices.h"
+#include "gui/QtText.h"
+#include "gui/Resources.h"
+#include "gui/shell/Appearance.h"
+#include "gui/shell/MainWindow.h"
+
+namespace {
+
+using namespace lodex;
+
+void settle() {
+  QElapsedTimer clock;
+  clock.start();
+  do {
+    QApplication::processEvents(QEventLoop::AllEvents, 20);
+  } while (clock.elapsed() < 60);
+}
+
+class Album {
+ public:
+  explicit Album(QString folder) : folder_(std::move(folder)) { QDir().mkpath(folder_); }
+
+  void take(QWidget& window, const QString& name) {
+    settle();
+    window.grab().save(QStringLiteral("%1/%2.png").arg(folder_, name));
+  }
+  /// All windows beside the main one that can be seen, by their object names.
+  void takeOthers(const QWidget& main) {
+    settle();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (window == &main || !window->isVisible() || !window->isWindow()) continue;
+      if (window->windowType() == Qt::ToolTip || window->objectName().isEmpty()) continue;
+      take(*window, window->objectName());
+      window->close();
+    }
+  }
+
+ private:
+  QString folder_;
+};
+
+/// Takes a picture of each dialogue and answers it from a list.
+class PictureDialogs : public QtDialogs {
+ public:
+  explicit PictureDialogs(Album& album) : album_(album) {}
+
+  std::deque<std::vector<std::string>> files;
+  std::deque<std::string> targets;
+  /// What is done in a form, by its name, before it is closed.
+  std::map<std::string, std::function<void(Form&)>> acts;
+
+  Answer messageBox(std::string_view text, MessageButtons buttons, MessageIcon,
+                    std::string_view) override {
+    std::cerr << "message: " << text << '\n';
+    return buttons == MessageButtons::YesNo || buttons == MessageButtons::YesNoCancel ? Answer::Yes
+                                                                                      : Answer::Ok;
+  }
+  std::optional<std::string> inputBox(std::string_view, std::string_view,
+                                      std::string_view proposal) override {
+    return std::string(proposal);
+  }
+  std::vector<std::string> openFiles(const FileRequest&) override {
+    if (files.empty()) return {};
+    auto next = files.front();
+    files.pop_front();
+    return next;
+  }
+  std::optional<std::string> saveFile(const FileRequest&) override {
+    if (targets.empty()) return std::nullopt;
+    auto next = targets.front();
+    targets.pop_front();
+    return next;
+  }
+  void showModal(Form& form) override {
+    form.show();
+    FormWindow window(form);
+    window.show();
+    settle();
+    const auto act = acts.find(form.name());
+    if (act != acts.end()) {
+      const auto todo = act->second;
+      acts.erase(act);
+      todo(form);
+    }
+    album_.take(window, toQt(form.name()));
+    if (form.visible()) window.close();
+  }
+
+ private:
+  Album& album_;
+};
+
+class Road {
+ public:
+  Road(const QString& folder, const QString& appFolder)
+      : album_(folder), dialogs_(album_), window_(session_, appFolder) {
+    window_.resize(1280, 800);
+    examples_ = fromQt(appFolder) + "/Geo/examples/";
+  }
+
+  void walk() {
+    if (!window_.start()) return;
+    window_.showNormal();
+    window_.resize(1280, 800);
+    shot("start");
+    openAndIdentify();
+    calculate();
+    saveInDatabase();
+    otherWindows();
+  }
+
+ private:
+  MDIMain& shell() { return window_.shell(); }
+  void shot(const char* name) { album_.take(window_, QString::fromLatin1(name)); }
+  void trigger(const char* name) {
+    if (auto* action = window_.findChild<QAction*>(QString::fromLatin1(name))) action->trigger();
+    settle();
+  }
+  void press(const char* name) {
+    if (auto* button = window_.findChild<QAbstractButton*>(QString::fromLatin1(name))) {
+      button->click();
+    }
+    settle();
+  }
+  void tickAll(const char* name) {
+    auto* list = window_.findChild<QListWidget*>(QString::fromLatin1(name));
+    for (int i = 0; list && i < list->count(); ++i) list->item(i)->setCheckState(Qt::Checked);
+    settle();
+  }
+  void tickOnly(const char* name, const QStringList& wanted) {
+    auto* list = window_.findChild<QListWidget*>(QString::fromLatin1(name));
+    for (int i = 0; list && i < list->count(); ++i) {
+      const bool on = wanted.contains(list->item(i)->text());
+      list->item(i)->setCheckState(on ? Qt::Checked : Qt::Unchecked);
+    }
+    settle();
+  }
+  void maximize() {
+    if (auto* sheet = window_.area().activeSubWindow()) sheet->showMaximized();
+    settle();
+  }
+
+  void openAndIdentify() {
+    dialogs_.files.push_back({examples_ + "gabbros.txt", examples_ + "ore_assays.txt"});
+    trigger("mnuOpen");
+    shot("opened");
+    tickAll("lstI");
+    press("cmdIdentify");
+    album_.takeOthers(window_);
+    shell().stages.SetStage(Stage::Identify);
+    shot("identified");
+    maximize();
+    shot("sheet");
+  }
+
+  void calculate() {
+    shell().stages.SetStage(Stage::Calculate);
+    tickAll("lstSrcF");
+    tickOnly("lstCalc", {QStringLiteral("CIPW"), QStringLiteral("INDICES")});
+    shot("calculate");
+    trigger("mnuSources");
+    album_.takeOthers(window_);
+    press("cmdCalculate");
+    album_.takeOthers(window_);
+    shot("result");
+  }
+
+  void saveInDatabase() {
+    shell().stages.SetStage(Stage::Save);
+    settle();
+    const std::string database = fromQt(scratch_.filePath(QStringLiteral("samples.mdb")));
+    dialogs_.targets.push_back(database);
+    dialogs_.acts["frmDDB"] = [](Form& form) {
+      auto& destination = dynamic_cast<frmDDB&>(form);
+      destination.Command1.click();
+      settle();
+      destination.cmdOK.click();
+    };
+    press("cmdDefine");
+    shot("save");
+    press("cmdSaveInDBNow");
+    album_.takeOthers(window_);
+    shot("saved");
+    dialogs_.files.push_back({database});
+    trigger("mnuOpenDB");
+    album_.takeOthers(window_);
+    press("cmdDefine");
+    dialogs_.acts["frmDDB"] = [](Form& form) {
+      dynamic_cast<frmDDB&>(form).cmdCreateField.click();
+    };
+    press("cmdDefine");
+    dialogs_.files.push_back({database});
+    dialogs_.acts["frmConnect"] = [](Form&) {};
+    shell().sourceForm.cmdOpenSDB.click();
+    album_.takeOthers(window_);
+    trigger("mnuCombine");
+    dialogs_.files.push_back({database});
+    shell().combineForm.cmdAddDB.click();
+    album_.takeOthers(window_);
+  }
+
+  void otherWindows() {
+    shell().stages.SetStage(Stage::End);
+    shot("end");
+    shell().stages.SetStage(Stage::Identify);
+    trigger("mnuThesaurus");
+    album_.takeOthers(window_);
+    if (frmDataIN* sheet = shell().sheets.find("gabbros")) {
+      sheet->cmdSplit.click();
+      settle();
+    }
+    trigger("mnuSingle");
+    maximize();
+    shot("single");
+    dialogs_.selectFromList("Select mineral", {"Chalcopyrite", "Pentlandite", "Pyrrhotite"});
+    dialogs_.files.push_back({session_.record.UserIni});
+    trigger("mnuEditIni");
+    album_.takeOthers(window_);
+    trigger("mnuHelp");
+    album_.takeOthers(window_);
+    trigger("mnuCascade");
+    for (QMdiSubWindow* sheet : window_.area().subWindowList()) sheet->showNormal();
+    trigger("mnuTile");
+    shot("tiled");
+    FormWindow splash(session_.splash);
+    splash.show();
+    album_.take(splash, QStringLiteral("frmLoad"));
+  }
+
+  Album album_;
+  PictureDialogs dialogs_;
+  QtEventPump events_;
+  QtClipboardText clipboard_;
+  Session session_{Services{dialogs_, events_, clipboard_}};
+  QTemporaryDir scratch_;
+  std::string examples_;
+  MainWindow window_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) {
+    std::cerr << "lodexgeo-screenshots FOLDER [light|dark] [language]\n";
+    return 2;
+  }
+  loadResources();
+  Application application(argc, argv);
+  application.setLanguage(QString::fromLocal8Bit(argc > 3 ? argv[3] : "en"));
+  setAppearance(QString::fromLocal8Bit(argc > 2 ? argv[2] : "light"));
+  applyAppearance();
+  Road(QString::fromLocal8Bit(argv[1]), QApplication::applicationDirPath()).walk();
+  return 0;
+}
