@@ -180,6 +180,7 @@ TEST_F(ServerTest, WhatTheServerFillsInIsReadBack) {
   numbered->SetValue("Name", "c");
   numbered->Update();
   EXPECT_EQ(records("SELECT [Name] FROM [Numbered] ORDER BY [ID]"), "a;c");
+  EXPECT_EQ(records("SELECT 9007199254740993 AS n"), "9007199254740993");
   auto columns = connection_.OpenSchema(SchemaKind::Columns);
   columns->Filter("TABLE_NAME='Numbered' AND COLUMN_NAME='d'");
   EXPECT_EQ(columns->Text("NUMERIC_PRECISION") + "," + columns->Text("NUMERIC_SCALE"), "10,2");

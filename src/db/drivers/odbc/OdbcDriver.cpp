@@ -223,7 +223,9 @@ class OdbcDriver : public Driver {
     switch (statement.kind) {
       case JetStatement::Query:
       case JetStatement::Action:
+        return run(statement.sql, parameters, sql);
       case JetStatement::Plain:
+        link_->keys.clear();
         return run(statement.sql, parameters, sql);
       case JetStatement::Transform:
         return 0;
@@ -231,6 +233,7 @@ class OdbcDriver : public Driver {
         return run("CREATE TABLE " + quoted(statement.table) + " AS " + statement.sql, parameters,
                    sql);
       default:
+        link_->keys.clear();
         for (const auto& change : tableChanges(statement)) run(change, {}, sql);
         return 0;
     }

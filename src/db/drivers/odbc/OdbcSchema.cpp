@@ -157,13 +157,17 @@ std::vector<Row> foreignKeys(const Link& link) {
 
 std::vector<std::string> odbcPrimaryKey(const std::shared_ptr<OdbcLink>& link,
                                         const std::string& table) {
+  const auto asked = link->keys.find(table);
+  if (asked != link->keys.end()) return asked->second;
   std::vector<std::string> fields;
-  for (const ServerTable& known : listTables(link)) {
-    if (known.isView || known.name != table) continue;
-    for (const IndexFacts& part : keyOf(link, known)) fields.push_back(part.column);
-    return fields;
+  const std::vector<ServerTable> tables = listTables(link);
+  const auto known = std::find_if(tables.begin(), tables.end(), [&](const ServerTable& other) {
+    return !other.isView && other.name == table;
+  });
+  if (known != tables.end()) {
+    for (const IndexFacts& part : keyOf(link, *known)) fields.push_back(part.column);
   }
-  return fields;
+  return link->keys[table] = fields;
 }
 
 std::unique_ptr<RowSource> readOdbcSchema(const std::shared_ptr<OdbcLink>& link, SchemaKind kind) {

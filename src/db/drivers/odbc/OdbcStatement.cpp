@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <optional>
 
 #include "basic/Error.h"
 #include "basic/Numbers.h"
@@ -26,6 +28,16 @@ SQLWCHAR* wideOrNull(std::u16string& text) {
 bool isDateType(SQLSMALLINT type) {
   return type == SQL_TYPE_DATE || type == SQL_TYPE_TIMESTAMP || type == SQL_TYPE_TIME ||
          type == SQL_DATETIME;
+}
+
+// A whole number of more digits than a double holds for sure.
+std::optional<std::int64_t> longWhole(const std::string& text) {
+  constexpr size_t kSureDigits = 15;
+  std::int64_t whole = 0;
+  const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), whole);
+  const bool isWhole = failed == std::errc() && end == text.data() + text.size();
+  if (text.size() <= kSureDigits || !isWhole) return std::nullopt;
+  return whole;
 }
 
 }  // namespace
@@ -278,6 +290,7 @@ FieldValue OdbcStatement::value(int column, FieldType type) {
       return static_cast<std::int64_t>(numberOf(text));
     case FieldCode::Numeric:
     case FieldCode::Currency: {
+      if (const auto whole = longWhole(text)) return *whole;
       const auto number = parseNumber(text);
       return number ? FieldValue(*number) : FieldValue(text);
     }

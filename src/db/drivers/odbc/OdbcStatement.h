@@ -3,6 +3,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ struct OdbcLink {
   bool connected = false;
   std::string service;
   std::string product;  ///< what the server calls itself, such as "PostgreSQL"
+  /// Primary keys that were asked for, by table, until this connection changes the structure: asking
+  /// for one takes a server longer than a record.
+  std::map<std::string, std::vector<std::string>> keys;
 
   OdbcLink() = default;
   OdbcLink(const OdbcLink&) = delete;
