@@ -17,6 +17,7 @@
 #include "cli/ImportConsole.h"
 #include "cli/StoredSamples.h"
 #include "cli/WorkbookFiles.h"
+#include "import/SheetPaint.h"
 #include "worksheet/files/TextWriter.h"
 
 namespace lodex {
@@ -33,15 +34,18 @@ struct CalcOptions {
   bool askRefs = false;
 };
 
+bool isTextFile(const std::string& path) {
+  const std::string ending = extensionOf(path);
+  return ending == "txt" || ending == "tsv" || ending == "csv";
+}
+
 // Told before the work rather than behind it.
 void requireGoodTarget(const std::string& path) {
   const std::string folder = folderOf(path);
   if (!folder.empty() && !pathExists(folder)) throw Error("There is no folder " + folder);
   const std::string ending = extensionOf(path);
-  if (path.empty() || ending == "xls" || ending == "xlsx" || ending == "txt" || ending == "tsv") {
-    return;
-  }
-  throw Error(path + ": save results as .xls, .xlsx or, those of one method, .txt");
+  if (path.empty() || ending == "xls" || ending == "xlsx" || isTextFile(path)) return;
+  throw Error(path + ": save results as .xls, .xlsx or, those of one method, .txt or .csv");
 }
 
 std::vector<std::string> chosenMethods(const CalcOptions& options, const CalculationGroup& group) {
@@ -123,14 +127,15 @@ CalculationOutcome calculate(const CalculationRequest& asked, int mostSamples, S
 }
 
 void save(const std::string& path, Worksheet& results) {
-  const std::string ending = extensionOf(path);
-  if ((ending == "txt" || ending == "tsv") && results.NumSheets() > 1) {
+  if (isTextFile(path) && results.NumSheets() > 1) {
     throw Error(path + ": a text file holds one sheet; save " +
                 std::to_string(results.NumSheets()) + " sheets as .xls or .xlsx");
   }
   for (int sheet = 1; sheet <= results.NumSheets(); ++sheet) {
     results.SheetName(sheet, freeSheetName(results, sheet, results.SheetName(sheet)));
   }
+  SheetStructure structure = resultStructure();
+  paintStructure(results, structure, true, false);
   writeByEnding(path, results);
 }
 
@@ -232,8 +237,9 @@ void addCalcCommand(CLI::App& app, CommandContext& context) {
                       "method of the group, may be repeated; all unless told");
   command->add_flag("--ask-refs", options->askRefs,
                     "ask where an item has several columns to come from");
-  command->add_option("--out", options->out,
-                      "save the results (.xls, .xlsx, .txt for one method) instead of printing");
+  command->add_option(
+      "--out", options->out,
+      "save the results (.xls, .xlsx; .txt or .csv for one method) instead of printing");
   auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");
   command->add_flag("--no-thesaurus", options->noThesaurus, "understand only headings with a unit")
       ->excludes(thesaurus);
