@@ -67,10 +67,9 @@ bool SavingStage::SaveInDB(bool resultOnly) {
     session_.dialogs().messageBox("Define database");
     return false;
   }
-  const SaveOutcome outcome = saveSheets(session_, destination_.destination(), request(resultOnly));
-  errors_ = outcome.SaveErrors;
+  outcome_ = saveSheets(session_, destination_.destination(), request(resultOnly));
   destination_.refreshTables();
-  return outcome.finished;
+  return outcome_.finished;
 }
 
 void SavingStage::guarded() {

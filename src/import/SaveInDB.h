@@ -25,7 +25,8 @@ class SavingStage {
   /// nothing was saved to the end; what went wrong has been told.
   bool SaveInDB(bool resultOnly);
   /// Of the last saving.
-  int SaveErrors() const { return errors_; }
+  int SaveErrors() const { return outcome_.SaveErrors; }
+  int savedRecords() const { return outcome_.records; }
 
  private:
   void showDestination();
@@ -35,7 +36,7 @@ class SavingStage {
   Session& session_;
   DataSheets& sheets_;
   frmDDB& destination_;
-  int errors_ = 0;
+  SaveOutcome outcome_;
 };
 
 }  // namespace lodex

@@ -324,7 +324,9 @@ class Saving {
       }
     }
     try {
+      const bool isEdited = records->Editing() != EditMode::None;
       records->Update();
+      if (isEdited) ++outcome_.records;
     } catch (const Error& failure) {
       records->CancelUpdate();
       countError(id, table, failure);

@@ -27,6 +27,8 @@ struct SaveRequest {
 
 struct SaveOutcome {
   int SaveErrors = 0;
+  /// Records that were made or changed.
+  int records = 0;
   /// False when the user stopped before the end.
   bool finished = true;
 };

@@ -24,7 +24,10 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   EXPECT_EQ(saved.status, 0);
   EXPECT_THAT(saved.text, HasSubstr("  -EXECUTED: CREATE TABLE [ANALYSES]"));
   EXPECT_EQ(runLodex("save " + quoted("bad.txt") + db + "2>/dev/null").status, 1);
-  EXPECT_EQ(runLodex("save " + quoted("good.txt") + db + "--overwrite 2>/dev/null").status, 0);
+  EXPECT_THAT(runLodex("save " + quoted("good.txt") + db + "--overwrite 2>&1").text,
+              HasSubstr("2 records written in "));
+  EXPECT_THAT(runLodex("save " + quoted("good.txt") + db + "--merge 2>&1").text,
+              HasSubstr("0 records written in "));
   EXPECT_EQ(runLodex("save " + quoted("missing.txt") + db + "2>/dev/null").status, 1);
   const Outcome map = runLodex("map --refresh " + quoted("a.mdb"));
   EXPECT_EQ(map.status, 0);
