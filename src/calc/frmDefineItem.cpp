@@ -6,6 +6,8 @@ frmDefineItem::frmDefineItem(std::string_view caption, const SourceSheets& sheet
     : Form("frmDefineItem", caption), sheets_(sheets) {
   for (const SourceSheet& sheet : sheets) cmbSheet.add(sheet.caption);
   cmbSheet.onChange([this] { showColumns(); });
+  cmdOK.setEnabled(false);
+  cmbColumn.onChange([this] { cmdOK.setEnabled(cmbColumn.current() >= 0); });
   cmdOK.onClick([this] { accept(); });
   cmdCancel.onClick([this] { close(); });
   if (cmbSheet.count() > 0) cmbSheet.setCurrent(0);

@@ -231,7 +231,9 @@ void DataSheetForm::clickGrid(int row, int column) {
     return;
   }
   box->setNumber(std::max(0, picksColumn ? column : row));
-  F1D.SetActiveCell(std::clamp(row, 1, F1D.MaxRow()), std::clamp(column, 1, F1D.MaxCol()));
+  const int activeRow = std::clamp(row, 1, F1D.MaxRow());
+  const int activeColumn = std::clamp(column, 1, F1D.MaxCol());
+  F1D.SetSelection(activeRow, activeColumn, activeRow, activeColumn);
   gridF1D.refresh();
 }
 

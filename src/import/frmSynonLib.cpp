@@ -161,14 +161,18 @@ void frmSynonLib::DeleteRow() {
 
 void frmSynonLib::clickGrid(int row, int column) {
   if (row < 1 || column < 1 || row > F1Lib.MaxRow() || column > F1Lib.MaxCol()) return;
-  F1Lib.SetActiveCell(row, column);
-  showCurrent(row);
+  if (F1Lib.Row() != row || F1Lib.Col() != column) F1Lib.SetActiveCell(row, column);
+  showValue(row);
 }
 
 void frmSynonLib::showCurrent(int row) {
-  F1Lib.SetActiveCell(row, F1Lib.Col());
-  lblValue.setCaption("Value: '" + F1Lib.TextRC(row, thesaurus::valueColumn) + "'");
+  F1Lib.SetSelection(row, F1Lib.Col(), row, F1Lib.Col());
+  showValue(row);
   gridF1Lib.refresh();
+}
+
+void frmSynonLib::showValue(int row) {
+  lblValue.setCaption("Value: '" + F1Lib.TextRC(row, thesaurus::valueColumn) + "'");
 }
 
 }  // namespace lodex

@@ -58,6 +58,7 @@ class frmSynonLib : public Form {
   void Save();
   void SaveAsDefault();
   void showCurrent(int row);
+  void showValue(int row);
   template <typename Command>
   void guarded(Command command);
 

@@ -3,9 +3,9 @@
 #include <QApplication>
 #include <QPalette>
 #include <QStyle>
-#include <QStyleFactory>
 
 #include "gui/WindowPlaces.h"
+#include "gui/widgets/OutlineStyle.h"
 
 namespace lodex {
 namespace {
@@ -68,7 +68,7 @@ void setAppearance(const QString& name) {
 void applyAppearance() {
   const QString name = appearance();
   const bool dark = name.isEmpty() ? desktopIsDark() : name == QLatin1String("dark");
-  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  QApplication::setStyle(new OutlineStyle);
   QApplication::setPalette(paletteOf(dark ? darkShades : lightShades));
 }
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QProxyStyle>
+
+namespace lodex {
+
+/// Fusion, with visible outlines of input fields, lists and boxes to check on a dark palette, where
+/// Fusion draws them darker than the dark that surrounds them. The outline has the palette's Mid
+/// colour.
+class OutlineStyle : public QProxyStyle {
+ public:
+  OutlineStyle();
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override;
+};
+
+}  // namespace lodex
