@@ -312,6 +312,19 @@ std::string AccessMaker::definition(const Table& table, std::uint32_t map) const
   return bytes;
 }
 
+std::string AccessMaker::text(const std::string& ascii) const {
+  return isJet3_ ? ascii : storedWide(ascii);
+}
+
+void AccessMaker::addLink(const std::string& name, const std::string& file) {
+  catalog_.push_back({storedAs(0x10000000 + static_cast<int>(catalog_.size())),
+                      storedAs(std::uint16_t{6}),
+                      storedAs(0),
+                      text(name),
+                      {},
+                      longField(text(file), Long::Inline)});
+}
+
 void AccessMaker::closeTable() {
   if (!open_) return;
   std::string rest = definition(open_->table, usageMap(open_->pages));
@@ -328,11 +341,14 @@ void AccessMaker::closeTable() {
     page = next;
   }
   const Table& table = open_->table;
-  const std::string name = isJet3_ ? table.name : storedWide(table.name);
   StoredCell properties;
   if (!table.properties.empty()) properties = longField(table.properties, Long::OnePage);
-  catalog_.push_back({storedAs(open_->definitionPage), storedAs(std::uint16_t{1}),
-                      storedAs(table.flags), name, properties});
+  catalog_.push_back({storedAs(open_->definitionPage),
+                      storedAs(std::uint16_t{1}),
+                      storedAs(table.flags),
+                      text(table.name),
+                      properties,
+                      {}});
   open_.reset();
 }
 
@@ -344,7 +360,8 @@ void AccessMaker::write(const std::string& path) {
                  {"Type", AccessType::Integer},
                  {"Flags", AccessType::LongInteger},
                  {"Name", AccessType::Text, 128},
-                 {"LvProp", AccessType::Ole}}},
+                 {"LvProp", AccessType::Ole},
+                 {"Database", AccessType::Memo}}},
                kCatalogPage};
   for (const auto& row : rows) addRecord(row);
   closeTable();

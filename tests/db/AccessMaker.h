@@ -64,6 +64,9 @@ class AccessMaker {
   /// Adds any bytes as a record.
   void addRaw(const std::string& record, std::uint16_t flags = 0);
 
+  /// Adds a table that lies in another file.
+  void addLink(const std::string& name, const std::string& file);
+
   /// The field of a memo or OLE object; the content goes where it is told.
   std::string longField(const std::string& content, Long where);
   /// The pointer to the row of a page of memos with this content.
@@ -90,6 +93,7 @@ class AccessMaker {
   std::uint32_t usageMap(const std::vector<std::uint32_t>& pages);
   std::string recordOf(const std::vector<StoredCell>& cells, int known) const;
   void closeTable();
+  std::string text(const std::string& ascii) const;
   std::string nameBytes(const std::string& name) const;
 
   bool isJet3_;

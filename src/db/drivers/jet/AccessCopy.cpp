@@ -57,6 +57,7 @@ struct Object {
   std::uint32_t id = 0;
   bool isSystem = false;
   std::string properties = {};  // of a table, as stored
+  std::string file = {};        // of a linked table, as Access names it
   std::uint32_t page() const { return id & 0xFFFFFF; }
 };
 
@@ -73,6 +74,7 @@ std::vector<Object> readCatalog(const AccessFile& file) {
     object.id = static_cast<std::uint32_t>(catalog.number("Id"));
     object.isSystem = (static_cast<std::uint32_t>(catalog.number("Flags")) & kSystemFlags) != 0;
     if (object.type == kTableObject) object.properties = catalog.text("LvProp");
+    if (object.type == kLink) object.file = catalog.text("Database");
     objects.push_back(std::move(object));
   }
   return objects;
@@ -239,8 +241,10 @@ void copyAccessFile(const std::string& source, const std::string& target,
   copy.run(fieldsTableSql());
   Tables tables(file, objects, copy, report);
   for (const Object& object : objects) {
+    // What else a link says may hold a password.
     if (object.type == kLink || object.type == kOdbcLink) {
-      report.warning("Table " + object.name + " lies in another database and was left out");
+      report.warning("Table " + object.name + " lies in another database" +
+                     (object.file.empty() ? "" : ", " + object.file + ",") + " and was left out");
     }
     if (object.type != kTableObject) continue;
     const bool isUsers = !object.isSystem && !object.name.starts_with("~");
