@@ -223,9 +223,15 @@ void GridActions::addViewing() {
   add("actZoomReset", tr("&Zoom 100 %"), tr("Show cells in their natural size"),
       keys({QKeySequence(Qt::CTRL | Qt::Key_0)}), [this] { view_.setZoom(100); });
   add("actPrint", tr("&Print..."), tr("Print the sheet"), keys({QKeySequence::Print}),
-      [this] { printSheet(view_, view_.editor().sheet()); });
+      [this] { printSheet(view_, view_.editor().sheet(), printing_); });
+  add("actPageSetup", tr("Page &set-up..."), tr("Choose paper, margins and orientation"), {},
+      [this] { setUpPage(view_, printing_); });
+  add("actPrintFitWidth", tr("Fit columns to the pa&ge"),
+      tr("Print all columns side by side, smaller where needed"), {},
+      [this] { printing_.fitWidth = !printing_.fitWidth; })
+      ->setCheckable(true);
   add("actPrintPreview", tr("Print pre&view..."), tr("Show the pages as they will be printed"), {},
-      [this] { previewSheet(view_, view_.editor().sheet()); });
+      [this] { previewSheet(view_, view_.editor().sheet(), printing_); });
 }
 
 void GridActions::copy(bool cut) {
@@ -454,7 +460,7 @@ void GridActions::fillContextMenu(QMenu& menu, int row, int column) {
   addAll(*borders, {"actBorderOutline", "actBorderAll", "actBorderBottom", "actBorderNone"});
   QMenu* window = menu.addMenu(tr("&View"));
   addAll(*window, {"actFreeze", "actUnfreeze", "", "actZoomIn", "actZoomOut", "actZoomReset", "",
-                   "actPrint", "actPrintPreview"});
+                   "actPageSetup", "actPrintFitWidth", "actPrintPreview", "actPrint"});
   menu.addSeparator();
   addAll(menu, {"actFind", "actReplace", "actSelectAll"});
 }

@@ -6,6 +6,7 @@
 
 #include "form/SheetEditor.h"
 #include "gui/grid/GridClipboard.h"
+#include "gui/grid/GridPrint.h"
 
 class QAction;
 class QKeySequence;
@@ -58,6 +59,7 @@ class GridActions : public QObject {
 
   WorksheetView& view_;
   GridClipboard clipboard_;
+  PrintSettings printing_;
   QList<QAction*> actions_;
 };
 

@@ -1,5 +1,6 @@
 #include "gui/grid/GridPrint.h"
 
+#include <QPageSetupDialog>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -14,8 +15,11 @@
 namespace lodex {
 namespace {
 
-constexpr double defaultWidth = 10;  // characters
-constexpr int mostPages = 2000;      // of one print; more are a mistake
+constexpr int previewPages = 300;  // nobody leafs through more
+
+constexpr double defaultWidth = 10;    // characters
+constexpr double smallestScale = 0.4;  // of columns fitted to the page
+constexpr int mostPages = 2000;        // of one print; more are a mistake
 
 // Rows or columns of one page: indexes and sizes.
 struct Strip {
@@ -25,50 +29,84 @@ struct Strip {
 
 class Pages {
  public:
-  Pages(QPrinter& printer, const Worksheet& sheet)
+  Pages(QPrinter& printer, const Worksheet& sheet, bool fitWidth)
       : printer_(printer), sheet_(sheet), pixelsPerPoint_(printer.resolution() / 72.0) {
+    measure();
+    if (!fitWidth) return;
+    // Headings and columns shrink together.
+    const int page = pageRect().width();
+    const int needed = headingWidth_ + 1 + allColumns();
+    if (needed <= page) return;
+    pixelsPerPoint_ *= std::max(smallestScale, 0.99 * page / needed);
+    measure();
+  }
+
+  /// The number of pages of the whole sheet, whatever the printer's page range.
+  int count() {
+    layOut();
+    return static_cast<int>(rows_.size() * columns_.size());
+  }
+
+  int paint() {
+    const int all = count();
+    if (all == 0) return 0;
+    const int first = std::max(1, printer_.fromPage());
+    const int last = printer_.toPage() > 0 ? std::min(all, printer_.toPage()) : all;
+    const QSize page = pageRect().size();
+    QPainter painter(&printer_);
+    int number = 0;
+    int painted = 0;
+    for (const Strip& across : columns_) {
+      for (const Strip& down : rows_) {
+        if (++number < first || number > last) continue;
+        if (painted++ > 0) printer_.newPage();
+        paintPage(painter, page, down, across, number, all);
+      }
+    }
+    return painted;
+  }
+
+ private:
+  QRect pageRect() const { return printer_.pageLayout().paintRectPixels(printer_.resolution()); }
+
+  void layOut() {
+    const int lastRow = std::min(sheet_.LastRow(), sheet_.MaxRow());
+    const int lastColumn = std::min(sheet_.LastCol(), sheet_.MaxCol());
+    if (lastRow == 0) return;
+    columns_ = columnStrips(lastColumn, pageRect().width() - headingWidth_ - 1);
+    frozen_ = rowStrip(1, std::min(sheet_.FixedRows(), lastRow));
+    const int height =
+        pageRect().height() - 2 * margin_ - (headings_ ? rowHeight_ : 0) - frozen_.length;
+    rows_ = rowStrips(frozen_.spans.empty() ? 1 : sheet_.FixedRows() + 1, lastRow,
+                      std::max(height, 4 * rowHeight_));
+  }
+
+  void measure() {
     palette_.setColor(QPalette::Base, Qt::white);
     palette_.setColor(QPalette::Text, Qt::black);
     const QFont font = textFont(false);
     rowHeight_ = neededHeight(CellFormat(), QString(), 0, pixelsPerPoint_) + 1;
     margin_ = rowHeight_ * 2;  // title above, page number below
-    headings_ = sheet.permissions().PrintColHeading;
+    headings_ = sheet_.permissions().PrintColHeading;
     headingWidth_ =
-        headings_ ? QFontMetrics(font, &printer)
-                            .horizontalAdvance(QString::number(std::max(sheet.LastRow(), 999))) +
+        headings_ ? QFontMetrics(font, &printer_)
+                            .horizontalAdvance(QString::number(std::max(sheet_.LastRow(), 999))) +
                         4 * cellPadding(pixelsPerPoint_)
                   : 0;
-    for (int row = 1; headings_ && row <= std::min(sheet.LastRow(), 200); ++row) {
-      const int width = QFontMetrics(font, &printer).horizontalAdvance(toQt(sheet.RowText(row)));
+    for (int row = 1; headings_ && row <= std::min(sheet_.LastRow(), 200); ++row) {
+      const int width = QFontMetrics(font, &printer_).horizontalAdvance(toQt(sheet_.RowText(row)));
       headingWidth_ = std::max(headingWidth_, width + 4 * cellPadding(pixelsPerPoint_));
     }
   }
 
-  int paint() {
-    const int lastRow = std::min(sheet_.LastRow(), sheet_.MaxRow());
-    const int lastColumn = std::min(sheet_.LastCol(), sheet_.MaxCol());
-    if (lastRow == 0) return 0;
-    const QRect page = printer_.pageLayout().paintRectPixels(printer_.resolution());
-    const int width = page.width() - headingWidth_ - 1;
-    const std::vector<Strip> columns = columnStrips(lastColumn, width);
-    const Strip frozen = rowStrip(1, std::min(sheet_.FixedRows(), lastRow));
-    const int height = page.height() - 2 * margin_ - (headings_ ? rowHeight_ : 0) - frozen.length;
-    const std::vector<Strip> rows = rowStrips(frozen.spans.empty() ? 1 : sheet_.FixedRows() + 1,
-                                              lastRow, std::max(height, 4 * rowHeight_));
-    const int all = static_cast<int>(rows.size() * columns.size());
-    QPainter painter(&printer_);
-    int number = 0;
-    for (const Strip& across : columns) {
-      for (const Strip& down : rows) {
-        if (number >= mostPages) return number;
-        if (number > 0) printer_.newPage();
-        paintPage(painter, page.size(), frozen, down, across, ++number, all);
-      }
+  int allColumns() const {
+    int width = 0;
+    for (int column = 1; column <= std::min(sheet_.LastCol(), sheet_.MaxCol()); ++column) {
+      if (!sheet_.columnHidden(sheet_.Sheet(), column)) width += columnPixels(column);
     }
-    return number;
+    return width;
   }
 
- private:
   QFont textFont(bool bold) const {
     CellFormat format;
     format.bold = bold;
@@ -143,18 +181,18 @@ class Pages {
     return result;
   }
 
-  void paintPage(QPainter& painter, const QSize& page, const Strip& frozen, const Strip& down,
-                 const Strip& across, int number, int all) {
+  void paintPage(QPainter& painter, const QSize& page, const Strip& down, const Strip& across,
+                 int number, int all) {
     const int left = headingWidth_ + 1;
     const int top = margin_ + (headings_ ? rowHeight_ : 0);
-    std::vector<GridSpan> rows = moved(frozen.spans, top);
-    for (const GridSpan& span : moved(down.spans, top + frozen.length)) rows.push_back(span);
+    std::vector<GridSpan> rows = moved(frozen_.spans, top);
+    for (const GridSpan& span : moved(down.spans, top + frozen_.length)) rows.push_back(span);
     const std::vector<GridSpan> columns = moved(across.spans, left);
-    painter.setClipRect(left, top, across.length, frozen.length + down.length);
+    painter.setClipRect(left, top, across.length, frozen_.length + down.length);
     GridPaint{sheet_, palette_, pixelsPerPoint_, true}.cells(painter, rows, columns);
     painter.setClipping(false);
     painter.setPen(Qt::gray);
-    painter.drawRect(left - 1, top - 1, across.length, frozen.length + down.length);
+    painter.drawRect(left - 1, top - 1, across.length, frozen_.length + down.length);
     painter.setPen(Qt::black);
     painter.setFont(textFont(true));
     const QString title =
@@ -193,28 +231,48 @@ class Pages {
   int margin_ = 0;
   int headingWidth_ = 0;
   bool headings_ = true;
+  std::vector<Strip> columns_;
+  std::vector<Strip> rows_;
+  Strip frozen_;
 };
 
 }  // namespace
 
-int paintPages(QPrinter& printer, const Worksheet& sheet) {
-  return Pages(printer, sheet).paint();
+int paintPages(QPrinter& printer, const Worksheet& sheet, bool fitWidth) {
+  return Pages(printer, sheet, fitWidth).paint();
 }
 
-void printSheet(QWidget& parent, const Worksheet& sheet) {
+void setUpPage(QWidget& parent, PrintSettings& settings) {
   QPrinter printer(QPrinter::HighResolution);
+  if (settings.layout) printer.setPageLayout(*settings.layout);
+  QPageSetupDialog dialog(&printer, &parent);
+  if (dialog.exec() == QDialog::Accepted) settings.layout = printer.pageLayout();
+}
+
+void printSheet(QWidget& parent, const Worksheet& sheet, const PrintSettings& settings) {
+  QPrinter printer(QPrinter::HighResolution);
+  if (settings.layout) printer.setPageLayout(*settings.layout);
   printer.setDocName(toQt(sheet.Title().empty() ? sheet.SheetName(sheet.Sheet()) : sheet.Title()));
   QPrintDialog dialog(&printer, &parent);
-  if (dialog.exec() == QDialog::Accepted) paintPages(printer, sheet);
+  dialog.setOption(QAbstractPrintDialog::PrintPageRange);
+  if (dialog.exec() == QDialog::Accepted) paintPages(printer, sheet, settings.fitWidth);
 }
 
-void previewSheet(QWidget& parent, const Worksheet& sheet) {
+void previewSheet(QWidget& parent, const Worksheet& sheet, const PrintSettings& settings) {
   QPrinter printer(QPrinter::HighResolution);
+  if (settings.layout) printer.setPageLayout(*settings.layout);
   QPrintPreviewDialog dialog(&printer, &parent);
   dialog.setObjectName(QStringLiteral("printPreview"));
   dialog.resize(900, 700);
-  QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                   [&sheet](QPrinter* target) { paintPages(*target, sheet); });
+  const int pages = Pages(printer, sheet, settings.fitWidth).count();
+  if (pages > previewPages) {
+    dialog.setWindowTitle(QObject::tr("The first %1 of %2 pages").arg(previewPages).arg(pages));
+  }
+  QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [&](QPrinter* target) {
+    target->setFromTo(1, previewPages);
+    paintPages(*target, sheet, settings.fitWidth);
+    target->setFromTo(0, 0);
+  });
   dialog.exec();
 }
 
