@@ -7,6 +7,7 @@
 #include <fstream>
 #include <memory>
 #include <set>
+#include <utility>
 
 #include "basic/Error.h"
 #include "basic/Files.h"
@@ -109,9 +110,22 @@ void writeSchema(const std::vector<Field>& fields, const std::string& file, std:
 
 // --- The script ---
 
+// Fields by table and name.
+using FieldSet = std::set<std::pair<std::string, std::string>>;
+
+FieldSet indexedFields(Connection& connection) {
+  FieldSet fields;
+  const auto rows = connection.OpenSchema(SchemaKind::Indexes);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    fields.emplace(rows->Text("TABLE_NAME"), rows->Text("COLUMN_NAME"));
+  }
+  return fields;
+}
+
 // A column as a statement declares it. Bytes come as texts, and so does what is too long for a text
-// field; a decimal of unknown size would lose its fraction.
-std::string columnSql(Recordset& columns) {
+// field, unless it is in an index, which takes none of these; a decimal of unknown size would lose
+// its fraction.
+std::string columnSql(Recordset& columns, const FieldSet& indexed) {
   const auto number = [&](const char* field) {
     return static_cast<int>(fieldNumber(columns.Value(field)));
   };
@@ -119,6 +133,10 @@ std::string columnSql(Recordset& columns) {
                  number("NUMERIC_PRECISION"), number("NUMERIC_SCALE")};
   if (type.code == FieldCode::Binary || (type.isText() && type.size > kLongestAccessText)) {
     type = {FieldCode::Memo, 0};
+  }
+  if (type.code == FieldCode::Memo &&
+      indexed.contains({columns.Text("TABLE_NAME"), columns.Text("COLUMN_NAME")})) {
+    type = {FieldCode::VarText, kLongestAccessText};
   }
   if (type.code == FieldCode::Numeric && type.precision == 0) type = {FieldCode::Double, 0};
   const std::string name = quoteName(columns.Text("COLUMN_NAME"));
@@ -128,6 +146,7 @@ std::string columnSql(Recordset& columns) {
 
 void writeTables(Connection& connection, const std::set<std::string>& tables, std::ostream& out) {
   const auto columns = connection.OpenSchema(SchemaKind::Columns);
+  const FieldSet indexed = indexedFields(connection);
   std::string open;
   for (; !columns->Eof(); columns->MoveNext()) {
     const std::string table = columns->Text("TABLE_NAME");
@@ -138,7 +157,7 @@ void writeTables(Connection& connection, const std::set<std::string>& tables, st
       out << ", ";
     }
     open = table;
-    out << columnSql(*columns);
+    out << columnSql(*columns, indexed);
   }
   if (!open.empty()) out << ");\r\n";
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -268,6 +269,30 @@ TEST_F(ConnectionTest, SchemaTellsTablesColumnsAndKeys) {
   EXPECT_THAT(
       errorOf([&] { connection.Execute("INSERT INTO [b %] VALUES ('y', 'x', 123456789)"); }),
       HasSubstr("numbers of up to 8 digits before the point"));
+}
+
+// A file that another program made: its types are the engine's and not those of Jet.
+TEST_F(ConnectionTest, FilesOfOtherProgramsKeepTheirTypes) {
+  sqlite3* file = nullptr;
+  ASSERT_EQ(sqlite3_open(path("other.db").c_str(), &file), SQLITE_OK);
+  sqlite3_exec(file,
+               "CREATE TABLE t (id INTEGER PRIMARY KEY, note TEXT, grade REAL, code VARCHAR(9), "
+               "untyped); INSERT INTO t VALUES (1, 'x', 0.1, 'c', 'u')",
+               nullptr, nullptr, nullptr);
+  sqlite3_close(file);
+  auto connection = open("other.db");
+  auto records = connection.OpenRecordset("SELECT * FROM t");
+  const FieldCode expected[] = {FieldCode::Integer, FieldCode::Memo, FieldCode::Double,
+                                FieldCode::VarText, FieldCode::VarText};
+  for (size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(records->Fields()[i].type.code, expected[i]) << records->Fields()[i].name;
+  }
+  records->SetValue("note", std::string(1000, 'n'));
+  records->SetValue("grade", 0.1 + 0.2);
+  records->Update();
+  auto again = connection.OpenRecordset("SELECT * FROM t");
+  EXPECT_EQ(again->Text("note").size(), 1000U);
+  EXPECT_EQ(again->Value("grade"), FieldValue(0.1 + 0.2));
 }
 
 TEST_F(ConnectionTest, MineralFormulasAreFoundByName) {

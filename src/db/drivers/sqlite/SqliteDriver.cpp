@@ -79,7 +79,7 @@ class SqliteRows : public RowSource {
                 validSqliteText(origin ? origin : ""),
                 validSqliteText(table ? table : "")};
     if (declared) {
-      field.type = parseFieldType(declared);
+      field.type = fieldTypeInFile(declared);
     } else if (hasRecord_) {
       // An expression has no declared type; its first value tells.
       const int kind = sqlite3_column_type(statement, column);

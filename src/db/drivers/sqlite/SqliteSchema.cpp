@@ -92,7 +92,7 @@ std::vector<Row> columns(const File& file) {
         ColumnFacts column{table.name, fieldText(row[0]), wholeOf(row[1])};
         if (column.name == kNoFields) continue;
         const std::string declared = fieldText(row[2]);
-        column.type = parseFieldType(declared);
+        column.type = fieldTypeInFile(declared);
         column.nullable = wholeOf(row[3]) == 0;
         // A key of this very type is the record's number.
         column.counter = (wholeOf(row[4]) == 1 && equalsNoCase(declared, "INTEGER")) ||

@@ -91,6 +91,14 @@ std::string columnSql(std::string_view table, const JetColumn& column, bool isKe
 
 }  // namespace
 
+FieldType fieldTypeInFile(std::string_view declared) {
+  const FieldType type = parseFieldType(declared);
+  const bool isSized = declared.find('(') != std::string_view::npos;
+  if (type.code == FieldCode::VarText && !isSized) return {FieldCode::Memo, 0};
+  if (startsWithNoCase(declared, "REAL")) return {FieldCode::Double, 0};
+  return type;
+}
+
 std::string counterTrigger(std::string_view table, std::string_view field) {
   const std::string column = quoted(field);
   return "CREATE TRIGGER " + quoted(std::string(table) + "|" + std::string(field) + "|counter") +

@@ -16,6 +16,10 @@ inline constexpr std::string_view kNoFields = "|no fields|";
 /// default_value, rule and rule_text, all as Access words them.
 inline constexpr std::string_view kFieldsTable = "MSysLodexFields";
 
+/// The type of a column as it is declared in a file. The declarations of this program name types of
+/// Jet; those of others mean what the engine means: TEXT has no limit and REAL is a double.
+FieldType fieldTypeInFile(std::string_view declared);
+
 /// The statements that carry out a CreateTable.
 std::vector<std::string> createTableSql(const JetStatement& statement);
 
