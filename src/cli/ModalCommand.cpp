@@ -9,6 +9,7 @@
 #include "basic/Files.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
+#include "cli/ConsoleJob.h"
 #include "cli/ImportConsole.h"
 #include "cli/TextTable.h"
 #include "cli/WorkbookFiles.h"
@@ -262,11 +263,14 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   frmSolve solver(session.dialogs());
   ModalScratch scratch;
   std::string failure;
+  auto job = followProgress(session, context.err);
   try {
     RetAndCalc(request, modalMode::Automated, setUp.lists, result, solver, scratch, session);
   } catch (const Error& error) {
     failure = error.what();
   }
+  job.reset();
+  const bool aborted = session.log.txtLog.text().find("!! Aborted !!") != std::string::npos;
   console.printLines(session.log.txtLog.text(), "");
   if (!failure.empty()) throw Error(failure);
   if (result.equationColumns.empty() && wantsAssays(setUp.F1CalcOpt)) {
@@ -281,6 +285,7 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   printResiduals(context.out, result, setUp.digits);
   printNotes(context.out, result, request.setUpName);
   context.out << '\n' << saved << '\n';
+  if (aborted) throw Error("The calculation was aborted; the samples before that are kept");
 }
 
 // Told before the work rather than behind it.
