@@ -262,7 +262,8 @@ void MainWindow::followShell() {
 void MainWindow::followProgress() {
   auto* bar = findChild<QProgressBar*>(QStringLiteral("bar"));
   bar->hide();
-  session_.progress.onChange([this, bar] {
+  session_.progress.onChange([this, bar = QPointer<QProgressBar>(bar)] {
+    if (!bar) return;  // the progress line outlives the window
     const bool running = session_.progress.visible();
     if (running == bar->isVisible()) return;
     bar->setVisible(running);
@@ -278,17 +279,18 @@ void MainWindow::followProgress() {
 void MainWindow::watch(Form& form) {
   if (form.name() == "frmLoad") return showSplash(form);
   if (!dynamic_cast<DataSheetForm*>(&form)) return views_.watch(form);
-  form.onChange([this, &form, window = QPointer<SheetWindow>()]() mutable {
-    if (window || !form.visible()) return;
-    window = new SheetWindow(form);
-    if (auto* sheet = dynamic_cast<frmDataIN*>(&form)) {
-      window->onClose = [this, sheet] { return shell_->CloseSheet(*sheet); };
-    }
-    connect(window, &SheetWindow::statusText, selectionInfo_, &QLabel::setText);
-    area_->addSubWindow(window);
-    placeNew(*window);
-    window->show();
-  });
+  form.onChange(
+      [this, &form, area = QPointer<QMdiArea>(area_), window = QPointer<SheetWindow>()]() mutable {
+        if (!area || window || !form.visible()) return;
+        window = new SheetWindow(form);
+        if (auto* sheet = dynamic_cast<frmDataIN*>(&form)) {
+          window->onClose = [this, sheet] { return shell_->CloseSheet(*sheet); };
+        }
+        connect(window, &SheetWindow::statusText, selectionInfo_, &QLabel::setText);
+        area_->addSubWindow(window);
+        placeNew(*window);
+        window->show();
+      });
 }
 
 // New windows step down from the corner, and all of them fit.
