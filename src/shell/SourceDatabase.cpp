@@ -64,14 +64,24 @@ std::string SourceDatabase::keyField(const std::string& table, int row) const {
 SourceSheets SourceDatabase::selectedTables() {
   if (!tables_) tables_ = std::make_unique<ReadTables>();
   MappedDatabase& database = form_.source();
+  Session& session = context_.session;
+  bool reading = false;
+  // By name: events between two tables may change the list.
+  std::vector<std::string> selected;
   for (const int item : sheets_.lstSrcF.selectedItems()) {
-    const std::string& table = sheets_.lstSrcF.item(item);
+    selected.push_back(sheets_.lstSrcF.item(item));
+  }
+  for (const std::string& table : selected) {
     const int row = database.map.tableRow(table);
     if (row == 0 || tables_->names.contains(table)) continue;
+    reading = true;
+    session.progress.ShowProgress("Reading table " + table + "...", 1);
+    session.pumpEvents();
     const std::string key = keyField(table, row);
     tables_->tables.add(database.connection, table, row, key, context_.converter);
     tables_->names.insert(table);
   }
+  if (reading) session.progress.ShowProgress("", 0);
   return tables_->tables.sheets();
 }
 
