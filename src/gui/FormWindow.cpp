@@ -74,13 +74,23 @@ void FormWindow::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
+// "ownerWidth" and "ownerHeight" of a window file: the part of the owner's size to open with.
+void FormWindow::takeShareOfOwner() {
+  const QWidget* owner = parentWidget() ? parentWidget()->window() : nullptr;
+  const QWidget* content = layout()->itemAt(0)->widget();
+  const double wide = content->property("ownerWidth").toDouble();
+  const double high = content->property("ownerHeight").toDouble();
+  if (!owner || wide <= 0 || high <= 0) return;
+  resize(static_cast<int>(owner->width() * wide), static_cast<int>(owner->height() * high));
+}
+
 void FormWindow::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
   if (event->type() == QEvent::ActivationChange && isActiveWindow() && form_) form_->activate();
 }
 
 void FormWindow::showEvent(QShowEvent* event) {
-  if (!placed_) restorePlace(*this);
+  if (!placed_ && !restorePlace(*this)) takeShareOfOwner();
   placed_ = true;
   QDialog::showEvent(event);
 }
@@ -93,7 +103,7 @@ void FormViews::watch(Form& form) {
       return;
     }
     if (!*window) *window = new FormWindow(form, parent_);
-    if ((*window)->isVisible()) return;
+    if ((*window)->isVisible()) return (*window)->raise();
     (*window)->show();
     (*window)->raise();
   });

@@ -30,6 +30,7 @@ class FormWindow : public QDialog {
  private:
   void follow();
   void dismiss();
+  void takeShareOfOwner();
 
   Form* form_;  // null once the form has ended
   QPointer<Binding> binding_;

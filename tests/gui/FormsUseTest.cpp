@@ -12,6 +12,7 @@
 
 #include "basic/Files.h"
 #include "gui/FormsFixture.h"
+#include "gui/WindowPlaces.h"
 #include "gui/grid/WorksheetView.h"
 #include "gui/widgets/Mnemonics.h"
 #include "gui/widgets/PeriodicTable.h"
@@ -113,6 +114,11 @@ TEST_F(FormsUse, PanelOfADataSheetHidesAndItsThesaurusTabTakesHeadings) {
   EXPECT_TRUE(thesaurus.visible());
   dialogs.expectMessage("Header is empty");
   clickCell("F1D", 4, 4);
+
+  thesaurus.F1Lib.TextRC(2, 1, "copper");
+  thesaurus.AddRule("copper");
+  open(thesaurus);
+  EXPECT_EQ(the<WorksheetView>("F1Lib").findChild<QTableView*>()->currentIndex().row(), 1);
 }
 
 TEST_F(FormsUse, ElementsOfASourceMapAreChosenOnThePeriodicTable) {
@@ -251,7 +257,9 @@ TEST_F(FormsUse, SmallDialoguesAnswer) {
   EXPECT_EQ(the<QComboBox>("cmbSheet").currentText(), QStringLiteral("Cores"));
   auto& column = the<QComboBox>("cmbColumn");
   ASSERT_EQ(column.count(), 3);
+  EXPECT_FALSE(the<QAbstractButton>("cmdOK").isEnabled());
   QTest::keyClick(&column, Qt::Key_End);
+  settle();
   press("cmdOK");
   ASSERT_TRUE(item.answer());
   EXPECT_EQ(item.answer()->column, 3);
@@ -285,6 +293,15 @@ TEST_F(FormsUse, LogShowsBothPanesAndObeysItsCommands) {
   EXPECT_EQ(session.log.txtLog.text(), "a line");
   pickMenu("mnuHide");
   EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(FormsUse, LogOpensAsAPartOfTheMainWindow) {
+  remember(QStringLiteral("places/frmLog"), {});
+  QWidget main;
+  main.resize(1200, 900);
+  FormWindow log(session.log, &main);
+  log.show();
+  EXPECT_EQ(log.size(), QSize(600, 300));
 }
 
 TEST_F(FormsUse, ThesaurusIsSortedAndRulesAreDeleted) {
