@@ -440,12 +440,6 @@ void GridTable::commitEditor() {
   closeEditor(line, QAbstractItemDelegate::NoHint);
 }
 
-void GridTable::cancelEditor() {
-  if (QLineEdit* line = delegate_->editor()) {
-    closeEditor(line, QAbstractItemDelegate::RevertModelCache);
-  }
-}
-
 void GridTable::setPicking(bool picking) {
   picking_ = picking;
   if (picking) {
@@ -457,7 +451,7 @@ void GridTable::setPicking(bool picking) {
 
 void GridTable::markCopied(std::optional<CellBlock> block) {
   copied_ = block;
-  copiedSheet_ = editor() != nullptr ? editor()->sheet().Sheet() : 0;
+  if (copied_) copiedSheet_ = editor()->sheet().Sheet();
   viewport()->update();
 }
 

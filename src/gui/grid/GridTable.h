@@ -51,9 +51,8 @@ class GridTable : public QTableView {
   /// Opens the active cell for editing, with its content or another text.
   void editActive(std::optional<QString> text = std::nullopt);
   bool editing() const;
-  /// Ends editing and takes over what was typed, or forgets it.
+  /// Ends editing and takes over what was typed.
   void commitEditor();
-  void cancelEditor();
   /// While a place is being picked, a click only tells of itself and the pointer says so.
   void setPicking(bool picking);
   /// Outlines the cells that were copied; without a block the outline goes.

@@ -131,11 +131,10 @@ void WorksheetView::connectBars() {
 // --- The worksheet ---
 
 void WorksheetView::attach(Worksheet& sheet) {
-  // What was shown may be gone already.
-  table_->markCopied(std::nullopt);
-  table_->cancelEditor();
+  // What was shown may be gone already: an open editor is closed with its model.
   cursor_->setEditor(nullptr);
   model_->setEditor(nullptr);
+  table_->markCopied(std::nullopt);
   editor_.reset();
   history_ = std::make_unique<EditHistory>();
   editor_ = std::make_unique<SheetEditor>(sheet, *history_);
