@@ -71,6 +71,13 @@ inline constexpr const char* modelTexts[] = {
     QT_TRANSLATE_NOOP("MDIMain", "Where samples come from: the selected ones are calculated"),
     QT_TRANSLATE_NOOP("MDIMain", "BDLC=ON"),
     QT_TRANSLATE_NOOP("MDIMain", "BDLC=OFF"),
+    QT_TRANSLATE_NOOP("frmCResult", "Identified"),
+    QT_TRANSLATE_NOOP("frmCResult", "Not Identied"),
+    QT_TRANSLATE_NOOP("frmDataIN", "Identified"),
+    QT_TRANSLATE_NOOP("frmDataIN", "Not Identied"),
+    QT_TRANSLATE_NOOP("frmExcelCalc", "Identified"),
+    QT_TRANSLATE_NOOP("frmExcelCalc", "Not Identied"),
+    QT_TRANSLATE_NOOP("frmSplitDialog", "Original:"),
 };
 
 }  // namespace lodex

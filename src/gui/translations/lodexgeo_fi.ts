@@ -881,6 +881,14 @@
 <context>
     <name>frmCResult</name>
     <message>
+        <source>Identified</source>
+        <translation>Tunnistettu</translation>
+    </message>
+    <message>
+        <source>Not Identied</source>
+        <translation>Ei tunnistettu</translation>
+    </message>
+    <message>
         <source>Calculation Results</source>
         <translation>Laskennan tulokset</translation>
     </message>
@@ -1860,6 +1868,14 @@
 <context>
     <name>frmDataIN</name>
     <message>
+        <source>Identified</source>
+        <translation>Tunnistettu</translation>
+    </message>
+    <message>
+        <source>Not Identied</source>
+        <translation>Ei tunnistettu</translation>
+    </message>
+    <message>
         <source>Data</source>
         <translation>Data</translation>
     </message>
@@ -2477,6 +2493,14 @@
 </context>
 <context>
     <name>frmExcelCalc</name>
+    <message>
+        <source>Identified</source>
+        <translation>Tunnistettu</translation>
+    </message>
+    <message>
+        <source>Not Identied</source>
+        <translation>Ei tunnistettu</translation>
+    </message>
     <message>
         <source>Single Sample Calculation</source>
         <translation>Yksittäisen näytteen laskenta</translation>
@@ -3435,6 +3459,10 @@
 </context>
 <context>
     <name>frmSplitDialog</name>
+    <message>
+        <source>Original:</source>
+        <translation>Alkuperäinen:</translation>
+    </message>
     <message>
         <source>Split Data</source>
         <translation>Pilko data</translation>
