@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 
 #include "basic/Text.h"
@@ -39,7 +40,11 @@ bool readTime(std::string_view text, DateTime& date) {
   date.minute = takeNumber(text);
   date.second = takeMark(text, ':') ? takeNumber(text) : 0;
   // Fractions of a second are not kept.
-  if (takeMark(text, '.') && takeNumber(text) < 0) return false;
+  if (takeMark(text, '.')) {
+    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (digits == 0) return false;
+    text.remove_prefix(digits);
+  }
   text = trimWhite(text);
   const bool afternoon = equalsNoCase(text, "PM");
   if (afternoon || equalsNoCase(text, "AM")) {
@@ -53,7 +58,7 @@ bool readTime(std::string_view text, DateTime& date) {
 }
 
 bool isDay(const DateTime& date) {
-  return date.year >= 100 && date.year <= 9999 && date.month >= 1 && date.day >= 1 &&
+  return date.year >= 1 && date.year <= 9999 && date.month >= 1 && date.day >= 1 &&
          chrono::year_month_day(chrono::year(date.year),
                                 chrono::month(static_cast<unsigned>(date.month)),
                                 chrono::day(static_cast<unsigned>(date.day)))
@@ -83,8 +88,9 @@ std::optional<DateTime> parseDate(std::string_view whole) {
   } else {
     date.day = first, date.month = second, date.year = third;
   }
-  // Two digits mean the years 1930 to 2029.
-  if (date.year < 100) date.year += date.year < 30 ? 2000 : 1900;
+  // Two digits mean the years 1930 to 2029, four the first century.
+  const bool isWholeYear = mark == '-' && trimWhite(whole).starts_with("00");
+  if (date.year < 100 && !isWholeYear) date.year += date.year < 30 ? 2000 : 1900;
   if (!isDay(date)) return std::nullopt;
   if (text.empty()) return date;
   if (text.front() != ' ' && text.front() != 'T') return std::nullopt;

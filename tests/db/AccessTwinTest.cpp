@@ -107,6 +107,19 @@ TEST_F(AccessTwinTest, IsMadeAgainWhenItIsGone) {
   EXPECT_EQ(count(access_), "3");
 }
 
+TEST_F(AccessTwinTest, LeftoversOfKilledProgramsGo) {
+  make(3);
+  const std::string killed = twin_.string() + ".2147483647.tmp";
+  const std::string running = twin_.string() + "." + std::to_string(::getppid()) + ".tmp";
+  for (const auto& path : {killed, running}) {
+    writeFileWhole(path, "x");
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
+  }
+  count(access_);
+  EXPECT_FALSE(fs::exists(killed));
+  EXPECT_TRUE(fs::exists(running));
+}
+
 TEST_F(AccessTwinTest, StaysAsItIsWhenTheNewFileIsDamaged) {
   make(3);
   count(access_);

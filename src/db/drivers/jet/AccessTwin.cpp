@@ -1,9 +1,12 @@
 #include "db/drivers/jet/AccessTwin.h"
 
 #include <fmt/format.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +14,7 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "db/Connection.h"
 #include "db/Errors.h"
@@ -27,6 +31,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kPatience = 20'000;  // milliseconds without progress
+constexpr std::chrono::minutes kLeftoverAge(10);
 constexpr size_t kStampBytes = 64 * 1024;
 // Counts up whenever twins are made in another way, so that old ones are made anew.
 constexpr int kTwinKind = 2;
@@ -207,9 +212,26 @@ void keepChangedTwin(const fs::path& twin, const std::optional<Origin>& origin,
       kept.string() + ".");
 }
 
+// Temporary files carry the number of their process; those of one that was killed stay behind. The
+// process may run on another machine, but then it writes now and then.
+void removeLeftovers(const fs::path& twin) {
+  const std::string start = twin.filename().string() + ".";
+  std::error_code failed;
+  for (const auto& entry : fs::directory_iterator(twin.parent_path(), failed)) {
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with(start) || !name.ends_with(".tmp")) continue;
+    const auto process =
+        parseInteger(std::string_view(name).substr(start.size(), name.size() - start.size() - 4));
+    const bool isGone = process && ::kill(*process, 0) != 0 && errno == ESRCH;
+    const auto idle = fs::file_time_type::clock::now() - fs::last_write_time(entry.path(), failed);
+    if (isGone && !failed && idle > kLeftoverAge) fs::remove(entry.path(), failed);
+  }
+}
+
 void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& twin,
               std::vector<std::string>& warnings) {
   fs::create_directories(twin.parent_path());
+  removeLeftovers(twin);
   const Temporary temporary(twin.string() + "." + std::to_string(::getpid()) + ".tmp");
   HelperRun run =
       runHelper(helperPath().string(), {access.string(), temporary.path().string()}, kPatience);
