@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -329,10 +330,18 @@ Show connectCombo(ComboBox& box, const LinkParts& parts) {
 
 // --- Buttons ---
 
+// A menu, a short cut or a tool button does not take the focus from the field that is being typed
+// in.
+void finishTyping() {
+  auto* line = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+  if (line && line->property("commitOnFinish").toBool()) Q_EMIT line->editingFinished();
+}
+
 Show connectMenuItem(MenuItem& item, QAction& action, const LinkParts& parts) {
   QObject::connect(&action, &QAction::triggered, &parts.context, [&item, &action] {
     // The form decides whether the mark changes.
     if (action.isCheckable()) action.setChecked(item.checked());
+    finishTyping();
     item.click();
   });
   return [&item, &action, translated = parts.translated] {
@@ -347,7 +356,10 @@ Show connectButton(Button& button, const LinkParts& parts) {
   if (auto* action = qobject_cast<QAction*>(&parts.object)) {
     if (auto* item = dynamic_cast<MenuItem*>(&button))
       return connectMenuItem(*item, *action, parts);
-    QObject::connect(action, &QAction::triggered, &parts.context, [&button] { button.click(); });
+    QObject::connect(action, &QAction::triggered, &parts.context, [&button] {
+      finishTyping();
+      button.click();
+    });
     return [&button, action, translated] {
       if (!button.caption().empty()) action->setText(translated(button.caption()));
     };
@@ -359,6 +371,7 @@ Show connectButton(Button& button, const LinkParts& parts) {
     };
     QObject::connect(widget, &QAbstractButton::clicked, &parts.context, [&button, showMark] {
       showMark();  // the form decides whether the mark changes
+      finishTyping();
       button.click();
     });
     return [&button, widget, translated, showMark] {

@@ -94,6 +94,21 @@ TEST_F(FormsUse, NumbersOfADataSheetArePickedSteppedAndTyped) {
   EXPECT_FALSE(the<QAbstractButton>("cmdSplit").isEnabled());
 }
 
+TEST_F(FormsUse, IdColumnCountsOnceItIsTypedWhole) {
+  frmDataIN& sheet = addSheet();
+  sheet.txtH(sysrow::Type).setText("2");
+  sheet.txtID.setText("3");
+  open(sheet);
+  QApplication::setActiveWindow(window.get());
+  auto& id = the<QLineEdit>("txtID");
+  id.setFocus();
+  id.selectAll();
+  QTest::keyClicks(&id, QStringLiteral("12"));
+  EXPECT_EQ(sheet.IDColumn(), 3) << "column 1 is not marked on the way";
+  pickMenu("mnuFreeze");
+  EXPECT_EQ(sheet.IDColumn(), 12) << "a menu takes what stands there";
+}
+
 TEST_F(FormsUse, PanelOfADataSheetHidesAndItsThesaurusTabTakesHeadings) {
   frmDataIN& sheet = addSheet();
   open(sheet);
