@@ -14,6 +14,7 @@
 #include <iostream>
 #include <map>
 
+#include "calc/frmSources.h"
 #include "gui/Application.h"
 #include "gui/FormWindow.h"
 #include "gui/QtServices.h"
@@ -26,12 +27,13 @@ namespace {
 
 using namespace lodex;
 
+// Long enough for what is queued in turns: bindings, layouts, painting.
 void settle() {
   QElapsedTimer clock;
   clock.start();
-  do {
+  for (int turn = 0; turn < 12 || clock.elapsed() < 60; ++turn) {
     QApplication::processEvents(QEventLoop::AllEvents, 20);
-  } while (clock.elapsed() < 60);
+  }
 }
 
 class Album {
@@ -40,7 +42,9 @@ class Album {
 
   void take(QWidget& window, const QString& name) {
     settle();
-    window.grab().save(QStringLiteral("%1/%2.png").arg(folder_, name));
+    const int times = ++taken_[name];
+    const QString file = times > 1 ? name + QString::number(times) : name;
+    window.grab().save(QStringLiteral("%1/%2.png").arg(folder_, file));
   }
   /// All windows beside the main one that can be seen, by their object names.
   void takeOthers(const QWidget& main) {
@@ -55,6 +59,7 @@ class Album {
 
  private:
   QString folder_;
+  std::map<QString, int> taken_;
 };
 
 /// Takes a picture of each dialogue and answers it from a list.
@@ -134,8 +139,10 @@ class Road {
     if (auto* action = window_.findChild<QAction*>(QString::fromLatin1(name))) action->trigger();
     settle();
   }
+  // Of the panel with the stages; the sheets have buttons of the same names.
   void press(const char* name) {
-    if (auto* button = window_.findChild<QAbstractButton*>(QString::fromLatin1(name))) {
+    auto* panel = window_.findChild<QWidget*>(QStringLiteral("picCalc"));
+    if (auto* button = panel->findChild<QAbstractButton*>(QString::fromLatin1(name))) {
       button->click();
     }
     settle();
@@ -153,8 +160,19 @@ class Road {
     }
     settle();
   }
-  void maximize() {
-    if (auto* sheet = window_.area().activeSubWindow()) sheet->showMaximized();
+  // The window with that title fills the area.
+  void maximize(const char* title) {
+    for (QMdiSubWindow* sheet : window_.area().subWindowList()) {
+      if (!sheet->isVisible() || sheet->windowTitle() != QLatin1String(title)) continue;
+      window_.area().setActiveSubWindow(sheet);
+      sheet->showMaximized();
+    }
+    settle();
+  }
+  void restore() {
+    for (QMdiSubWindow* sheet : window_.area().subWindowList()) {
+      if (sheet->isVisible()) sheet->showNormal();
+    }
     settle();
   }
 
@@ -167,8 +185,9 @@ class Road {
     album_.takeOthers(window_);
     shell().stages.SetStage(Stage::Identify);
     shot("identified");
-    maximize();
+    maximize("ore_assays");
     shot("sheet");
+    restore();
   }
 
   void calculate() {
@@ -176,8 +195,22 @@ class Road {
     tickAll("lstSrcF");
     tickOnly("lstCalc", {QStringLiteral("CIPW"), QStringLiteral("INDICES")});
     shot("calculate");
+    dialogs_.acts["frmSources"] = [](Form& form) {
+      auto& sources = dynamic_cast<frmSources&>(form);
+      constexpr int iron = 25;
+      sources.TarnPD1.setCurrent(iron);
+      settle();
+      sources.cmdSEdit.click();
+      sources.cmdSAdd.click();
+    };
     trigger("mnuSources");
-    album_.takeOthers(window_);
+    dialogs_.acts["frmSources"] = [](Form& form) {
+      auto& sources = dynamic_cast<frmSources&>(form);
+      sources.TabStrip1.select(1);
+      sources.lstCalc.setCurrent(0);
+      settle();
+    };
+    trigger("mnuSources");
     press("cmdCalculate");
     album_.takeOthers(window_);
     shot("result");
@@ -199,18 +232,19 @@ class Road {
     press("cmdSaveInDBNow");
     album_.takeOthers(window_);
     shot("saved");
-    dialogs_.files.push_back({database});
-    trigger("mnuOpenDB");
-    album_.takeOthers(window_);
-    press("cmdDefine");
     dialogs_.acts["frmDDB"] = [](Form& form) {
-      dynamic_cast<frmDDB&>(form).cmdCreateField.click();
+      auto& destination = dynamic_cast<frmDDB&>(form);
+      destination.lstDTables.setCurrent(0);
+      settle();
+      destination.lstDFields.setCurrent(0);
+      destination.cmdCreateField.click();
     };
     press("cmdDefine");
     dialogs_.files.push_back({database});
-    dialogs_.acts["frmConnect"] = [](Form&) {};
-    shell().sourceForm.cmdOpenSDB.click();
+    trigger("mnuOpen");
+    shell().sourceForm.lstTables.setCurrent(0);
     album_.takeOthers(window_);
+    shell().sourceForm.cmdOpenSDB.click();
     trigger("mnuCombine");
     dialogs_.files.push_back({database});
     shell().combineForm.cmdAddDB.click();
@@ -228,16 +262,17 @@ class Road {
       settle();
     }
     trigger("mnuSingle");
-    maximize();
+    maximize("Single Sample Calculation");
     shot("single");
+    shell().singleSample().cmdCalculate.click();
+    shot("singleResult");
+    restore();
     dialogs_.selectFromList("Select mineral", {"Chalcopyrite", "Pentlandite", "Pyrrhotite"});
     dialogs_.files.push_back({session_.record.UserIni});
     trigger("mnuEditIni");
     album_.takeOthers(window_);
     trigger("mnuHelp");
     album_.takeOthers(window_);
-    trigger("mnuCascade");
-    for (QMdiSubWindow* sheet : window_.area().subWindowList()) sheet->showNormal();
     trigger("mnuTile");
     shot("tiled");
     FormWindow splash(session_.splash);

@@ -19,6 +19,13 @@ namespace {
 
 constexpr size_t largest = 1 << 20;  // an ini file is small
 
+// Saving what is no text would spoil it.
+QString textOf(const std::string& path) {
+  const std::string content = readFile(path, largest);
+  if (content.find('\0') != std::string::npos) throw FileError(path + " is no text file");
+  return toQt(content);
+}
+
 }  // namespace
 
 TextFileEditor::TextFileEditor(const QString& path, QWidget* parent)
@@ -30,7 +37,7 @@ TextFileEditor::TextFileEditor(const QString& path, QWidget* parent)
   text_->setObjectName(QStringLiteral("text"));
   text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
-  if (pathExists(fromQt(path))) text_->setPlainText(toQt(readFile(fromQt(path), largest)));
+  if (pathExists(fromQt(path))) text_->setPlainText(textOf(fromQt(path)));
   text_->document()->setModified(false);
   auto* note = new QLabel(tr("%1\nChanges take effect on the next start.").arg(path), this);
   note->setTextInteractionFlags(Qt::TextSelectableByMouse);
