@@ -144,6 +144,7 @@ TEST_F(AccessFileTest, ValuesStayWhatTheyAre) {
       {"page memo", {"v", T::Memo}, maker.longField(storedWide("page"), Long::OnePage), "page"},
       {"long memo", {"v", T::Memo}, maker.longField(storedNarrow(pages), Long::Chain), pages},
       {"empty memo", {"v", T::Memo}, std::string(12, '\0'), ""},
+      {"memo without a byte", {"v", T::Memo}, "", ""},
       {"object", {"v", T::Ole}, maker.longField("\x01\x02", Long::OnePage), "0x0102"},
       {"calculated text", {"v", T::Text, 40, 0, false, true}, calculated(storedNarrow("c")), "c"},
       {"calculated truth",
@@ -168,6 +169,23 @@ TEST_F(AccessFileTest, ValuesStayWhatTheyAre) {
         << row.name << ": " << fieldText(found).substr(0, 80);
   }
   EXPECT_THAT(warnings_, ElementsAre(HasSubstr("1 values that are no numbers")));
+}
+
+TEST_F(AccessFileTest, DecimalsKeepTheirDigits) {
+  AccessMaker maker;
+  maker.addTable({"T",
+                  {{"short", AccessType::Numeric, 0, 2},
+                   {"long", AccessType::Numeric, 0, 3},
+                   {"big", AccessType::BigInteger}}});
+  maker.addRecord({numeric(true, 150), numeric(false, UINT64_MAX), storedAs(std::int64_t{1})});
+  copy(maker);
+  auto source = driver_->query("SELECT * FROM T", {});
+  std::string types;
+  for (const Field& field : source->fields()) types += jetTypeName(field.type) + ";";
+  EXPECT_EQ(types, "DECIMAL (28, 2);DECIMAL (28, 3);DECIMAL (19, 0);");
+  EXPECT_THAT(refusalOf("INSERT INTO T ([short]) VALUES (1E26)"), HasSubstr("26 digits"));
+  EXPECT_EQ(refusalOf("INSERT INTO T ([big]) VALUES (9007199254740993)"), "");
+  EXPECT_EQ(value("SELECT big FROM T WHERE big > 1"), FieldValue(std::int64_t{9007199254740993}));
 }
 
 TEST_F(AccessFileTest, RecordsAreFoundWhereverTheyLie) {

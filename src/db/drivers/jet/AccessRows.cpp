@@ -320,7 +320,7 @@ AccessBytes AccessRows::stored(Crack& crack, const AccessColumn& column, bool& i
 // Makes `bytes`, the field of a memo, its content; false where there is none. A memo that cannot be
 // read is lost alone, without the rest of its record.
 bool AccessRows::readLong(AccessBytes& bytes) {
-  if (bytes.empty()) return false;
+  if (bytes.empty()) return true;
   try {
     bytes = longValue(bytes, longBytes_);
     return true;

@@ -73,7 +73,10 @@ AccessColumn readColumn(AccessBytes entry, const Layout& layout) {
   const int flags = entry.u8(layout.flags);
   column.fixed = (flags & 0x01) != 0;
   column.counter = (flags & 0x04) != 0 && column.type == AccessType::LongInteger;
-  if (layout.scale) column.scale = entry.u8(layout.scale);
+  if (layout.scale && column.type == AccessType::Numeric) {
+    column.precision = entry.u8(layout.scale - 1);
+    column.scale = entry.u8(layout.scale);
+  }
   if (layout.moreFlags) column.calculated = (entry.u8(layout.moreFlags) & 0xC0) == 0xC0;
   return column;
 }

@@ -36,7 +36,8 @@ struct AccessColumn {
   int varIndex = 0;     ///< place among the columns of variable length
   int fixedOffset = 0;  ///< bytes behind the column count of a record
   int size = 0;         ///< bytes; 0 for memos and the like
-  int scale = 0;        ///< decimals of a Numeric
+  int precision = 0;    ///< digits of a Numeric
+  int scale = 0;        ///< how many of them are decimals
   bool fixed = false;
   bool counter = false;
   bool calculated = false;

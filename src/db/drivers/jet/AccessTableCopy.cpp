@@ -16,6 +16,7 @@ namespace lodex {
 namespace {
 
 constexpr int kRecordsPerReport = 2000;
+constexpr int kMostDigits = 28;  // of a Numeric
 
 FieldType fieldType(const AccessFile& file, const AccessColumn& column) {
   switch (column.type) {
@@ -29,8 +30,13 @@ FieldType fieldType(const AccessFile& file, const AccessColumn& column) {
     case AccessType::Complex:
       return {FieldCode::Integer};
     case AccessType::BigInteger:
-    case AccessType::Numeric:
       return {FieldCode::Numeric};
+    case AccessType::Numeric: {
+      const bool isKnown =
+          !column.calculated && column.precision <= kMostDigits && column.scale <= column.precision;
+      if (!isKnown) return {FieldCode::Numeric};
+      return {FieldCode::Numeric, 0, column.precision, column.scale};
+    }
     case AccessType::Currency:
       return {FieldCode::Currency};
     case AccessType::Single:
@@ -55,10 +61,12 @@ FieldType fieldType(const AccessFile& file, const AccessColumn& column) {
 
 // A declaration that takes every value as it comes.
 std::string looseDeclaration(FieldType type) {
-  std::string declaration = columnDeclaration(type);
+  const std::string declaration = columnDeclaration(type);
   // Without an affinity, texts of many digits and a negative zero stay what they are.
-  if (type.isNumber()) declaration = declaration.substr(0, declaration.find(' ')) + " BLOB";
-  return declaration;
+  if (declaration.find(" REAL") != std::string::npos) {
+    return replaceAll(declaration, " REAL", " BLOB");
+  }
+  return type.isNumber() ? declaration.substr(0, declaration.find(' ')) + " BLOB" : declaration;
 }
 
 const AccessIndex* primaryKey(const AccessTable& table) {
@@ -91,7 +99,7 @@ class TableCopy {
       plan.required = propertyOf(*plan.properties, "Required") == "Yes";
       plan.counter = column.counter;
       // Whole numbers of 64 bits would not pass through a double.
-      if (column.type == AccessType::BigInteger) plan.declaration = "DECIMAL INT";
+      if (column.type == AccessType::BigInteger) plan.declaration = "DECIMAL INT(19,0)";
       columns_.push_back(std::move(plan));
     }
   }
