@@ -350,6 +350,20 @@ TEST_F(AccessFileTest, PropertiesBecomeDemandsUnlessTheRecordsBreakThem) {
   ASSERT_TRUE(driver_->schema(SchemaKind::Columns)->next(column));
   EXPECT_EQ(column.back(), FieldValue("its number"));
 
+  // What the engine refuses in a table, though it understands it.
+  maker = AccessMaker();
+  maker.addTable({"T",
+                  columns,
+                  {},
+                  properties({{"No", {{"DefaultValue", "(SELECT 1)"}}},
+                              {"Kind", {{"DefaultValue", "?"}}},
+                              {"Part", {{"ValidationRule", "(SELECT 1) > 0"}}},
+                              {"Day", {{"ValidationRule", ">?"}}},
+                              {"Loose", {{"ValidationRule", ">>("}}}})});
+  copy(maker);
+  EXPECT_EQ(warnings_.size(), 5u);
+  EXPECT_EQ(refusalOf("INSERT INTO T (Part) VALUES (1)"), "");
+
   maker = AccessMaker();
   maker.addTable({"T", columns, {}, "MR2 with something else behind it"});
   copy(maker);

@@ -150,12 +150,13 @@ class TableCopy {
       if (value.empty() || column.counter) continue;
       try {
         column.defaultValue = "(" + translatedDefault(value) + ")";
-      } catch (const FileError&) {
-        throw;
       } catch (const Error&) {
-        column.defaultValue.clear();
+        // It stays empty.
       }
-      if (column.defaultValue.empty() || !target_.hasRecords("SELECT " + column.defaultValue)) {
+      const bool works = !column.defaultValue.empty() &&
+                         target_.hasRecords("SELECT " + column.defaultValue) &&
+                         worksInTable("\"|default|\" DEFAULT " + column.defaultValue);
+      if (!works) {
         column.defaultValue.clear();
         warn("the default of field " + column.name + " works in Access only: " + value);
       }
@@ -174,10 +175,11 @@ class TableCopy {
   std::string plannedRule(const std::string& field, const std::string& rule) {
     try {
       std::string condition = translatedRule(field, rule);
-      if (worksAsCheck(condition)) return condition;
+      if (worksInTable("CHECK (" + condition + ")")) return condition;
     } catch (const FileError&) {
       throw;
     } catch (const Error&) {
+      // It has no counterpart.
     }
     warnOfRule(field, "works in Access only", rule);
     return {};
@@ -188,12 +190,11 @@ class TableCopy {
          rule);
   }
 
-  // Only the engine knows which fields and functions a condition may name.
-  bool worksAsCheck(const std::string& condition) {
+  // Only the engine knows which fields and functions the definition of a table may name.
+  bool worksInTable(const std::string& definition) {
     std::string names;
     for (const Column& column : columns_) names += targetQuoted(column.name) + ", ";
-    const bool works =
-        target_.tryRun("CREATE TABLE temp.\"|trial|\" (" + names + "CHECK (" + condition + "))");
+    const bool works = target_.tryRun("CREATE TABLE temp.\"|trial|\" (" + names + definition + ")");
     if (works) target_.run("DROP TABLE temp.\"|trial|\"");
     return works;
   }
@@ -248,7 +249,19 @@ class TableCopy {
                            propertyOf(*column.properties, "ValidationRule"));
   }
 
+  // What Access says beyond types and keys must not keep its records from coming over.
   void create() {
+    if (target_.tryRun(tableSql())) return;
+    warn("its defaults and rules could not be taken over");
+    tableRule_.clear();
+    for (Column& column : columns_) {
+      column.rule.clear();
+      column.defaultValue.clear();
+    }
+    target_.run(tableSql());
+  }
+
+  std::string tableSql() const {
     const AccessIndex* key = keyed_ ? primaryKey(table_) : nullptr;
     std::string lines;
     bool keyStands = false;
@@ -271,7 +284,7 @@ class TableCopy {
                check(tableRule_, propertyOf(of(""), "ValidationText"),
                      "table [" + table_.name + "] demands " + propertyOf(of(""), "ValidationRule"));
     }
-    target_.run("CREATE TABLE " + targetQuoted(table_.name) + " (" + lines + ")");
+    return "CREATE TABLE " + targetQuoted(table_.name) + " (" + lines + ")";
   }
 
   // False when it must be done again with other declarations.
