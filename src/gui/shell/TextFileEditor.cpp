@@ -39,7 +39,9 @@ TextFileEditor::TextFileEditor(const QString& path, QWidget* parent)
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
   if (pathExists(fromQt(path))) text_->setPlainText(textOf(fromQt(path)));
   text_->document()->setModified(false);
-  auto* note = new QLabel(tr("%1\nChanges take effect on the next start.").arg(path), this);
+  auto* note = new QLabel(tr("%1\nChanges take effect on the next start.")
+                              .arg(toQt(pathText(nativePath(fromQt(path))))),
+                          this);
   note->setTextInteractionFlags(Qt::TextSelectableByMouse);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Close, this);
   buttons->button(QDialogButtonBox::Save)->setShortcut(QKeySequence::Save);

@@ -750,6 +750,10 @@
         <source>Page %1 of %2</source>
         <translation>Sivu %1/%2</translation>
     </message>
+    <message>
+        <source>The first %1 of %2 pages</source>
+        <translation>Ensimmäiset %1 sivua %2 sivusta</translation>
+    </message>
 </context>
 <context>
     <name>frmAddField</name>
@@ -4258,6 +4262,70 @@
         <source>&amp;Delete sheet</source>
         <translation>&amp;Poista taulukko</translation>
     </message>
+    <message>
+        <source>&amp;Sort...</source>
+        <translation>La&amp;jittele...</translation>
+    </message>
+    <message>
+        <source>Sort the selected rows by up to three columns</source>
+        <translation>Lajittele valitut rivit enintään kolmen sarakkeen mukaan</translation>
+    </message>
+    <message>
+        <source>Lines &amp;around</source>
+        <translation>Viivat &amp;ympärille</translation>
+    </message>
+    <message>
+        <source>Lines around the selection</source>
+        <translation>Viivat valinnan ympärille</translation>
+    </message>
+    <message>
+        <source>Lines around &amp;each cell</source>
+        <translation>Viivat &amp;jokaisen solun ympärille</translation>
+    </message>
+    <message>
+        <source>Lines around every selected cell</source>
+        <translation>Viivat jokaisen valitun solun ympärille</translation>
+    </message>
+    <message>
+        <source>Line &amp;below</source>
+        <translation>Viiva &amp;alle</translation>
+    </message>
+    <message>
+        <source>A line below the selection</source>
+        <translation>Viiva valinnan alle</translation>
+    </message>
+    <message>
+        <source>&amp;No lines</source>
+        <translation>&amp;Ei viivoja</translation>
+    </message>
+    <message>
+        <source>Take the lines of the selected cells away</source>
+        <translation>Poista valittujen solujen viivat</translation>
+    </message>
+    <message>
+        <source>Page &amp;set-up...</source>
+        <translation>S&amp;ivun asetukset...</translation>
+    </message>
+    <message>
+        <source>Choose paper, margins and orientation</source>
+        <translation>Valitse paperi, marginaalit ja suunta</translation>
+    </message>
+    <message>
+        <source>Fit columns to the pa&amp;ge</source>
+        <translation>Sovita sarakkeet si&amp;vulle</translation>
+    </message>
+    <message>
+        <source>Print all columns side by side, smaller where needed</source>
+        <translation>Tulosta kaikki sarakkeet vierekkäin, tarvittaessa pienempinä</translation>
+    </message>
+    <message>
+        <source>&amp;Sort</source>
+        <translation>&amp;Lajittele</translation>
+    </message>
+    <message>
+        <source>&amp;Lines</source>
+        <translation>&amp;Viivat</translation>
+    </message>
 </context>
 <context>
     <name>lodex::GridDelegate</name>
@@ -4503,6 +4571,14 @@ Sivua "%1" ei ole oppaan kansiossa:
         <source>Sample: %1</source>
         <translation>Esimerkki: %1</translation>
     </message>
+    <message>
+        <source>Numbers as</source>
+        <translation>Lukujen muoto</translation>
+    </message>
+    <message>
+        <source>Sample</source>
+        <translation>Esimerkki</translation>
+    </message>
 </context>
 <context>
     <name>lodex::PeriodicTable</name>
@@ -4513,6 +4589,33 @@ Sivua "%1" ei ole oppaan kansiossa:
     <message>
         <source>marked</source>
         <translation>merkitty</translation>
+    </message>
+</context>
+<context>
+    <name>lodex::SortDialog</name>
+    <message>
+        <source>The &amp;first row is a heading and stays</source>
+        <translation>&amp;Ensimmäinen rivi on otsikko ja pysyy paikallaan</translation>
+    </message>
+    <message>
+        <source>Sort</source>
+        <translation>Lajittele</translation>
+    </message>
+    <message>
+        <source>Sort by:</source>
+        <translation>Lajitteluperuste:</translation>
+    </message>
+    <message>
+        <source>then by:</source>
+        <translation>sitten:</translation>
+    </message>
+    <message>
+        <source>(none)</source>
+        <translation>(ei mitään)</translation>
+    </message>
+    <message>
+        <source>Largest first</source>
+        <translation>Suurin ensin</translation>
     </message>
 </context>
 <context>
