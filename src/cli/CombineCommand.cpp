@@ -8,6 +8,7 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "cli/CliSession.h"
+#include "cli/ConsoleJob.h"
 #include "db/CombineDatabases.h"
 #include "db/Connection.h"
 
@@ -32,8 +33,11 @@ void runCombine(const CombineOptions& options, CommandContext& context) {
       context.err << "lodex: " << source << " is what is added to and no source\n";
     }
   }
+  auto job = followProgress(console.session(), context.err);
   const CombineOutcome outcome = combineDatabases(console.session(), options.sources, options.into);
+  job.reset();
   context.out << replaceAll(console.session().log.txtLog.text(), "\r\n", "\n") << '\n';
+  if (outcome.aborted) throw Error("combining was stopped; what was written until then stays");
   if (outcome.errors > 0) {
     throw Error(std::to_string(outcome.errors) + " records were not written, " +
                 std::to_string(outcome.written) + " were");
