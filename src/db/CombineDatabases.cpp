@@ -97,9 +97,9 @@ class Combining {
     session_.progress.bar.setMaximum(static_cast<int>(source.tables.size()));
     int number = 0;
     for (const std::string& table : source.tables) {
-      if (stopped()) return;
       const std::string text = "Creating table  " + table + " ...";
       session_.progress.ShowProgress(text, ++number);
+      if (stopped()) return;
       log(text);
       execute("CREATE TABLE " + quoteName(table));
       createFields(*columns, table);
@@ -152,11 +152,11 @@ class Combining {
     const size_t count = source.tables.size();
     session_.progress.bar.setMaximum(static_cast<int>(count));
     for (size_t i = 0; i < count; ++i) {
-      if (stopped()) return;
       session_.progress.ShowProgress("DB " + std::to_string(sourceNumber + 1) + " of " +
                                          std::to_string(sources_.size()) + " ; Table " +
                                          std::to_string(i + 1) + " of " + std::to_string(count),
                                      static_cast<int>(i) + 1);
+      if (stopped()) return;
       copyRecords(source.connection, source.tables[i], static_cast<int>(i) + 1);
     }
   }
