@@ -298,6 +298,7 @@ TEST_F(GridView, FollowsLimitsHeadingsAndHiddenLines) {
   EXPECT_EQ(model.headerData(2, Qt::Vertical).toString(), "3");
   EXPECT_EQ(model.data(model.index(1, 2)).toString(), "23");
   EXPECT_TRUE(table().isRowHidden(2));
+  EXPECT_EQ(table().rowViewportPosition(3), 2 * table().rowHeight(0)) << "the rest moves up";
   EXPECT_TRUE(table().isColumnHidden(0));
   EXPECT_EQ(table().columnWidth(1), table().widthInPixels(30));
   EXPECT_EQ(cursor().block(), (CellBlock{4, 2, 5, 3}));

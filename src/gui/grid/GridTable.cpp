@@ -26,6 +26,18 @@ void scrollBarTo(QScrollBar& bar, int value) {
   bar.setValue(value);
 }
 
+// A header that draws nothing does not count the places of a million sections after each change.
+class QuietHeader {
+ public:
+  explicit QuietHeader(QHeaderView& header) : header_(header) { header_.setUpdatesEnabled(false); }
+  ~QuietHeader() { header_.setUpdatesEnabled(true); }
+  QuietHeader(const QuietHeader&) = delete;
+  QuietHeader& operator=(const QuietHeader&) = delete;
+
+ private:
+  QHeaderView& header_;
+};
+
 }  // namespace
 
 GridTable::GridTable(WorksheetModel& model, GridCursor& cursor, QWidget* parent)
@@ -184,6 +196,7 @@ void GridTable::readLayout() {
 
 void GridTable::setHiddenSections(QHeaderView& header, const std::map<int, bool>& hidden,
                                   std::vector<int>& before) {
+  const QuietHeader quiet(header);
   for (const int index : before) {
     if (index <= header.count() && !hidden.contains(index))
       header.setSectionHidden(index - 1, false);
@@ -198,6 +211,7 @@ void GridTable::setHiddenSections(QHeaderView& header, const std::map<int, bool>
 
 // Rows grow with large fonts and wrapped text. Few sheets have any, so the formats tell first.
 void GridTable::readHeights(int firstRow, int lastRow) {
+  const QuietHeader quiet(*rows_);
   const int defaultHeight = rows_->defaultSectionSize();
   for (auto row = tallRows_.lower_bound(firstRow); row != tallRows_.end() && *row <= lastRow;) {
     if (*row <= rows_->count()) rows_->resizeSection(*row - 1, defaultHeight);
