@@ -21,12 +21,15 @@ bool Application::notify(QObject* receiver, QEvent* event) {
   try {
     return QApplication::notify(receiver, event);
   } catch (const std::bad_alloc&) {
-    QMessageBox::critical(activeWindow(), applicationDisplayName(),
-                          tr("There is not enough memory for this."));
+    tellFailure(tr("There is not enough memory for this."));
   } catch (const std::exception& failure) {
-    QMessageBox::critical(activeWindow(), applicationDisplayName(), toQt(failure.what()));
+    tellFailure(toQt(failure.what()));
   }
   return false;
+}
+
+void Application::tellFailure(const QString& text) {
+  QMessageBox::critical(activeWindow(), applicationDisplayName(), text);
 }
 
 void Application::requestHelp(const QString& formName) {

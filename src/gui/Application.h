@@ -20,6 +20,10 @@ class Application : public QApplication {
   /// it.
   static void requestHelp(const QString& formName);
 
+ protected:
+  /// Tells of an exception that no command trapped.
+  virtual void tellFailure(const QString& text);
+
  Q_SIGNALS:
   void helpRequested(const QString& formName);
 

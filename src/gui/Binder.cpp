@@ -7,6 +7,7 @@
 #include <QPointer>
 
 #include "gui/BinderLinks.h"
+#include "gui/FormLoader.h"
 #include "gui/QtText.h"
 
 namespace lodex {
@@ -82,7 +83,7 @@ void Binding::bindCaption(Control& control, const QList<QObject*>& objects) {
   for (QObject* object : objects) {
     auto* label = qobject_cast<QLabel*>(object);
     if (!label || control.caption().empty()) continue;
-    label->setText(QCoreApplication::translate(form_.name().c_str(), control.caption().c_str()));
+    label->setText(captionFor(*label, control.caption()));
   }
 }
 
@@ -92,16 +93,20 @@ void Binding::add(Control& control, QObject& object) {
   link->object = &object;
   Link& added = *link;
   links_.push_back(std::move(link));
-  added.show =
-      connectWidget({control, object, *this,
-                     [this](const std::string& text) {
-                       return QCoreApplication::translate(form_.name().c_str(), text.c_str());
-                     },
-                     [this] { flush(); }});
+  added.show = connectWidget({control, object, *this, [this, &object](const std::string& text) {
+                                return captionFor(object, text);
+                              }});
   if (!added.show) missing_ << toQt(control.name());
   control.onChange([self = QPointer<Binding>(this), &added] {
     if (self) self->changed(added);
   });
+}
+
+// Widgets that were made without a Designer file speak the language of their form.
+QString Binding::captionFor(const QObject& object, const std::string& text) const {
+  const QString caption = translated(object, text);
+  if (caption != toQt(text)) return caption;
+  return QCoreApplication::translate(form_.name().c_str(), text.c_str());
 }
 
 void Binding::changed(Link& link) {
@@ -122,7 +127,7 @@ void Binding::flush() {
     if (link->enabled != control.enabled()) setUsable(*link->object, control.enabled());
     if (link->toolTip != control.toolTip()) {
       const std::string& hint = control.toolTip();
-      setHint(*link->object, QCoreApplication::translate(form_.name().c_str(), hint.c_str()));
+      setHint(*link->object, captionFor(*link->object, hint));
     }
     link->visible = control.visible();
     link->enabled = control.enabled();

@@ -50,6 +50,7 @@ class Binding : public QObject {
   void bindControl(Control& control, const QList<QObject*>& objects);
   void bindCaption(Control& control, const QList<QObject*>& objects);
   void add(Control& control, QObject& object);
+  QString captionFor(const QObject& object, const std::string& text) const;
   void changed(Link& link);
 
   Form& form_;

@@ -236,7 +236,6 @@ void takeSelection(ListBox& list, const QListWidget& view) {
 
 Show connectListWidget(ListBox& list, QListWidget& view, const LinkParts& parts) {
   QObject* context = &parts.context;
-  const auto ready = parts.beforeUse;
   const auto exists = [&list](int row) { return row >= 0 && row < list.count(); };
   QObject::connect(&view, &QListWidget::currentRowChanged, context, [&list, exists](int row) {
     if (exists(row)) list.setCurrent(row);

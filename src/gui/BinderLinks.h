@@ -9,14 +9,12 @@
 
 namespace lodex {
 
-/// What a connection works on. `context` ends with the binding, and Qt's connections with it;
-/// `beforeUse` brings the widget up to date before something is read off its items.
+/// What a connection works on. `context` ends with the binding, and Qt's connections with it.
 struct LinkParts {
   Control& control;
   QObject& object;
   QObject& context;
   std::function<QString(const std::string&)> translated;
-  std::function<void()> beforeUse;
 };
 
 /// Connects what the user does in the widget, and returns the function that shows the control's

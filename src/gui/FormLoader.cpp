@@ -1,5 +1,6 @@
 #include "gui/FormLoader.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QUiLoader>
 #include <utility>
@@ -11,6 +12,14 @@
 
 namespace lodex {
 namespace {
+
+constexpr const char* contextProperty = "translationContext";
+
+QWidget* loadFile(QUiLoader& loader, const QString& formName, QWidget* parent);
+
+QString fileOf(const QString& name) {
+  return QStringLiteral(":/forms/%1.ui").arg(name);
+}
 
 class Loader : public QUiLoader {
  public:
@@ -28,18 +37,21 @@ class Loader : public QUiLoader {
   static QWidget* create(const QString& className, QWidget* parent) {
     if (className == QLatin1String("WorksheetView")) return new WorksheetView(parent);
     if (className == QLatin1String("PeriodicTable")) return new PeriodicTable(parent);
-    return nullptr;
+    if (!QFile::exists(fileOf(className))) return nullptr;
+    Loader nested;
+    return loadFile(nested, className, parent);
   }
 };
 
-QWidget* load(Loader& loader, const QString& formName, QWidget* parent) {
-  QFile file(QStringLiteral(":/forms/%1.ui").arg(formName));
+QWidget* loadFile(QUiLoader& loader, const QString& formName, QWidget* parent) {
+  QFile file(fileOf(formName));
   if (!file.open(QIODevice::ReadOnly)) throw Error("There is no window for " + fromQt(formName));
   QWidget* widget = loader.load(&file, parent);
   if (!widget) {
     throw Error("The window of " + fromQt(formName) +
                 " is damaged: " + fromQt(loader.errorString()));
   }
+  widget->setProperty(contextProperty, formName);
   return widget;
 }
 
@@ -47,13 +59,21 @@ QWidget* load(Loader& loader, const QString& formName, QWidget* parent) {
 
 QWidget* loadFormFile(const QString& formName, QWidget* parent) {
   Loader loader;
-  return load(loader, formName, parent);
+  return loadFile(loader, formName, parent);
 }
 
 void loadFormInto(QWidget& window, const QString& formName) {
   Loader loader;
   loader.outermost = &window;
-  load(loader, formName, nullptr);
+  loadFile(loader, formName, nullptr);
+}
+
+QString translated(const QObject& object, const std::string& text) {
+  for (const QObject* place = &object; place; place = place->parent()) {
+    const QByteArray context = place->property(contextProperty).toByteArray();
+    if (!context.isEmpty()) return QCoreApplication::translate(context, text.c_str());
+  }
+  return toQt(text);
 }
 
 }  // namespace lodex

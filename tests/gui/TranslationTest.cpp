@@ -34,7 +34,9 @@ TEST_F(GuiTest, EveryTextOfShellAndDataSheetsHasAFinnishOne) {
     for (const Control* control : form->controls()) {
       for (const std::string& text : textsOf(*control)) {
         if (!hasWords(text)) continue;
-        EXPECT_FALSE(finnish.translate(form->name().c_str(), text.c_str()).isEmpty())
+        // The panel of the data sheets is a window file of its own.
+        EXPECT_FALSE(finnish.translate(form->name().c_str(), text.c_str()).isEmpty() &&
+                     finnish.translate("DataSheetPanel", text.c_str()).isEmpty())
             << form->name() << "." << control->name() << ": " << text;
       }
     }

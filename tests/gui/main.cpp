@@ -7,6 +7,19 @@
 #include "gui/Application.h"
 #include "gui/Resources.h"
 
+namespace {
+
+// An exception that no command trapped fails the test in place of asking nobody.
+class TestApplication : public lodex::Application {
+ public:
+  using Application::Application;
+
+ protected:
+  void tellFailure(const QString& text) override { ADD_FAILURE() << text.toStdString(); }
+};
+
+}  // namespace
+
 // The windows run without a screen, and remember nothing of the tester's.
 int main(int argc, char** argv) {
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -16,6 +29,6 @@ int main(int argc, char** argv) {
   qputenv("HOME", home.path().toUtf8());
   testing::InitGoogleTest(&argc, argv);
   lodex::loadResources();
-  lodex::Application application(argc, argv);
+  TestApplication application(argc, argv);
   return RUN_ALL_TESTS();
 }

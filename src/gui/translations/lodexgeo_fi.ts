@@ -2,6 +2,353 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fi">
 <context>
+    <name>DataSheetPanel</name>
+    <message>
+        <source>Data</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>Not Identified</source>
+        <translation>Ei tunnistettu</translation>
+    </message>
+    <message>
+        <source>Green once the row of the elements is known</source>
+        <translation>Vihreä, kun alkuaineiden rivi tunnetaan</translation>
+    </message>
+    <message>
+        <source>Structure</source>
+        <translation>Rakenne</translation>
+    </message>
+    <message>
+        <source>Identify</source>
+        <translation>Tunnista</translation>
+    </message>
+    <message>
+        <source>Find the structure of the table</source>
+        <translation>Selvitä taulukon rakenne</translation>
+    </message>
+    <message>
+        <source>Headers on row</source>
+        <translation>Otsikot rivillä</translation>
+    </message>
+    <message>
+        <source>HEADER</source>
+        <translation>HEADER</translation>
+    </message>
+    <message>
+        <source>Number of the row with the titles of the columns; 0 for none</source>
+        <translation>Sarakkeiden otsikkorivin numero; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>0</source>
+        <translation>0</translation>
+    </message>
+    <message>
+        <source>One further</source>
+        <translation>Yksi eteenpäin</translation>
+    </message>
+    <message>
+        <source>One back</source>
+        <translation>Yksi taaksepäin</translation>
+    </message>
+    <message>
+        <source>-Hdr-</source>
+        <translation>-Hdr-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the titles of the columns</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla ovat sarakkeiden otsikot</translation>
+    </message>
+    <message>
+        <source>ELEMENT</source>
+        <translation>ELEMENT</translation>
+    </message>
+    <message>
+        <source>Number of the row with the element or oxide of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen alkuaine tai oksidi; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Ele-</source>
+        <translation>-Ele-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the element or oxide of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen alkuaine tai oksidi</translation>
+    </message>
+    <message>
+        <source>METHOD</source>
+        <translation>METHOD</translation>
+    </message>
+    <message>
+        <source>Number of the row with the analytical method of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen analyysimenetelmä; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Met-</source>
+        <translation>-Met-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the analytical method of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen analyysimenetelmä</translation>
+    </message>
+    <message>
+        <source>UNIT</source>
+        <translation>UNIT</translation>
+    </message>
+    <message>
+        <source>Number of the row with the unit of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen yksikkö; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Uni-</source>
+        <translation>-Uni-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the unit of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen yksikkö</translation>
+    </message>
+    <message>
+        <source>Split</source>
+        <translation>Pilko</translation>
+    </message>
+    <message>
+        <source>Split the titles of the HEADER row into element, method, unit and so on</source>
+        <translation>Pilko HEADER-rivin otsikot alkuaineeksi, menetelmäksi, yksiköksi ja niin edelleen</translation>
+    </message>
+    <message>
+        <source>First data row is</source>
+        <translation>Ensimmäinen datarivi</translation>
+    </message>
+    <message>
+        <source>Number of the row with the first sample; 0 for none</source>
+        <translation>Ensimmäisen näytteen rivin numero; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-1-</source>
+        <translation>-1-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the first sample</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: ensimmäisen näytteen rivi</translation>
+    </message>
+    <message>
+        <source>ID Column is:</source>
+        <translation>ID-sarake:</translation>
+    </message>
+    <message>
+        <source>Number of the column with the identifiers of the samples; 0 for none</source>
+        <translation>Näytetunnusten sarakkeen numero; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-ID-</source>
+        <translation>-ID-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a column of the table: the column with the identifiers of the samples</source>
+        <translation>Napsauta tästä ja sitten taulukon saraketta: näytetunnusten sarake</translation>
+    </message>
+    <message>
+        <source>MINERAL Col is:</source>
+        <translation>MINERAL-sarake:</translation>
+    </message>
+    <message>
+        <source>Number of the column with the mineral of each row; 0 for none</source>
+        <translation>Sen sarakkeen numero, jossa on kunkin rivin mineraali; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Min-</source>
+        <translation>-Min-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a column of the table: the column with the mineral of each row</source>
+        <translation>Napsauta tästä ja sitten taulukon saraketta: sarake, jossa on kunkin rivin mineraali</translation>
+    </message>
+    <message>
+        <source>Database information on row</source>
+        <translation>Tietokantatiedot rivillä</translation>
+    </message>
+    <message>
+        <source>TABLE</source>
+        <translation>TABLE</translation>
+    </message>
+    <message>
+        <source>Number of the row with the database table of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantataulu; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Tab-</source>
+        <translation>-Tab-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the database table of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantataulu</translation>
+    </message>
+    <message>
+        <source>FIELD</source>
+        <translation>FIELD</translation>
+    </message>
+    <message>
+        <source>Number of the row with the database field of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantakenttä; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Fld-</source>
+        <translation>-Fld-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the database field of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantakenttä</translation>
+    </message>
+    <message>
+        <source>TYPE</source>
+        <translation>TYPE</translation>
+    </message>
+    <message>
+        <source>Number of the row with the field type of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen kenttätyyppi; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Typ-</source>
+        <translation>-Typ-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the field type of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kenttätyyppi</translation>
+    </message>
+    <message>
+        <source>LENGTH</source>
+        <translation>LENGTH</translation>
+    </message>
+    <message>
+        <source>Number of the row with the field length of each column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on kunkin sarakkeen kentän pituus; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Len-</source>
+        <translation>-Len-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the field length of each column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kentän pituus</translation>
+    </message>
+    <message>
+        <source>DIGITS</source>
+        <translation>DIGITS</translation>
+    </message>
+    <message>
+        <source>Number of the row with the number of digits kept at saving; 0 for none</source>
+        <translation>Sen rivin numero, jolla on tallennettavien numeroiden määrä; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Dig-</source>
+        <translation>-Dig-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the number of digits kept at saving</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettavien numeroiden määrä</translation>
+    </message>
+    <message>
+        <source>INDEXED</source>
+        <translation>INDEXED</translation>
+    </message>
+    <message>
+        <source>Number of the row with the mark of the ID column; 0 for none</source>
+        <translation>Sen rivin numero, jolla on ID-sarakkeen merkki; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Idx-</source>
+        <translation>-Idx-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the mark of the ID column</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on ID-sarakkeen merkki</translation>
+    </message>
+    <message>
+        <source>MULTIPLIER</source>
+        <translation>MULTIPLIER</translation>
+    </message>
+    <message>
+        <source>Number of the row with the factor applied at saving; 0 for none</source>
+        <translation>Sen rivin numero, jolla on tallennettaessa käytettävä kerroin; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Mul-</source>
+        <translation>-Mul-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the factor applied at saving</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettaessa käytettävä kerroin</translation>
+    </message>
+    <message>
+        <source>IDENTIFIED</source>
+        <translation>IDENTIFIED</translation>
+    </message>
+    <message>
+        <source>Number of the row with the mark of identified columns; 0 for none</source>
+        <translation>Sen rivin numero, jolla on tunnistettujen sarakkeiden merkki; 0, jos ei ole</translation>
+    </message>
+    <message>
+        <source>-Idf-</source>
+        <translation>-Idf-</translation>
+    </message>
+    <message>
+        <source>Click here, then on a row of the table: the row with the mark of identified columns</source>
+        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tunnistettujen sarakkeiden merkki</translation>
+    </message>
+    <message>
+        <source>Data orientation</source>
+        <translation>Datan suunta</translation>
+    </message>
+    <message>
+        <source>Horizontal (row wise)</source>
+        <translation>Vaaka (riveittäin)</translation>
+    </message>
+    <message>
+        <source>A sample in each row</source>
+        <translation>Näyte joka rivillä</translation>
+    </message>
+    <message>
+        <source>Vertical (column wise)</source>
+        <translation>Pysty (sarakkeittain)</translation>
+    </message>
+    <message>
+        <source>A sample in each column: transpose the table to work with it</source>
+        <translation>Näyte joka sarakkeessa: transponoi taulukko, jotta sitä voi käyttää</translation>
+    </message>
+    <message>
+        <source>Transpose</source>
+        <translation>Transponoi</translation>
+    </message>
+    <message>
+        <source>Make rows of the columns</source>
+        <translation>Tee sarakkeista rivejä</translation>
+    </message>
+    <message>
+        <source>Hide system rows (except Header)</source>
+        <translation>Piilota järjestelmärivit (paitsi Header)</translation>
+    </message>
+    <message>
+        <source>Show only the HEADER row of the rows that describe the columns</source>
+        <translation>Näytä sarakkeita kuvaavista riveistä vain HEADER</translation>
+    </message>
+    <message>
+        <source>Thesaurus</source>
+        <translation>Sanasto</translation>
+    </message>
+    <message>
+        <source>Click a column of the table: its heading becomes a rule of the thesaurus, or the rule that is there becomes the current one.</source>
+        <translation>Napsauta taulukon saraketta: sen otsikosta tulee sanaston sääntö, tai olemassa oleva sääntö valitaan.</translation>
+    </message>
+    <message>
+        <source>Show Thesaurus</source>
+        <translation>Näytä sanasto</translation>
+    </message>
+    <message>
+        <source>Open the window in which the rules of the thesaurus are edited</source>
+        <translation>Avaa ikkuna, jossa sanaston sääntöjä muokataan</translation>
+    </message>
+</context>
+<context>
     <name>MDIMain</name>
     <message>
         <source>Lodex Geo</source>
@@ -897,348 +1244,8 @@
         <translation>Laskennan tulokset</translation>
     </message>
     <message>
-        <source>Not Identified</source>
-        <translation>Ei tunnistettu</translation>
-    </message>
-    <message>
-        <source>Green once the row of the elements is known</source>
-        <translation>Vihreä, kun alkuaineiden rivi tunnetaan</translation>
-    </message>
-    <message>
-        <source>Structure</source>
-        <translation>Rakenne</translation>
-    </message>
-    <message>
-        <source>Identify</source>
-        <translation>Tunnista</translation>
-    </message>
-    <message>
         <source>Find the structure of the table</source>
         <translation>Selvitä taulukon rakenne</translation>
-    </message>
-    <message>
-        <source>Headers on row</source>
-        <translation>Otsikot rivillä</translation>
-    </message>
-    <message>
-        <source>HEADER</source>
-        <translation>HEADER</translation>
-    </message>
-    <message>
-        <source>Number of the row with the titles of the columns; 0 for none</source>
-        <translation>Sarakkeiden otsikkorivin numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>0</source>
-        <translation>0</translation>
-    </message>
-    <message>
-        <source>One further</source>
-        <translation>Yksi eteenpäin</translation>
-    </message>
-    <message>
-        <source>One back</source>
-        <translation>Yksi taaksepäin</translation>
-    </message>
-    <message>
-        <source>-Hdr-</source>
-        <translation>-Hdr-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the titles of the columns</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla ovat sarakkeiden otsikot</translation>
-    </message>
-    <message>
-        <source>ELEMENT</source>
-        <translation>ELEMENT</translation>
-    </message>
-    <message>
-        <source>Number of the row with the element or oxide of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen alkuaine tai oksidi; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Ele-</source>
-        <translation>-Ele-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the element or oxide of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen alkuaine tai oksidi</translation>
-    </message>
-    <message>
-        <source>METHOD</source>
-        <translation>METHOD</translation>
-    </message>
-    <message>
-        <source>Number of the row with the analytical method of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen analyysimenetelmä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Met-</source>
-        <translation>-Met-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the analytical method of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen analyysimenetelmä</translation>
-    </message>
-    <message>
-        <source>UNIT</source>
-        <translation>UNIT</translation>
-    </message>
-    <message>
-        <source>Number of the row with the unit of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen yksikkö; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Uni-</source>
-        <translation>-Uni-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the unit of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen yksikkö</translation>
-    </message>
-    <message>
-        <source>Split</source>
-        <translation>Pilko</translation>
-    </message>
-    <message>
-        <source>Split the titles of the HEADER row into element, method, unit and so on</source>
-        <translation>Pilko HEADER-rivin otsikot alkuaineeksi, menetelmäksi, yksiköksi ja niin edelleen</translation>
-    </message>
-    <message>
-        <source>Data</source>
-        <translation>Data</translation>
-    </message>
-    <message>
-        <source>First data row is</source>
-        <translation>Ensimmäinen datarivi</translation>
-    </message>
-    <message>
-        <source>Number of the row with the first sample; 0 for none</source>
-        <translation>Ensimmäisen näytteen rivin numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-1-</source>
-        <translation>-1-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the first sample</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: ensimmäisen näytteen rivi</translation>
-    </message>
-    <message>
-        <source>ID Column is:</source>
-        <translation>ID-sarake:</translation>
-    </message>
-    <message>
-        <source>Number of the column with the identifiers of the samples; 0 for none</source>
-        <translation>Näytetunnusten sarakkeen numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-ID-</source>
-        <translation>-ID-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a column of the table: the column with the identifiers of the samples</source>
-        <translation>Napsauta tästä ja sitten taulukon saraketta: näytetunnusten sarake</translation>
-    </message>
-    <message>
-        <source>MINERAL Col is:</source>
-        <translation>MINERAL-sarake:</translation>
-    </message>
-    <message>
-        <source>Number of the column with the mineral of each row; 0 for none</source>
-        <translation>Sen sarakkeen numero, jossa on kunkin rivin mineraali; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Min-</source>
-        <translation>-Min-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a column of the table: the column with the mineral of each row</source>
-        <translation>Napsauta tästä ja sitten taulukon saraketta: sarake, jossa on kunkin rivin mineraali</translation>
-    </message>
-    <message>
-        <source>Database information on row</source>
-        <translation>Tietokantatiedot rivillä</translation>
-    </message>
-    <message>
-        <source>TABLE</source>
-        <translation>TABLE</translation>
-    </message>
-    <message>
-        <source>Number of the row with the database table of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantataulu; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Tab-</source>
-        <translation>-Tab-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the database table of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantataulu</translation>
-    </message>
-    <message>
-        <source>FIELD</source>
-        <translation>FIELD</translation>
-    </message>
-    <message>
-        <source>Number of the row with the database field of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantakenttä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Fld-</source>
-        <translation>-Fld-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the database field of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantakenttä</translation>
-    </message>
-    <message>
-        <source>TYPE</source>
-        <translation>TYPE</translation>
-    </message>
-    <message>
-        <source>Number of the row with the field type of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen kenttätyyppi; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Typ-</source>
-        <translation>-Typ-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the field type of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kenttätyyppi</translation>
-    </message>
-    <message>
-        <source>LENGTH</source>
-        <translation>LENGTH</translation>
-    </message>
-    <message>
-        <source>Number of the row with the field length of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen kentän pituus; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Len-</source>
-        <translation>-Len-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the field length of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kentän pituus</translation>
-    </message>
-    <message>
-        <source>DIGITS</source>
-        <translation>DIGITS</translation>
-    </message>
-    <message>
-        <source>Number of the row with the number of digits kept at saving; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tallennettavien numeroiden määrä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Dig-</source>
-        <translation>-Dig-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the number of digits kept at saving</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettavien numeroiden määrä</translation>
-    </message>
-    <message>
-        <source>INDEXED</source>
-        <translation>INDEXED</translation>
-    </message>
-    <message>
-        <source>Number of the row with the mark of the ID column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on ID-sarakkeen merkki; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Idx-</source>
-        <translation>-Idx-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the mark of the ID column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on ID-sarakkeen merkki</translation>
-    </message>
-    <message>
-        <source>MULTIPLIER</source>
-        <translation>MULTIPLIER</translation>
-    </message>
-    <message>
-        <source>Number of the row with the factor applied at saving; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tallennettaessa käytettävä kerroin; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Mul-</source>
-        <translation>-Mul-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the factor applied at saving</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettaessa käytettävä kerroin</translation>
-    </message>
-    <message>
-        <source>IDENTIFIED</source>
-        <translation>IDENTIFIED</translation>
-    </message>
-    <message>
-        <source>Number of the row with the mark of identified columns; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tunnistettujen sarakkeiden merkki; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Idf-</source>
-        <translation>-Idf-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the mark of identified columns</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tunnistettujen sarakkeiden merkki</translation>
-    </message>
-    <message>
-        <source>Data orientation</source>
-        <translation>Datan suunta</translation>
-    </message>
-    <message>
-        <source>Horizontal (row wise)</source>
-        <translation>Vaaka (riveittäin)</translation>
-    </message>
-    <message>
-        <source>A sample in each row</source>
-        <translation>Näyte joka rivillä</translation>
-    </message>
-    <message>
-        <source>Vertical (column wise)</source>
-        <translation>Pysty (sarakkeittain)</translation>
-    </message>
-    <message>
-        <source>A sample in each column: transpose the table to work with it</source>
-        <translation>Näyte joka sarakkeessa: transponoi taulukko, jotta sitä voi käyttää</translation>
-    </message>
-    <message>
-        <source>Transpose</source>
-        <translation>Transponoi</translation>
-    </message>
-    <message>
-        <source>Make rows of the columns</source>
-        <translation>Tee sarakkeista rivejä</translation>
-    </message>
-    <message>
-        <source>Hide system rows (except Header)</source>
-        <translation>Piilota järjestelmärivit (paitsi Header)</translation>
-    </message>
-    <message>
-        <source>Show only the HEADER row of the rows that describe the columns</source>
-        <translation>Näytä sarakkeita kuvaavista riveistä vain HEADER</translation>
-    </message>
-    <message>
-        <source>Thesaurus</source>
-        <translation>Sanasto</translation>
-    </message>
-    <message>
-        <source>Click a column of the table: its heading becomes a rule of the thesaurus, or the rule that is there becomes the current one.</source>
-        <translation>Napsauta taulukon saraketta: sen otsikosta tulee sanaston sääntö, tai olemassa oleva sääntö valitaan.</translation>
-    </message>
-    <message>
-        <source>Show Thesaurus</source>
-        <translation>Näytä sanasto</translation>
-    </message>
-    <message>
-        <source>Open the window in which the rules of the thesaurus are edited</source>
-        <translation>Avaa ikkuna, jossa sanaston sääntöjä muokataan</translation>
     </message>
     <message>
         <source>F&amp;ile</source>
@@ -1884,344 +1891,8 @@
         <translation>Data</translation>
     </message>
     <message>
-        <source>Not Identified</source>
-        <translation>Ei tunnistettu</translation>
-    </message>
-    <message>
-        <source>Green once the row of the elements is known</source>
-        <translation>Vihreä, kun alkuaineiden rivi tunnetaan</translation>
-    </message>
-    <message>
-        <source>Structure</source>
-        <translation>Rakenne</translation>
-    </message>
-    <message>
-        <source>Identify</source>
-        <translation>Tunnista</translation>
-    </message>
-    <message>
         <source>Find the structure of the table</source>
         <translation>Selvitä taulukon rakenne</translation>
-    </message>
-    <message>
-        <source>Headers on row</source>
-        <translation>Otsikot rivillä</translation>
-    </message>
-    <message>
-        <source>HEADER</source>
-        <translation>HEADER</translation>
-    </message>
-    <message>
-        <source>Number of the row with the titles of the columns; 0 for none</source>
-        <translation>Sarakkeiden otsikkorivin numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>0</source>
-        <translation>0</translation>
-    </message>
-    <message>
-        <source>One further</source>
-        <translation>Yksi eteenpäin</translation>
-    </message>
-    <message>
-        <source>One back</source>
-        <translation>Yksi taaksepäin</translation>
-    </message>
-    <message>
-        <source>-Hdr-</source>
-        <translation>-Hdr-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the titles of the columns</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla ovat sarakkeiden otsikot</translation>
-    </message>
-    <message>
-        <source>ELEMENT</source>
-        <translation>ELEMENT</translation>
-    </message>
-    <message>
-        <source>Number of the row with the element or oxide of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen alkuaine tai oksidi; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Ele-</source>
-        <translation>-Ele-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the element or oxide of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen alkuaine tai oksidi</translation>
-    </message>
-    <message>
-        <source>METHOD</source>
-        <translation>METHOD</translation>
-    </message>
-    <message>
-        <source>Number of the row with the analytical method of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen analyysimenetelmä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Met-</source>
-        <translation>-Met-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the analytical method of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen analyysimenetelmä</translation>
-    </message>
-    <message>
-        <source>UNIT</source>
-        <translation>UNIT</translation>
-    </message>
-    <message>
-        <source>Number of the row with the unit of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen yksikkö; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Uni-</source>
-        <translation>-Uni-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the unit of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen yksikkö</translation>
-    </message>
-    <message>
-        <source>Split</source>
-        <translation>Pilko</translation>
-    </message>
-    <message>
-        <source>Split the titles of the HEADER row into element, method, unit and so on</source>
-        <translation>Pilko HEADER-rivin otsikot alkuaineeksi, menetelmäksi, yksiköksi ja niin edelleen</translation>
-    </message>
-    <message>
-        <source>First data row is</source>
-        <translation>Ensimmäinen datarivi</translation>
-    </message>
-    <message>
-        <source>Number of the row with the first sample; 0 for none</source>
-        <translation>Ensimmäisen näytteen rivin numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-1-</source>
-        <translation>-1-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the first sample</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: ensimmäisen näytteen rivi</translation>
-    </message>
-    <message>
-        <source>ID Column is:</source>
-        <translation>ID-sarake:</translation>
-    </message>
-    <message>
-        <source>Number of the column with the identifiers of the samples; 0 for none</source>
-        <translation>Näytetunnusten sarakkeen numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-ID-</source>
-        <translation>-ID-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a column of the table: the column with the identifiers of the samples</source>
-        <translation>Napsauta tästä ja sitten taulukon saraketta: näytetunnusten sarake</translation>
-    </message>
-    <message>
-        <source>MINERAL Col is:</source>
-        <translation>MINERAL-sarake:</translation>
-    </message>
-    <message>
-        <source>Number of the column with the mineral of each row; 0 for none</source>
-        <translation>Sen sarakkeen numero, jossa on kunkin rivin mineraali; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Min-</source>
-        <translation>-Min-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a column of the table: the column with the mineral of each row</source>
-        <translation>Napsauta tästä ja sitten taulukon saraketta: sarake, jossa on kunkin rivin mineraali</translation>
-    </message>
-    <message>
-        <source>Database information on row</source>
-        <translation>Tietokantatiedot rivillä</translation>
-    </message>
-    <message>
-        <source>TABLE</source>
-        <translation>TABLE</translation>
-    </message>
-    <message>
-        <source>Number of the row with the database table of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantataulu; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Tab-</source>
-        <translation>-Tab-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the database table of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantataulu</translation>
-    </message>
-    <message>
-        <source>FIELD</source>
-        <translation>FIELD</translation>
-    </message>
-    <message>
-        <source>Number of the row with the database field of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantakenttä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Fld-</source>
-        <translation>-Fld-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the database field of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantakenttä</translation>
-    </message>
-    <message>
-        <source>TYPE</source>
-        <translation>TYPE</translation>
-    </message>
-    <message>
-        <source>Number of the row with the field type of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen kenttätyyppi; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Typ-</source>
-        <translation>-Typ-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the field type of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kenttätyyppi</translation>
-    </message>
-    <message>
-        <source>LENGTH</source>
-        <translation>LENGTH</translation>
-    </message>
-    <message>
-        <source>Number of the row with the field length of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen kentän pituus; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Len-</source>
-        <translation>-Len-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the field length of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kentän pituus</translation>
-    </message>
-    <message>
-        <source>DIGITS</source>
-        <translation>DIGITS</translation>
-    </message>
-    <message>
-        <source>Number of the row with the number of digits kept at saving; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tallennettavien numeroiden määrä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Dig-</source>
-        <translation>-Dig-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the number of digits kept at saving</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettavien numeroiden määrä</translation>
-    </message>
-    <message>
-        <source>INDEXED</source>
-        <translation>INDEXED</translation>
-    </message>
-    <message>
-        <source>Number of the row with the mark of the ID column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on ID-sarakkeen merkki; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Idx-</source>
-        <translation>-Idx-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the mark of the ID column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on ID-sarakkeen merkki</translation>
-    </message>
-    <message>
-        <source>MULTIPLIER</source>
-        <translation>MULTIPLIER</translation>
-    </message>
-    <message>
-        <source>Number of the row with the factor applied at saving; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tallennettaessa käytettävä kerroin; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Mul-</source>
-        <translation>-Mul-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the factor applied at saving</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettaessa käytettävä kerroin</translation>
-    </message>
-    <message>
-        <source>IDENTIFIED</source>
-        <translation>IDENTIFIED</translation>
-    </message>
-    <message>
-        <source>Number of the row with the mark of identified columns; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tunnistettujen sarakkeiden merkki; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Idf-</source>
-        <translation>-Idf-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the mark of identified columns</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tunnistettujen sarakkeiden merkki</translation>
-    </message>
-    <message>
-        <source>Data orientation</source>
-        <translation>Datan suunta</translation>
-    </message>
-    <message>
-        <source>Horizontal (row wise)</source>
-        <translation>Vaaka (riveittäin)</translation>
-    </message>
-    <message>
-        <source>A sample in each row</source>
-        <translation>Näyte joka rivillä</translation>
-    </message>
-    <message>
-        <source>Vertical (column wise)</source>
-        <translation>Pysty (sarakkeittain)</translation>
-    </message>
-    <message>
-        <source>A sample in each column: transpose the table to work with it</source>
-        <translation>Näyte joka sarakkeessa: transponoi taulukko, jotta sitä voi käyttää</translation>
-    </message>
-    <message>
-        <source>Transpose</source>
-        <translation>Transponoi</translation>
-    </message>
-    <message>
-        <source>Make rows of the columns</source>
-        <translation>Tee sarakkeista rivejä</translation>
-    </message>
-    <message>
-        <source>Hide system rows (except Header)</source>
-        <translation>Piilota järjestelmärivit (paitsi Header)</translation>
-    </message>
-    <message>
-        <source>Show only the HEADER row of the rows that describe the columns</source>
-        <translation>Näytä sarakkeita kuvaavista riveistä vain HEADER</translation>
-    </message>
-    <message>
-        <source>Thesaurus</source>
-        <translation>Sanasto</translation>
-    </message>
-    <message>
-        <source>Click a column of the table: its heading becomes a rule of the thesaurus, or the rule that is there becomes the current one.</source>
-        <translation>Napsauta taulukon saraketta: sen otsikosta tulee sanaston sääntö, tai olemassa oleva sääntö valitaan.</translation>
-    </message>
-    <message>
-        <source>Show Thesaurus</source>
-        <translation>Näytä sanasto</translation>
-    </message>
-    <message>
-        <source>Open the window in which the rules of the thesaurus are edited</source>
-        <translation>Avaa ikkuna, jossa sanaston sääntöjä muokataan</translation>
     </message>
     <message>
         <source>F&amp;ile</source>
@@ -2534,348 +2205,8 @@
         <translation>Näytä ja valitse, miltä riveiltä mikin alkuaine saadaan</translation>
     </message>
     <message>
-        <source>Not Identified</source>
-        <translation>Ei tunnistettu</translation>
-    </message>
-    <message>
-        <source>Green once the row of the elements is known</source>
-        <translation>Vihreä, kun alkuaineiden rivi tunnetaan</translation>
-    </message>
-    <message>
-        <source>Structure</source>
-        <translation>Rakenne</translation>
-    </message>
-    <message>
-        <source>Identify</source>
-        <translation>Tunnista</translation>
-    </message>
-    <message>
         <source>Find the structure of the table</source>
         <translation>Selvitä taulukon rakenne</translation>
-    </message>
-    <message>
-        <source>Headers on row</source>
-        <translation>Otsikot rivillä</translation>
-    </message>
-    <message>
-        <source>HEADER</source>
-        <translation>HEADER</translation>
-    </message>
-    <message>
-        <source>Number of the row with the titles of the columns; 0 for none</source>
-        <translation>Sarakkeiden otsikkorivin numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>0</source>
-        <translation>0</translation>
-    </message>
-    <message>
-        <source>One further</source>
-        <translation>Yksi eteenpäin</translation>
-    </message>
-    <message>
-        <source>One back</source>
-        <translation>Yksi taaksepäin</translation>
-    </message>
-    <message>
-        <source>-Hdr-</source>
-        <translation>-Hdr-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the titles of the columns</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla ovat sarakkeiden otsikot</translation>
-    </message>
-    <message>
-        <source>ELEMENT</source>
-        <translation>ELEMENT</translation>
-    </message>
-    <message>
-        <source>Number of the row with the element or oxide of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen alkuaine tai oksidi; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Ele-</source>
-        <translation>-Ele-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the element or oxide of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen alkuaine tai oksidi</translation>
-    </message>
-    <message>
-        <source>METHOD</source>
-        <translation>METHOD</translation>
-    </message>
-    <message>
-        <source>Number of the row with the analytical method of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen analyysimenetelmä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Met-</source>
-        <translation>-Met-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the analytical method of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen analyysimenetelmä</translation>
-    </message>
-    <message>
-        <source>UNIT</source>
-        <translation>UNIT</translation>
-    </message>
-    <message>
-        <source>Number of the row with the unit of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen yksikkö; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Uni-</source>
-        <translation>-Uni-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the unit of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen yksikkö</translation>
-    </message>
-    <message>
-        <source>Split</source>
-        <translation>Pilko</translation>
-    </message>
-    <message>
-        <source>Split the titles of the HEADER row into element, method, unit and so on</source>
-        <translation>Pilko HEADER-rivin otsikot alkuaineeksi, menetelmäksi, yksiköksi ja niin edelleen</translation>
-    </message>
-    <message>
-        <source>Data</source>
-        <translation>Data</translation>
-    </message>
-    <message>
-        <source>First data row is</source>
-        <translation>Ensimmäinen datarivi</translation>
-    </message>
-    <message>
-        <source>Number of the row with the first sample; 0 for none</source>
-        <translation>Ensimmäisen näytteen rivin numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-1-</source>
-        <translation>-1-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the first sample</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: ensimmäisen näytteen rivi</translation>
-    </message>
-    <message>
-        <source>ID Column is:</source>
-        <translation>ID-sarake:</translation>
-    </message>
-    <message>
-        <source>Number of the column with the identifiers of the samples; 0 for none</source>
-        <translation>Näytetunnusten sarakkeen numero; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-ID-</source>
-        <translation>-ID-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a column of the table: the column with the identifiers of the samples</source>
-        <translation>Napsauta tästä ja sitten taulukon saraketta: näytetunnusten sarake</translation>
-    </message>
-    <message>
-        <source>MINERAL Col is:</source>
-        <translation>MINERAL-sarake:</translation>
-    </message>
-    <message>
-        <source>Number of the column with the mineral of each row; 0 for none</source>
-        <translation>Sen sarakkeen numero, jossa on kunkin rivin mineraali; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Min-</source>
-        <translation>-Min-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a column of the table: the column with the mineral of each row</source>
-        <translation>Napsauta tästä ja sitten taulukon saraketta: sarake, jossa on kunkin rivin mineraali</translation>
-    </message>
-    <message>
-        <source>Database information on row</source>
-        <translation>Tietokantatiedot rivillä</translation>
-    </message>
-    <message>
-        <source>TABLE</source>
-        <translation>TABLE</translation>
-    </message>
-    <message>
-        <source>Number of the row with the database table of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantataulu; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Tab-</source>
-        <translation>-Tab-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the database table of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantataulu</translation>
-    </message>
-    <message>
-        <source>FIELD</source>
-        <translation>FIELD</translation>
-    </message>
-    <message>
-        <source>Number of the row with the database field of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen tietokantakenttä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Fld-</source>
-        <translation>-Fld-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the database field of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen tietokantakenttä</translation>
-    </message>
-    <message>
-        <source>TYPE</source>
-        <translation>TYPE</translation>
-    </message>
-    <message>
-        <source>Number of the row with the field type of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen kenttätyyppi; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Typ-</source>
-        <translation>-Typ-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the field type of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kenttätyyppi</translation>
-    </message>
-    <message>
-        <source>LENGTH</source>
-        <translation>LENGTH</translation>
-    </message>
-    <message>
-        <source>Number of the row with the field length of each column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on kunkin sarakkeen kentän pituus; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Len-</source>
-        <translation>-Len-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the field length of each column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on kunkin sarakkeen kentän pituus</translation>
-    </message>
-    <message>
-        <source>DIGITS</source>
-        <translation>DIGITS</translation>
-    </message>
-    <message>
-        <source>Number of the row with the number of digits kept at saving; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tallennettavien numeroiden määrä; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Dig-</source>
-        <translation>-Dig-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the number of digits kept at saving</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettavien numeroiden määrä</translation>
-    </message>
-    <message>
-        <source>INDEXED</source>
-        <translation>INDEXED</translation>
-    </message>
-    <message>
-        <source>Number of the row with the mark of the ID column; 0 for none</source>
-        <translation>Sen rivin numero, jolla on ID-sarakkeen merkki; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Idx-</source>
-        <translation>-Idx-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the mark of the ID column</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on ID-sarakkeen merkki</translation>
-    </message>
-    <message>
-        <source>MULTIPLIER</source>
-        <translation>MULTIPLIER</translation>
-    </message>
-    <message>
-        <source>Number of the row with the factor applied at saving; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tallennettaessa käytettävä kerroin; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Mul-</source>
-        <translation>-Mul-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the factor applied at saving</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tallennettaessa käytettävä kerroin</translation>
-    </message>
-    <message>
-        <source>IDENTIFIED</source>
-        <translation>IDENTIFIED</translation>
-    </message>
-    <message>
-        <source>Number of the row with the mark of identified columns; 0 for none</source>
-        <translation>Sen rivin numero, jolla on tunnistettujen sarakkeiden merkki; 0, jos ei ole</translation>
-    </message>
-    <message>
-        <source>-Idf-</source>
-        <translation>-Idf-</translation>
-    </message>
-    <message>
-        <source>Click here, then on a row of the table: the row with the mark of identified columns</source>
-        <translation>Napsauta tästä ja sitten taulukon riviä: rivi, jolla on tunnistettujen sarakkeiden merkki</translation>
-    </message>
-    <message>
-        <source>Data orientation</source>
-        <translation>Datan suunta</translation>
-    </message>
-    <message>
-        <source>Horizontal (row wise)</source>
-        <translation>Vaaka (riveittäin)</translation>
-    </message>
-    <message>
-        <source>A sample in each row</source>
-        <translation>Näyte joka rivillä</translation>
-    </message>
-    <message>
-        <source>Vertical (column wise)</source>
-        <translation>Pysty (sarakkeittain)</translation>
-    </message>
-    <message>
-        <source>A sample in each column: transpose the table to work with it</source>
-        <translation>Näyte joka sarakkeessa: transponoi taulukko, jotta sitä voi käyttää</translation>
-    </message>
-    <message>
-        <source>Transpose</source>
-        <translation>Transponoi</translation>
-    </message>
-    <message>
-        <source>Make rows of the columns</source>
-        <translation>Tee sarakkeista rivejä</translation>
-    </message>
-    <message>
-        <source>Hide system rows (except Header)</source>
-        <translation>Piilota järjestelmärivit (paitsi Header)</translation>
-    </message>
-    <message>
-        <source>Show only the HEADER row of the rows that describe the columns</source>
-        <translation>Näytä sarakkeita kuvaavista riveistä vain HEADER</translation>
-    </message>
-    <message>
-        <source>Thesaurus</source>
-        <translation>Sanasto</translation>
-    </message>
-    <message>
-        <source>Click a column of the table: its heading becomes a rule of the thesaurus, or the rule that is there becomes the current one.</source>
-        <translation>Napsauta taulukon saraketta: sen otsikosta tulee sanaston sääntö, tai olemassa oleva sääntö valitaan.</translation>
-    </message>
-    <message>
-        <source>Show Thesaurus</source>
-        <translation>Näytä sanasto</translation>
-    </message>
-    <message>
-        <source>Open the window in which the rules of the thesaurus are edited</source>
-        <translation>Avaa ikkuna, jossa sanaston sääntöjä muokataan</translation>
     </message>
     <message>
         <source>The methods of the calculation group; a double click calculates one</source>
