@@ -48,7 +48,12 @@ std::vector<std::string> namesIn(const std::string& folder, bool folders) {
 }  // namespace
 
 frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), session_(session) {
-  for (const DatabaseKind& kind : kKinds) ListDBTypes.add(kind.text);
+  int row = 0;
+  for (const DatabaseKind& kind : kKinds) {
+    F1FTypes.TextRC(++row, 1, kind.text);
+    F1FTypes.TextRC(row, 2, kind.extension);
+  }
+  for (row = 1; F1FTypes.HasContent(row, 1); ++row) ListDBTypes.add(F1FTypes.TextRC(row, 1));
   for (const std::string& path : LastFiles(session.record, "Session")) {
     if (!path.empty()) lstLast.add(path);
   }
@@ -84,7 +89,7 @@ frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), 
 void frmConnect::chooseType() {
   const int kind = ListDBTypes.current();
   if (kind < 0) return;
-  txtPattern.setText(std::string("*.") + kKinds[static_cast<size_t>(kind)].extension);
+  txtPattern.setText("*." + F1FTypes.TextRC(kind + 1, 2));
   fillFiles();
 }
 

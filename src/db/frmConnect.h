@@ -31,6 +31,10 @@ class frmConnect : public Form {
   Button cmdCanc{*this, "cmdCanc", "Cancel"};
   Button cmdLinkDone{*this, "cmdLinkDone", "Close"};
 
+  /// The known kinds of databases: what is shown and the ending of their files, to the first empty
+  /// row.
+  Worksheet F1FTypes;
+
   /// The chosen path; "" when cancelled.
   const std::string& ConnectResult() const { return result_; }
   /// Take the stored map, or map afresh and store the map.

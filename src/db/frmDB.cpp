@@ -46,6 +46,7 @@ void frmDB::close() {
 }
 
 bool frmDB::OpenDBFromMDI(const std::string& path, const MapRequest& request) {
+  if (onMacroLine) onMacroLine("OPENDB " + path);
   if (path.size() <= 2) return false;
   session_.record.SessionDbPath = path;
   session_.record.ConnectionKind.clear();

@@ -41,6 +41,8 @@ class frmDB : public Form {
   /// Opens it without preparing anything; a path of two characters or fewer does nothing.
   bool OpenDBFromMDI(const std::string& path, const MapRequest& request = {true, true, false});
 
+  /// Takes the lines of a macro while one is recorded: "OPENDB " and the path.
+  std::function<void(const std::string&)> onMacroLine{};
   /// Called when a database was opened: forms with a list of tables fill it again.
   std::function<void(const DatabaseMap&)> onOpened{};
   /// Called by OK with the path, where the window serves the list of sources.

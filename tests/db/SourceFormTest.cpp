@@ -12,6 +12,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class SourceTest : public testing::Test {
  protected:
@@ -48,7 +49,10 @@ TEST_F(SourceTest, OpensShowsAndPairsElements) {
     dialog.lstFiles.setCurrent(0);
     dialog.Command2.click();
   });
+  std::string macro;
+  form.onMacroLine = [&](const std::string& line) { macro = line; };
   form.cmdOpenSDB.click();
+  EXPECT_THAT(macro, StartsWith("OPENDB "));
   EXPECT_TRUE(form.SourceDbInUse);
   EXPECT_THAT(shell.caption(), HasSubstr("TarnKraph ("));
   EXPECT_THAT(form.lstTables.items(), ElementsAre("A", "B"));
