@@ -195,7 +195,8 @@ void baseByNames(const DatabaseMap& map, const std::vector<Field>& fields, std::
                        [&](const Field& field) { return equalsNoCase(field.name, name); });
   };
   std::ptrdiff_t most = 0;
-  for (int row = 1; row <= map.tableCount(); ++row) {
+  const int count = map.tableCount();
+  for (int row = 1; row <= count; ++row) {
     const std::string key = map.PrimaryKeyField(map.table(row));
     if (key.empty() || !shows(key)) continue;
     const auto names = map.fields(row);

@@ -446,6 +446,16 @@ std::string withStatementUndo(std::string_view connectionText) {
   return isNeeded ? changed + std::string(kKey) + "=7.4-2" : std::string();
 }
 
+void askSchemas(const Link& link) {
+  const bool postgres = isPostgres(*link);
+  if (!postgres && !isOracle(*link)) return;
+  OdbcStatement statement(link);
+  statement.execute(postgres ? "SELECT unnest(current_schemas(false))::text"
+                             : "SELECT SYS_CONTEXT('USERENV', 'CURRENT_SCHEMA') FROM DUAL",
+                    {}, "");
+  while (statement.next()) link->schemas.push_back(statement.text(0));
+}
+
 }  // namespace
 
 std::unique_ptr<Driver> openOdbc(std::string_view service, std::string_view connectionText) {
@@ -454,6 +464,7 @@ std::unique_ptr<Driver> openOdbc(std::string_view service, std::string_view conn
     const std::string safer = withStatementUndo(connectionText);
     if (!safer.empty()) link = connect(service, safer);
   }
+  askSchemas(link);
   return std::make_unique<OdbcDriver>(std::move(link));
 }
 

@@ -22,6 +22,13 @@ bool isSystemSchema(const std::string& schema) {
   return false;
 }
 
+// Tables that a statement reaches by their name alone.
+bool isReached(const OdbcLink& link, const std::string& schema) {
+  if (isSystemSchema(schema)) return false;
+  const auto& known = link.schemas;
+  return known.empty() || std::find(known.begin(), known.end(), schema) != known.end();
+}
+
 struct ServerTable {
   std::string schema;
   std::string name;
@@ -37,7 +44,7 @@ std::vector<ServerTable> listTables(const Link& link) {
     table.schema = statement.text(1);
     table.name = statement.text(2);
     table.isView = equalsNoCase(statement.text(3), "VIEW");
-    if (!isSystemSchema(table.schema)) tables.push_back(std::move(table));
+    if (isReached(*link, table.schema)) tables.push_back(std::move(table));
   }
   std::stable_sort(tables.begin(), tables.end(),
                    [](const auto& a, const auto& b) { return compareNoCase(a.name, b.name) < 0; });
@@ -57,7 +64,7 @@ std::vector<Row> columns(const Link& link) {
   statement.askColumns();
   std::vector<ColumnFacts> found;
   while (statement.next()) {
-    if (isSystemSchema(statement.text(1))) continue;
+    if (!isReached(*link, statement.text(1))) continue;
     ColumnFacts column;
     column.table = statement.text(2);
     column.name = statement.text(3);
