@@ -16,6 +16,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QVBoxLayout>
 
 #include "gui/QtText.h"
 #include "gui/grid/GridCursor.h"
@@ -170,6 +171,24 @@ TEST_F(GridView, KeysMoveAndSelect) {
     EXPECT_EQ(selection(), step.selection);
   }
   EXPECT_TRUE(table().selectionModel()->isSelected(table().model()->index(500000, 9000)));
+}
+
+TEST_F(GridView, ItsShortCutsWinOverThoseOfTheWindow) {
+  QWidget window;
+  auto* layout = new QVBoxLayout(&window);
+  layout->addWidget(&view);
+  QAction other;
+  other.setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+  window.addAction(&other);
+  QSignalSpy triggered(&other, &QAction::triggered);
+  window.show();
+  QApplication::setActiveWindow(&window);
+  table().setFocus();
+  view.select({1, 1, 1, 2});
+  QTest::keyClick(&table(), Qt::Key_R, Qt::ControlModifier);
+  EXPECT_EQ(cell(1, 2), "11");
+  EXPECT_EQ(triggered.count(), 0);
+  view.setParent(nullptr);
 }
 
 TEST_F(GridView, MouseSelectsCellsRowsAndColumns) {

@@ -98,7 +98,7 @@ void GridActions::addEditing() {
   add("actPaste", tr("&Paste"), tr("Paste the clipboard at the active cell"),
       keys({QKeySequence::Paste}), [this] { paste(PasteKind::All); });
   add("actPasteValues", tr("Paste &values"), tr("Paste without formulas and formats"),
-      keys({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V)}), [this] { paste(PasteKind::Values); });
+      keys({QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_V)}), [this] { paste(PasteKind::Values); });
   add("actClear", tr("Clear co&ntents"), tr("Empty the selected cells and keep their formats"), {},
       [this] { editor().clearContents(block()); });
   add("actClearAll", tr("Clear &all"), tr("Empty the selected cells and take their formats away"),
@@ -188,8 +188,8 @@ void GridActions::addFormats() {
       [this] { chooseColor(true); });
   add("actNoFill", tr("&No fill"), tr("Take the colour behind the text away"), {},
       [this] { editor().setFill(block(), automaticColor); });
-  add("actNumberFormat", tr("&Number format..."), tr("Choose how numbers are shown"),
-      keys({QKeySequence(Qt::CTRL | Qt::Key_1)}), [this] { chooseNumberFormat(); });
+  add("actNumberFormat", tr("&Number format..."), tr("Choose how numbers are shown"), {},
+      [this] { chooseNumberFormat(); });
   const auto border = [this](const char* name, const QString& text, const QString& tip,
                              Borders borders) {
     add(name, text, tip, {}, [this, borders] { editor().setBorders(block(), borders); });

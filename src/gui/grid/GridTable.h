@@ -93,6 +93,7 @@ class GridTable : public QTableView {
   void wheelEvent(QWheelEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
   void changeEvent(QEvent* event) override;
+  bool event(QEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
   void resizeEvent(QResizeEvent* event) override;
 
@@ -117,6 +118,7 @@ class GridTable : public QTableView {
   void dragTo(const QPoint& pos);
   CellBlock fillTarget(CellPlace place) const;
   void fillToNeighboursEnd();
+  QAction* commandOf(const QKeyEvent& event) const;
   void page(int direction, bool extend, bool columns);
   void setHiddenSections(QHeaderView& header, const std::map<int, bool>& hidden,
                          std::vector<int>& before);

@@ -1,4 +1,5 @@
 // Mouse and keys of a GridTable.
+#include <QAction>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QHeaderView>
@@ -218,8 +219,30 @@ void GridTable::wheelEvent(QWheelEvent* event) {
 
 // --- Keys ---
 
+// The grid's command with that short cut; null for none.
+QAction* GridTable::commandOf(const QKeyEvent& event) const {
+  if (parentWidget() == nullptr) return nullptr;
+  const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+  const QKeySequence pressed(QKeyCombination(modifiers, static_cast<Qt::Key>(event.key())));
+  for (QAction* action : parentWidget()->actions()) {
+    if (action->shortcuts().contains(pressed)) return action;
+  }
+  return nullptr;
+}
+
+// In the cells a short cut means the grid's command, even where the window has the same one.
+bool GridTable::event(QEvent* event) {
+  if (event->type() == QEvent::ShortcutOverride && editor() != nullptr &&
+      commandOf(*static_cast<QKeyEvent*>(event)) != nullptr) {
+    event->accept();
+    return true;
+  }
+  return QTableView::event(event);
+}
+
 void GridTable::keyPressEvent(QKeyEvent* event) {
   if (editor() == nullptr) return QTableView::keyPressEvent(event);
+  if (QAction* command = commandOf(*event)) return command->trigger();
   const bool shift = (event->modifiers() & Qt::ShiftModifier) != 0;
   const bool control = (event->modifiers() & Qt::ControlModifier) != 0;
   const bool alt = (event->modifiers() & Qt::AltModifier) != 0;
