@@ -99,8 +99,8 @@ void Connection::Open(std::string_view connectionString, const ServerIni& server
   const std::string source = connectionItem(connectionString, "Data Source");
   if (equalsNoCase(provider, kOracleProvider)) {
     const std::string user = connectionItem(connectionString, "User ID");
-    driver_ = openOdbc(
-        source, serverConnectionText(servers, source, user, passwordIn(connectionString)));
+    driver_ =
+        openOdbc(source, serverConnectionText(servers, source, user, passwordIn(connectionString)));
     return;
   }
   if (!equalsNoCase(provider, kJetProvider)) {
