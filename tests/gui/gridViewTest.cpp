@@ -281,8 +281,26 @@ TEST_F(GridView, FrozenRowsStayAtTheTop) {
   QTest::keyClick(&table(), Qt::Key_Home, Qt::ControlModifier);
   EXPECT_EQ(sheet.Row(), 3) << "the first row that scrolls";
   EXPECT_GE(middleOf(3, 1).y(), frozen);
+  sheet.FixedRows(200);
+  view.refresh();
+  const int room = table().viewport()->height() - table().frozenHeight();
+  EXPECT_GE(room, 3 * table().rowHeight(0)) << "something must be left to scroll";
+  EXPECT_EQ(table().frozenHeight() % table().rowHeight(0), 0) << "no row is cut";
   trigger("actUnfreeze");
   EXPECT_EQ(table().frozenHeight(), 0);
+}
+
+TEST_F(GridView, ColumnsWithoutAWidthShowTheirShortTexts) {
+  const int usual = table().columnWidth(0);
+  sheet.TextRC(1, 1, "SiO2_XRF_%_total");
+  sheet.TextRC(1, 2, "A remark that is much too long to make its column wide");
+  sheet.TextRC(1, 3, "SiO2_XRF_%_total");
+  sheet.columnWidth(1, 3, 5);
+  view.refresh();
+  EXPECT_GT(table().columnWidth(0), usual);
+  EXPECT_EQ(table().columnWidth(1), usual);
+  EXPECT_EQ(table().columnWidth(2), table().widthInPixels(5));
+  EXPECT_EQ(sheet.columnWidth(1, 1), 0) << "the sheet itself is left alone";
 }
 
 TEST_F(GridView, AMillionRowsCanBeReached) {

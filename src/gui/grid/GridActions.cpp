@@ -9,6 +9,7 @@
 #include "basic/Error.h"
 #include "gui/QtText.h"
 #include "gui/grid/GridCursor.h"
+#include "gui/grid/GridPaint.h"
 #include "gui/grid/GridPrint.h"
 #include "gui/grid/GridTable.h"
 #include "gui/grid/NumberFormatDialog.h"
@@ -358,12 +359,11 @@ void GridActions::chooseNumberFormat() {
 void GridActions::chooseColumnWidth() {
   const Worksheet& sheet = editor().sheet();
   const int column = cursor().active().column;
-  constexpr double usual = 10;
   const double now = sheet.columnWidth(sheet.Sheet(), column);
   bool ok = false;
   const double width =
       QInputDialog::getDouble(&view_, tr("Column width"), tr("Width in characters:"),
-                              now > 0 ? now : usual, 0.25, 255, 2, &ok);
+                              now > 0 ? now : usualColumnWidth, 0.25, 255, 2, &ok);
   if (ok) editor().setColumnWidth(block().column1, block().column2, width);
 }
 

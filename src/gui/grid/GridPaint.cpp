@@ -311,6 +311,39 @@ int cellPadding(double pixelsPerPoint) {
   return std::max(2, qRound(2.2 * pixelsPerPoint));
 }
 
+int widthInPixels(double characters, double pixelsPerPoint) {
+  const QFontMetricsF metrics(cellFont(CellFormat(), pixelsPerPoint));
+  const double digit = metrics.horizontalAdvance(QLatin1Char('0'));
+  return std::max(2, qRound(characters * digit) + 2 * cellPadding(pixelsPerPoint) + 1);
+}
+
+int shownColumnWidth(const Worksheet& sheet, int column, double pixelsPerPoint) {
+  const double own = sheet.columnWidth(sheet.Sheet(), column);
+  if (own > 0) return widthInPixels(own, pixelsPerPoint);
+  // Longer texts are remarks, which may flow over their neighbours.
+  constexpr size_t longest = 24;
+  constexpr int searched = 100;
+  const Cell* widest = nullptr;
+  size_t length = 0;
+  sheet.cells(sheet.Sheet())
+      .visit(1, column, std::min(searched, sheet.MaxRow()), column,
+             [&](int, int, const Cell& cell) {
+               if (cell.kind != ValueKind::Text && cell.kind != ValueKind::NumericText) return true;
+               const size_t size = SharedText::viewOf(cell.text).size();
+               if (size <= longest && size > length) {
+                 length = size;
+                 widest = &cell;
+               }
+               return true;
+             });
+  const int usual = widthInPixels(usualColumnWidth, pixelsPerPoint);
+  if (widest == nullptr) return usual;
+  // Capitals are wider than digits, and the one longest text stands for all.
+  const QFontMetricsF metrics(cellFont(sheet.formats().at(widest->format), pixelsPerPoint));
+  const double text = metrics.horizontalAdvance(toQt(SharedText::viewOf(widest->text)));
+  return std::max(usual, qRound(text) + 3 * cellPadding(pixelsPerPoint) + 2);
+}
+
 int neededHeight(const CellFormat& format, const QString& text, int width, double pixelsPerPoint) {
   const QFontMetrics metrics(cellFont(format, pixelsPerPoint));
   const int line = metrics.height() + cellPadding(pixelsPerPoint);

@@ -39,6 +39,16 @@ int neededHeight(const CellFormat& format, const QString& text, int width, doubl
 /// Blanks at both sides of a cell's text, in pixels.
 int cellPadding(double pixelsPerPoint);
 
+/// A width in characters of the default font, blanks at both sides included, in pixels.
+int widthInPixels(double characters, double pixelsPerPoint);
+
+/// The width of a column in pixels. Where the sheet gives none it is the usual one, or what the
+/// short texts among the column's first cells need.
+int shownColumnWidth(const Worksheet& sheet, int column, double pixelsPerPoint);
+
+/// The usual width of a column in characters.
+inline constexpr double usualColumnWidth = 10;
+
 /// A colour close to `color` that can be read on `background`.
 QColor readableOn(const QColor& background, const QColor& color);
 

@@ -17,7 +17,6 @@ namespace {
 
 constexpr int previewPages = 300;  // nobody leafs through more
 
-constexpr double defaultWidth = 10;    // characters
 constexpr double smallestScale = 0.4;  // of columns fitted to the page
 constexpr int mostPages = 2000;        // of one print; more are a mistake
 
@@ -114,12 +113,7 @@ class Pages {
     return cellFont(format, pixelsPerPoint_);
   }
 
-  int columnPixels(int column) const {
-    const double own = sheet_.columnWidth(sheet_.Sheet(), column);
-    const QFontMetricsF metrics(cellFont(CellFormat(), pixelsPerPoint_));
-    const double digit = metrics.horizontalAdvance(QLatin1Char('0'));
-    return qRound((own > 0 ? own : defaultWidth) * digit) + 2 * cellPadding(pixelsPerPoint_) + 1;
-  }
+  int columnPixels(int column) const { return shownColumnWidth(sheet_, column, pixelsPerPoint_); }
 
   // Positions count from 0 within a strip.
   std::vector<Strip> columnStrips(int last, int width) const {

@@ -13,10 +13,10 @@
 namespace lodex {
 namespace {
 
-constexpr double defaultWidth = 10;  // characters
-constexpr int maxFitted = 5000;      // cells of a column whose widths are measured
-constexpr int maxMeasured = 20000;   // cells whose heights are measured
-constexpr double widestFit = 60;     // characters
+constexpr int maxFitted = 5000;     // cells of a column whose widths are measured
+constexpr int maxMeasured = 20000;  // cells whose heights are measured
+constexpr double widestFit = 60;    // characters
+constexpr int mostAutomatic = 500;  // columns that find their width themselves
 constexpr int minZoom = 50;
 constexpr int maxZoom = 300;
 
@@ -142,9 +142,7 @@ void GridTable::setZoom(int percent) {
 }
 
 int GridTable::widthInPixels(double characters) const {
-  const QFontMetricsF metrics(cellFont(CellFormat(), pixelsPerPoint()));
-  const double digit = metrics.horizontalAdvance(QLatin1Char('0'));
-  return std::max(2, qRound(characters * digit) + 2 * cellPadding(pixelsPerPoint()) + 1);
+  return lodex::widthInPixels(characters, pixelsPerPoint());
 }
 
 double GridTable::widthInCharacters(int pixels) const {
@@ -170,19 +168,11 @@ void GridTable::readLayout() {
     rows_->setDefaultSectionSize(rowHeight);
     tallRows_.clear();
   }
-  const int columnWidth = widthInPixels(defaultWidth);
+  const int columnWidth = widthInPixels(usualColumnWidth);
   if (columns_->defaultSectionSize() != columnWidth) columns_->setDefaultSectionSize(columnWidth);
-  for (const int column : wideColumns_) {
-    if (column <= columns_->count()) columns_->resizeSection(column - 1, columnWidth);
-  }
-  wideColumns_.clear();
   setHiddenSections(*columns_, sheet.hiddenColumns(current), hiddenColumns_);
   setHiddenSections(*rows_, sheet.hiddenRows(current), hiddenRows_);
-  for (const auto& [column, width] : sheet.columnWidths(current)) {
-    if (column > columns_->count()) break;
-    columns_->resizeSection(column - 1, widthInPixels(width));
-    wideColumns_.push_back(column);
-  }
+  readWidths();
   readHeights(1, rows_->count());
   columns_->setFixedHeight(QFontMetrics(headingFont()).height() + 7);
   rows_->setFixedWidth(headingWidth());
@@ -192,6 +182,26 @@ void GridTable::readLayout() {
   viewport()->update();
   columns_->viewport()->update();
   rows_->viewport()->update();
+}
+
+void GridTable::readWidths() {
+  const QuietHeader quiet(*columns_);
+  for (const int column : wideColumns_) {
+    if (column <= columns_->count()) {
+      columns_->resizeSection(column - 1, columns_->defaultSectionSize());
+    }
+  }
+  wideColumns_.clear();
+  const Worksheet& sheet = editor()->sheet();
+  const auto show = [&](int column) {
+    columns_->resizeSection(column - 1, shownColumnWidth(sheet, column, pixelsPerPoint()));
+    wideColumns_.push_back(column);
+  };
+  const int automatic = std::min({sheet.LastCol(), columns_->count(), mostAutomatic});
+  for (int column = 1; column <= automatic; ++column) show(column);
+  for (const auto& [column, width] : sheet.columnWidths(sheet.Sheet())) {
+    if (column > automatic && column <= columns_->count()) show(column);
+  }
 }
 
 void GridTable::setHiddenSections(QHeaderView& header, const std::map<int, bool>& hidden,
@@ -314,8 +324,11 @@ int GridTable::frozenHeight() const {
   const int rows = std::min(editor()->sheet().FixedRows(), rows_->count());
   if (rows == 0) return 0;
   const int height = rows_->sectionPosition(rows - 1) + rows_->sectionSize(rows - 1);
-  // Some of the rest must remain to be seen.
-  return std::min(height, std::max(0, viewport()->height() - 3 * rows_->defaultSectionSize()));
+  // Some of the rest must remain to be seen: whole rows are left out.
+  const int room = std::max(0, viewport()->height() - 3 * rows_->defaultSectionSize());
+  if (height <= room) return height;
+  const int first = rows_->visualIndexAt(room - rows_->offset());
+  return first < 0 ? 0 : rows_->sectionPosition(first);
 }
 
 int GridTable::rowAtY(int y) const {

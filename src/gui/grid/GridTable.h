@@ -105,6 +105,7 @@ class GridTable : public QTableView {
 
   SheetEditor* editor() const { return model_.editor(); }
   void connectHeaders();
+  void readWidths();
   void readHeights(int firstRow, int lastRow);
   int headingWidth() const;
   void extendScrollRange();
