@@ -119,6 +119,12 @@ void Binding::changed(Link& link) {
 
 void Binding::flush() {
   flushQueued_ = false;
+  // What goes makes room first: with both in sight, a window would grow and stay so.
+  for (const auto& link : links_) {
+    if (!link->stale || !link->object || !link->visible || link->control->visible()) continue;
+    setShown(*link->object, false);
+    link->visible = false;
+  }
   for (const auto& link : links_) {
     if (!link->stale || !link->object) continue;
     link->stale = false;

@@ -238,6 +238,18 @@ TEST_F(RoadTest, ClosingAsksOnceAndACancelKeepsEverything) {
   EXPECT_EQ(shell().sheets.DataSheetCount(), 0);
 }
 
+TEST_F(RoadTest, GoingThroughTheStagesKeepsTheSize) {
+  ASSERT_TRUE(window.start());
+  window.showNormal();
+  window.resize(1280, 700);
+  settle();
+  for (const int stage : {1, 3, 1, 4, 2, 0, 3}) {
+    shell().SetStage(stage);
+    settle();
+    EXPECT_EQ(window.height(), 700) << "stage " << stage;
+  }
+}
+
 TEST_F(RoadTest, DroppedFilesOpen) {
   ASSERT_TRUE(window.start());
   QMimeData dropped;

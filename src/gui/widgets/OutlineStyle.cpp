@@ -74,4 +74,16 @@ void OutlineStyle::drawComplexControl(ComplexControl control, const QStyleOption
   if (control == CC_SpinBox) outlineField(*option, *painter);
 }
 
+QPixmap OutlineStyle::generatedIconPixmap(QIcon::Mode mode, const QPixmap& pixmap,
+                                          const QStyleOption* option) const {
+  if (mode != QIcon::Disabled) return QProxyStyle::generatedIconPixmap(mode, pixmap, option);
+  QPixmap faded(pixmap.size());
+  faded.setDevicePixelRatio(pixmap.devicePixelRatio());
+  faded.fill(Qt::transparent);
+  QPainter painter(&faded);
+  painter.setOpacity(0.35);
+  painter.drawPixmap(0, 0, pixmap);
+  return faded;
+}
+
 }  // namespace lodex
