@@ -1,5 +1,5 @@
 // Walks the example road through the real windows and takes a picture of each:
-// lodexgeo-screenshots FOLDER [light|dark] [language]
+// lodexgeo-screenshots FOLDER [light|dark] [language] [where Geo stands, else beside the program]
 
 #include <QAction>
 #include <QDir>
@@ -294,7 +294,7 @@ class Road {
 
 int main(int argc, char** argv) {
   if (argc < 2) {
-    std::cerr << "lodexgeo-screenshots FOLDER [light|dark] [language]\n";
+    std::cerr << "lodexgeo-screenshots FOLDER [light|dark] [language] [APPFOLDER]\n";
     return 2;
   }
   loadResources();
@@ -302,6 +302,8 @@ int main(int argc, char** argv) {
   application.setLanguage(QString::fromLocal8Bit(argc > 3 ? argv[3] : "en"));
   setAppearance(QString::fromLocal8Bit(argc > 2 ? argv[2] : "light"));
   applyAppearance();
-  Road(QString::fromLocal8Bit(argv[1]), QApplication::applicationDirPath()).walk();
+  const QString appFolder =
+      argc > 4 ? QString::fromLocal8Bit(argv[4]) : QApplication::applicationDirPath();
+  Road(QString::fromLocal8Bit(argv[1]), appFolder).walk();
   return 0;
 }

@@ -19,6 +19,10 @@ void forEachBlock(QTextDocument& document, const std::function<void(QTextBlock)>
   for (auto block = document.begin(); block.isValid(); block = block.next()) visit(block);
 }
 
+bool holdsPicture(const QTextBlock& block) {
+  return block.text().contains(QChar::ObjectReplacementCharacter);
+}
+
 }  // namespace
 
 HelpBrowser::HelpBrowser(const HelpPages& pages, QWidget* parent)
@@ -79,7 +83,7 @@ void HelpBrowser::dress() {
     } else if (code) {
       format.setBackground(shade);
       format.setLeftMargin(12);
-    } else if (!block.textList()) {
+    } else if (!block.textList() && !holdsPicture(block)) {
       format.setLineHeight(125, QTextBlockFormat::ProportionalHeight);
     }
     QTextCursor(block).setBlockFormat(format);
@@ -107,6 +111,7 @@ void HelpBrowser::dressTables(QTextFrame* frame) {
   }
 }
 
+// Scaled here, since documents scale pictures roughly.
 void HelpBrowser::fitPictures() {
   const double room = viewport()->width() - 2 * document()->documentMargin() - 4;
   if (room < 50) return;
@@ -115,13 +120,17 @@ void HelpBrowser::fitPictures() {
       const QTextFragment fragment = piece.fragment();
       if (!fragment.charFormat().isImageFormat()) continue;
       QTextImageFormat format = fragment.charFormat().toImageFormat();
-      const QVariant loaded =
-          document()->resource(QTextDocument::ImageResource, QUrl(format.name()));
-      QImage picture = loaded.value<QImage>();
-      if (picture.isNull()) picture.loadFromData(loaded.toByteArray());
+      const QUrl address(format.name());
+      const QImage picture(pages_.folder() + QLatin1Char('/') +
+                           pages_.fileOf(source().resolved(address)));
       if (picture.isNull()) continue;
       const double width = std::min<double>(room, picture.width());
       if (std::abs(format.width() - width) < 1) continue;
+      QImage scaled = picture.scaledToWidth(static_cast<int>(width * devicePixelRatioF()),
+                                            Qt::SmoothTransformation);
+      scaled.setDevicePixelRatio(devicePixelRatioF());
+      document()->addResource(QTextDocument::ImageResource, document()->baseUrl().resolved(address),
+                              scaled);
       format.setWidth(width);
       format.setHeight(picture.height() * width / picture.width());
       QTextCursor place(block);
