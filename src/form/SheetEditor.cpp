@@ -12,6 +12,9 @@ namespace {
 constexpr int formatRoomRows = 256;
 constexpr int formatRoomColumns = 32;
 
+// A whole sheet has 17 thousand million cells; no machine could hold them.
+constexpr long long mostFilled = 10'000'000;
+
 std::vector<int> layoutOf(const Worksheet& book) {
   std::vector<int> layout;
   for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
@@ -19,10 +22,6 @@ std::vector<int> layoutOf(const Worksheet& book) {
     layout.push_back(book.LastCol(sheet));
   }
   return layout;
-}
-
-std::string counted(int count, const std::string& thing) {
-  return count == 1 ? thing : std::to_string(count) + " " + thing + "s";
 }
 
 }  // namespace
@@ -90,6 +89,16 @@ void SheetEditor::requireInside(const CellBlock& block) const {
               std::to_string(block.columns()) + " columns; the sheet ends at row " +
               std::to_string(sheet_.MaxRow()) + ", column " + std::to_string(sheet_.MaxCol()) +
               ".");
+}
+
+// A block that an edit fills with cells.
+void SheetEditor::requireFillable(const CellBlock& block) const {
+  requireInside(block);
+  requireWholeArrays(block);
+  const long long cells = 1LL * block.rows() * block.columns();
+  if (cells > mostFilled) {
+    throw Error(std::to_string(cells) + " cells are too many to be filled at once.");
+  }
 }
 
 // --- Bookkeeping ---
@@ -231,8 +240,7 @@ void SheetEditor::enterAll(const CellBlock& block, std::string_view entry) {
   require(EditRight::Enter);
   const bool formula = entry.size() > 1 && entry.front() == '=';
   if (formula) require(EditRight::Formulas);
-  requireInside(block);
-  requireWholeArrays(block);
+  requireFillable(block);
   editCells("Typing", {block}, [&] {
     enterValue(block.row1, block.column1, entry);
     if (block.single()) return;
@@ -301,9 +309,9 @@ void SheetEditor::moveLines(StructureCommand command, const CellBlock& block) {
       command == StructureCommand::InsertRows || command == StructureCommand::DeleteRows;
   require(insert ? EditRight::Enter : EditRight::Delete);
   requireInside(block);
-  const std::string name =
-      std::string(insert ? "Insert " : "Delete ") +
-      (rows ? counted(block.rows(), "row") : counted(block.columns(), "column"));
+  const char* name = insert ? rows ? "Insert rows" : "Insert columns"
+                     : rows ? "Delete rows"
+                            : "Delete columns";
   if (!structureCommands_) {
     moveCells(name, block, rows ? Shift::Rows : Shift::Columns,
               insert ? Motion::Insert : Motion::Delete);

@@ -189,6 +189,7 @@ class SheetEditor {
   void require(EditRight right) const;
   void requireWholeArrays(const CellBlock& block) const;
   void requireInside(const CellBlock& block) const;
+  void requireFillable(const CellBlock& block) const;
   bool hasFormulas();
   void recalc();
   void told(const CellBlock* block);

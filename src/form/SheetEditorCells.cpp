@@ -142,8 +142,7 @@ CellBlock SheetEditor::paste(const CellBlock& at, Clipboard& clipboard, PasteKin
   if (!copied.standFor(text)) return pasteText(at, text, kind);
   const CellBlock from = copied.block;
   const CellBlock target = pasteTarget(at, from.rows(), from.columns());
-  requireInside(target);
-  requireWholeArrays(target);
+  requireFillable(target);
   if (anyFormula(copied.cells, from) && !allows(EditRight::Formulas)) kind = PasteKind::Values;
   editCells(kind == PasteKind::All ? "Paste" : "Paste values", {target}, [&] {
     if (kind == PasteKind::All) {
@@ -177,8 +176,7 @@ CellBlock SheetEditor::pasteText(const CellBlock& at, std::string_view text, Pas
   if (lines.empty()) return at;
   const CellBlock target =
       pasteTarget(at, static_cast<int>(lines.size()), static_cast<int>(columns));
-  requireInside(target);
-  requireWholeArrays(target);
+  requireFillable(target);
   const bool formulas = kind == PasteKind::All && allows(EditRight::Formulas);
   editCells(kind == PasteKind::All ? "Paste" : "Paste values", {target}, [&] {
     for (int row = 0; row < target.rows(); ++row) {
@@ -201,9 +199,8 @@ void SheetEditor::moveRange(const CellBlock& block, int row, int column) {
   require(EditRight::Move);
   const CellBlock target{row, column, row + block.rows() - 1, column + block.columns() - 1};
   if (target == block) return;
-  requireInside(target);
   requireWholeArrays(block);
-  requireWholeArrays(target);
+  requireFillable(target);
   const auto moveCellsOver = [&] {
     if (hasFormulas()) {
       referencesFollow(sheet_, block, target.row1 - block.row1, target.column1 - block.column1);

@@ -125,7 +125,7 @@ void SheetEditor::fillDown(const CellBlock& block) {
     if (block.row1 > 1) fillDown({block.row1 - 1, block.column1, block.row2, block.column2});
     return;
   }
-  requireWholeArrays(block);
+  requireFillable(block);
   editCells("Fill down", {block}, [&] {
     sheet_.CopyRange(block.row1, block.column1, block.row2, block.column2, sheet_, block.row1,
                      block.column1, block.row1, block.column2);
@@ -138,7 +138,7 @@ void SheetEditor::fillRight(const CellBlock& block) {
     if (block.column1 > 1) fillRight({block.row1, block.column1 - 1, block.row2, block.column2});
     return;
   }
-  requireWholeArrays(block);
+  requireFillable(block);
   editCells("Fill right", {block}, [&] {
     sheet_.CopyRange(block.row1, block.column1, block.row2, block.column2, sheet_, block.row1,
                      block.column1, block.row2, block.column1);
@@ -154,7 +154,7 @@ void SheetEditor::fillSeries(const CellBlock& source, const CellBlock& target, b
     throw Error("Cells are filled in one direction at a time.");
   }
   if (target == source) return;
-  requireWholeArrays(target);
+  requireFillable(target);
 
   const int count = down ? source.rows() : source.columns();
   const int firstSource = down ? source.row1 : source.column1;

@@ -84,8 +84,10 @@ CellPlace nextInBlock(const Worksheet& sheet, const CellBlock& block, CellPlace 
     return true;
   };
   CellPlace place = from;
-  // Hidden rows or columns of a block are few; stop in any case after one round.
-  for (long long tried = 1LL * block.rows() * block.columns(); tried > 0; --tried) {
+  // Stops after one round, and where so much is hidden that a search would take long.
+  constexpr long long mostTried = 1 << 21;
+  for (long long tried = std::min(mostTried, 1LL * block.rows() * block.columns()); tried > 0;
+       --tried) {
     if (byRows) {
       if (advance(place.column, block.column1, block.column2)) {
         advance(place.row, block.row1, block.row2);

@@ -355,6 +355,23 @@ TEST_F(SheetEditorTest, RefusesWhatDoesNotFit) {
   EXPECT_EQ(sheet.MaxRow(), 3);
 }
 
+TEST_F(SheetEditorTest, DoesNotFillWholeSheets) {
+  enterRows(sheet, "1,2|3,4");
+  editor.copy({1, 1, 1, 1}, clipboard);
+  const CellBlock all = editor.wholeSheet();
+  for (const auto& edit : std::initializer_list<std::function<void()>>{
+           [&] { editor.enterAll(all, "x"); }, [&] { editor.paste(all, clipboard); },
+           [&] { editor.fillDown(all); }, [&] { editor.fillRight(all); },
+           [&] {
+             editor.fillSeries({1, 1, 2, maxColumns}, all);
+           }}) {
+    EXPECT_THAT(refusal(edit), HasSubstr("too many"));
+  }
+  EXPECT_FALSE(history.canUndo());
+  editor.paste({1, 3, maxRows, 3}, clipboard);
+  EXPECT_EQ(sheet.LastRow(), maxRows) << "a column is fine";
+}
+
 TEST_F(SheetEditorTest, KeepsArrayFormulasWhole) {
   sheet.setArrayFormula(1, 1, 1, 2, 1, "{1;2}");
   sheet.Recalc();
@@ -437,7 +454,7 @@ TEST_F(SheetEditorTest, TheOwnerMayMoveItsLinesItself) {
   editor.insertRows(1, 2);
   EXPECT_EQ(commands, std::vector<StructureCommand>{StructureCommand::InsertRows});
   EXPECT_EQ(rowsOf(sheet), "||a|b");
-  EXPECT_EQ(history.undoText(), "Insert 2 rows");
+  EXPECT_EQ(history.undoText(), "Insert rows");
   history.undo();
   EXPECT_EQ(rowsOf(sheet), "a|b");
   EXPECT_EQ(structure, "1");

@@ -494,7 +494,8 @@ TEST_F(GridView, SheetsHaveTabs) {
   EXPECT_EQ(table().model()->data(table().model()->index(0, 0)).toString(), "second");
   type("typed");
   EXPECT_EQ(sheet.TextSRC(2, 1, 1), "typed");
-  tabs->setCurrentIndex(0);
+  QTest::keyClick(&table(), Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_EQ(sheet.Sheet(), 1);
   trigger("actUndo");
   EXPECT_EQ(sheet.Sheet(), 2) << "undo shows what it changes";
   EXPECT_EQ(tabs->currentIndex(), 1);

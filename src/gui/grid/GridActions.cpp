@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QColorDialog>
+#include <QCoreApplication>
 #include <QFontDialog>
 #include <QInputDialog>
 #include <QMenu>
@@ -21,6 +22,54 @@ namespace lodex {
 namespace {
 
 constexpr int zoomStep = 10;
+
+// The names that edits have in a history, for translators.
+[[maybe_unused]] const char* const editNames[] = {
+    QT_TRANSLATE_NOOP("EditHistory", "Typing"),
+    QT_TRANSLATE_NOOP("EditHistory", "Delete"),
+    QT_TRANSLATE_NOOP("EditHistory", "Clear"),
+    QT_TRANSLATE_NOOP("EditHistory", "Cut"),
+    QT_TRANSLATE_NOOP("EditHistory", "Paste"),
+    QT_TRANSLATE_NOOP("EditHistory", "Paste values"),
+    QT_TRANSLATE_NOOP("EditHistory", "Move"),
+    QT_TRANSLATE_NOOP("EditHistory", "Fill"),
+    QT_TRANSLATE_NOOP("EditHistory", "Fill down"),
+    QT_TRANSLATE_NOOP("EditHistory", "Fill right"),
+    QT_TRANSLATE_NOOP("EditHistory", "Sort"),
+    QT_TRANSLATE_NOOP("EditHistory", "Replace"),
+    QT_TRANSLATE_NOOP("EditHistory", "Replace all"),
+    QT_TRANSLATE_NOOP("EditHistory", "Insert rows"),
+    QT_TRANSLATE_NOOP("EditHistory", "Delete rows"),
+    QT_TRANSLATE_NOOP("EditHistory", "Insert columns"),
+    QT_TRANSLATE_NOOP("EditHistory", "Delete columns"),
+    QT_TRANSLATE_NOOP("EditHistory", "Insert cells"),
+    QT_TRANSLATE_NOOP("EditHistory", "Delete cells"),
+    QT_TRANSLATE_NOOP("EditHistory", "Bold"),
+    QT_TRANSLATE_NOOP("EditHistory", "Italic"),
+    QT_TRANSLATE_NOOP("EditHistory", "Underline"),
+    QT_TRANSLATE_NOOP("EditHistory", "Font"),
+    QT_TRANSLATE_NOOP("EditHistory", "Text colour"),
+    QT_TRANSLATE_NOOP("EditHistory", "Number format"),
+    QT_TRANSLATE_NOOP("EditHistory", "Alignment"),
+    QT_TRANSLATE_NOOP("EditHistory", "Wrap text"),
+    QT_TRANSLATE_NOOP("EditHistory", "Borders"),
+    QT_TRANSLATE_NOOP("EditHistory", "Column width"),
+    QT_TRANSLATE_NOOP("EditHistory", "Hide rows"),
+    QT_TRANSLATE_NOOP("EditHistory", "Show rows"),
+    QT_TRANSLATE_NOOP("EditHistory", "Hide columns"),
+    QT_TRANSLATE_NOOP("EditHistory", "Show columns"),
+    QT_TRANSLATE_NOOP("EditHistory", "Freeze rows"),
+    QT_TRANSLATE_NOOP("EditHistory", "Unfreeze rows"),
+    QT_TRANSLATE_NOOP("EditHistory", "Column heading"),
+    QT_TRANSLATE_NOOP("EditHistory", "Row heading"),
+    QT_TRANSLATE_NOOP("EditHistory", "Rename sheet"),
+    QT_TRANSLATE_NOOP("EditHistory", "Insert sheet"),
+    QT_TRANSLATE_NOOP("EditHistory", "Delete sheet"),
+};
+
+QString editName(const std::string& name) {
+  return QCoreApplication::translate("EditHistory", name.c_str()).toLower();
+}
 
 QList<QKeySequence> keys(std::initializer_list<QKeySequence> sequences) {
   return {sequences};
@@ -409,12 +458,10 @@ void GridActions::update() {
   const bool mayUndo = sheet && !editor().readOnly();
   QAction* undo = named(QStringLiteral("actUndo"));
   undo->setEnabled(mayUndo && history.canUndo());
-  undo->setText(history.canUndo() ? tr("&Undo %1").arg(toQt(history.undoText()).toLower())
-                                  : tr("&Undo"));
+  undo->setText(history.canUndo() ? tr("&Undo %1").arg(editName(history.undoText())) : tr("&Undo"));
   QAction* redo = named(QStringLiteral("actRedo"));
   redo->setEnabled(mayUndo && history.canRedo());
-  redo->setText(history.canRedo() ? tr("&Redo %1").arg(toQt(history.redoText()).toLower())
-                                  : tr("&Redo"));
+  redo->setText(history.canRedo() ? tr("&Redo %1").arg(editName(history.redoText())) : tr("&Redo"));
   if (!sheet) return;
   enable("actUnfreeze", editor().sheet().FixedRows() > 0);
   const CellPlace place = cursor().active();

@@ -76,6 +76,8 @@ class GridTable : public QTableView {
   void cellPressed(int row, int column);
   void menuRequested(const QPoint& global, int row, int column);
   void zoomRequested(int steps);
+  /// The next sheet (1) or the one before (-1) is to be shown.
+  void sheetRequested(int step);
   void headingEditRequested(Qt::Orientation orientation, int index);
   void refused(const QString& reason);
   /// What the open editor holds; empty with `open` false when it has closed.

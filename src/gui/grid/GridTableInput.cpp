@@ -276,8 +276,10 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
       return to({control ? last.row : from.row, last.column});
     }
     case Qt::Key_PageUp:
+      if (control) return emit sheetRequested(-1);
       return page(-1, shift, alt);
     case Qt::Key_PageDown:
+      if (control) return emit sheetRequested(1);
       return page(1, shift, alt);
     case Qt::Key_Return:
     case Qt::Key_Enter:

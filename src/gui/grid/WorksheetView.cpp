@@ -92,6 +92,10 @@ void WorksheetView::connectTable() {
   connect(table_, &GridTable::menuRequested, this, &WorksheetView::showMenu);
   connect(table_, &GridTable::zoomRequested, this,
           [this](int steps) { setZoom(zoom() + steps * zoomStep); });
+  connect(table_, &GridTable::sheetRequested, this, [this](int step) {
+    const int tab = tabs_->currentIndex() + step;
+    if (tab >= 0 && tab < tabs_->count()) tabs_->setCurrentIndex(tab);
+  });
   connect(table_, &GridTable::headingEditRequested, this, &WorksheetView::editHeading);
   connect(table_, &GridTable::refused, this, [this](const QString& reason) {
     const CellPlace place = cursor_->active();
