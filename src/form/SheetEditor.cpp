@@ -1,5 +1,7 @@
 #include "form/SheetEditor.h"
 
+#include <utility>
+
 #include "basic/Error.h"
 #include "form/SheetEditorSteps.h"
 #include "worksheet/files/FormulaShift.h"
@@ -31,7 +33,12 @@ SheetEditor::SheetEditor(Worksheet& sheet, EditHistory& history)
   history_.onRestore([this] {
     formulas_.reset();
     recalc();
-    told(nullptr);
+    layout_ = layoutOf(sheet_);
+    restored_ = true;
+  });
+  // Observers hear of it when the state beside the cells is back, too.
+  history_.onChange([this] {
+    if (std::exchange(restored_, false)) told(nullptr);
   });
 }
 

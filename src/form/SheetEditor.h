@@ -209,6 +209,7 @@ class SheetEditor {
   Worksheet& sheet_;
   EditHistory& history_;
   bool readOnly_ = false;
+  bool restored_ = false;  // by an undo or redo that observers have not heard of yet
   int recording_ = 0;
   std::optional<bool> formulas_;  // whether the workbook holds any; empty when that is not known
   std::vector<int> layout_;       // sizes of the sheets after the last change of this editor
