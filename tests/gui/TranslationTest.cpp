@@ -1,9 +1,12 @@
 #include <QFile>
+#include <QKeySequence>
+#include <QMenu>
 #include <QRegularExpression>
 #include <QTranslator>
 #include <QXmlStreamReader>
 
 #include "gui/GuiFixture.h"
+#include "gui/shell/MainWindow.h"
 #include "shell/MDIMain.h"
 
 namespace lodex {
@@ -41,6 +44,34 @@ TEST_F(GuiTest, EveryTextOfShellAndDataSheetsHasAFinnishOne) {
       }
     }
   }
+}
+
+// Letters that two entries of a menu share; the keyboard reaches neither at once.
+QString sharedLetters(const QMenu& menu) {
+  QString seen, shared;
+  for (const QAction* action : menu.actions()) {
+    const QString key = QKeySequence::mnemonic(action->text()).toString().right(1);
+    if (key.isEmpty()) continue;
+    if (seen.contains(key)) shared += key;
+    seen += key;
+  }
+  return shared;
+}
+
+TEST_F(GuiTest, FinnishMenusHaveALetterForEachEntry) {
+  QTranslator finnish;
+  ASSERT_TRUE(finnish.load(QStringLiteral(":/translations/lodexgeo_fi.qm")));
+  QApplication::installTranslator(&finnish);
+  {
+    MainWindow window(session, QStringLiteral(LODEX_BIN_DIR));
+    ASSERT_TRUE(window.start());
+    window.shell().NewSheet();
+    settle();
+    for (const QMenu* menu : window.findChildren<QMenu*>()) {
+      EXPECT_EQ(sharedLetters(*menu).toStdString(), "") << menu->title().toStdString();
+    }
+  }
+  QApplication::removeTranslator(&finnish);
 }
 
 QStringList marksOf(const QString& text) {

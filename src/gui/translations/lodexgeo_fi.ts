@@ -364,7 +364,7 @@
     </message>
     <message>
         <source>Recent da&amp;tabases</source>
-        <translation>Viimeksi avatut tieto&amp;kannat</translation>
+        <translation>Viimeksi avatut tietoka&amp;nnat</translation>
     </message>
     <message>
         <source>&amp;Calculation</source>
@@ -388,7 +388,7 @@
     </message>
     <message>
         <source>&amp;Windows</source>
-        <translation>I&amp;kkunat</translation>
+        <translation>Ikku&amp;nat</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -764,7 +764,7 @@
     </message>
     <message>
         <source>&amp;Log</source>
-        <translation>&amp;Loki</translation>
+        <translation>L&amp;oki</translation>
     </message>
     <message>
         <source>Ctrl+L</source>
@@ -2560,7 +2560,7 @@
     </message>
     <message>
         <source>&amp;Log</source>
-        <translation>&amp;Loki</translation>
+        <translation>L&amp;oki</translation>
     </message>
     <message>
         <source>&amp;Save...</source>
