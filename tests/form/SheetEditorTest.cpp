@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "SheetEditorSheets.h"
 #include "basic/Error.h"
 #include "form/SheetEditorMoves.h"
@@ -146,6 +148,78 @@ TEST_F(SheetEditorTest, EditsCanBeUndoneAndRedone) {
     EXPECT_EQ(rowsOf(book), valuesAfter);
     steps.undo();
     EXPECT_EQ(rowsOf(book, true), before);
+  }
+}
+
+// What a user sees of a small sheet.
+std::string pictureOf(const Worksheet& sheet) {
+  std::string picture = rowsOf(sheet, true) + "\n" + rowsOf(sheet);
+  for (int i = 1; i <= 12; ++i) {
+    picture += "\n" + sheet.ColText(i) + "/" + sheet.RowText(i) + "/" +
+               std::to_string(sheet.columnWidth(1, i)) + (sheet.rowHidden(1, i) ? "h" : "") +
+               (sheet.columnHidden(1, i) ? "H" : "");
+    for (int column = 1; column <= 12; ++column) {
+      picture += sheet.formatOf(1, i, column).bold ? 'B' : '.';
+    }
+  }
+  return picture;
+}
+
+TEST_F(SheetEditorTest, AnyRowOfEditsCanBeUndoneAndRedone) {
+  std::mt19937 random(20260101);
+  const auto upTo = [&](int last) { return static_cast<int>(random() % last) + 1; };
+  const auto anyBlock = [&] { return CellBlock::between(upTo(8), upTo(6), upTo(8), upTo(6)); };
+  const char* entries[] = {"1", "2.5", "text", "=A1+B2", "=SUM(A1:C4)", "=$B$2*C3", "", "S-01"};
+  const std::function<void()> edits[] = {
+      [&] { editor.enter(upTo(8), upTo(6), entries[upTo(8) - 1]); },
+      [&] { editor.enterAll(anyBlock(), entries[upTo(8) - 1]); },
+      [&] { editor.clearContents(anyBlock()); },
+      [&] { editor.clearAll(anyBlock()); },
+      [&] { editor.copy(anyBlock(), clipboard); },
+      [&] { editor.cut(anyBlock(), clipboard); },
+      [&] { editor.paste(anyBlock(), clipboard); },
+      [&] { editor.fillDown(anyBlock()); },
+      [&] { editor.fillRight(anyBlock()); },
+      [&] {
+        const CellBlock block = anyBlock();
+        editor.fillSeries(block, {1, block.column1, 8, block.column2}, upTo(2) == 1);
+      },
+      [&] { editor.moveRange(anyBlock(), upTo(4), upTo(4)); },
+      [&] { editor.insertRows(upTo(4), 4 + upTo(2)); },
+      [&] { editor.deleteRows(upTo(4), 3 + upTo(2)); },
+      [&] { editor.insertColumns(upTo(3), 2 + upTo(2)); },
+      [&] { editor.deleteColumns(upTo(3), 2 + upTo(2)); },
+      [&] { editor.insertCells(anyBlock(), upTo(2) == 1 ? Shift::Down : Shift::Right); },
+      [&] { editor.deleteCells(anyBlock(), upTo(2) == 1 ? Shift::Down : Shift::Right); },
+      [&] {
+        editor.sort(anyBlock(), {{upTo(6), upTo(2) == 1}});
+      },
+      [&] { editor.replaceAll("2", "3", {}); },
+      [&] { editor.setBold(anyBlock(), upTo(2) == 1); },
+      [&] { editor.setColumnWidth(upTo(3), 3 + upTo(3), upTo(20)); },
+      [&] { editor.hideRows(upTo(3), 2 + upTo(3), upTo(2) == 1); },
+      [&] { editor.setColumnHeading(upTo(6), "heading"); },
+      [&] { editor.record("Command", [&] { sheet.InsertRange(1, 1, 1, 1, Shift::Rows); }); },
+  };
+  std::vector<std::string> pictures{pictureOf(sheet)};
+  int steps = 0;
+  history.onChange([&] { ++steps; });
+  for (int i = 0; i < 400; ++i) {
+    const int before = steps;
+    edits[random() % std::size(edits)]();
+    if (steps > before) pictures.push_back(pictureOf(sheet));
+  }
+  ASSERT_GT(pictures.size(), 200u);
+  for (size_t i = pictures.size() - 1; i > 0; --i) {
+    const std::string text = history.undoText();
+    history.undo();
+    ASSERT_EQ(pictureOf(sheet), pictures[i - 1]) << "undo of step " << i << ", " << text;
+  }
+  EXPECT_FALSE(history.canUndo());
+  for (size_t i = 1; i < pictures.size(); ++i) {
+    const std::string text = history.redoText();
+    history.redo();
+    ASSERT_EQ(pictureOf(sheet), pictures[i]) << "redo of step " << i << ", " << text;
   }
 }
 
