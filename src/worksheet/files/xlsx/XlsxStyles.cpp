@@ -43,22 +43,9 @@ VerticalAlignment verticalOf(std::string_view name) {
 }
 
 std::uint8_t lineStyle(std::string_view name) {
-  constexpr std::array<std::string_view, 14> styles{"none",
-                                                    "thin",
-                                                    "medium",
-                                                    "dashed",
-                                                    "dotted",
-                                                    "thick",
-                                                    "double",
-                                                    "hair",
-                                                    "mediumDashed",
-                                                    "dashDot",
-                                                    "mediumDashDot",
-                                                    "dashDotDot",
-                                                    "mediumDashDotDot",
-                                                    "slantDashDot"};
-  const auto hit = std::find(styles.begin(), styles.end(), name);
-  return hit == styles.end() ? 0 : static_cast<std::uint8_t>(hit - styles.begin());
+  const auto hit = std::find(borderLineNames.begin(), borderLineNames.end(), name);
+  return hit == borderLineNames.end() ? 0
+                                      : static_cast<std::uint8_t>(hit - borderLineNames.begin());
 }
 
 struct Borders {

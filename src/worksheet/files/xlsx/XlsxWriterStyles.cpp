@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "basic/Numbers.h"
+#include "worksheet/files/BuiltinFormats.h"
 #include "worksheet/files/xlsx/XlsxWriterParts.h"
 
 namespace lodex {
@@ -44,22 +45,8 @@ std::string fillElement(const CellFormat& format) {
 }
 
 std::string edgeElement(const char* name, std::uint8_t line) {
-  constexpr std::array<const char*, 14> styles{"none",
-                                               "thin",
-                                               "medium",
-                                               "dashed",
-                                               "dotted",
-                                               "thick",
-                                               "double",
-                                               "hair",
-                                               "mediumDashed",
-                                               "dashDot",
-                                               "mediumDashDot",
-                                               "dashDotDot",
-                                               "mediumDashDotDot",
-                                               "slantDashDot"};
-  if (line == 0 || line >= styles.size()) return std::string("<") + name + "/>";
-  return std::string("<") + name + " style=\"" + styles[line] + "\"/>";
+  if (line == 0 || line >= borderLineNames.size()) return std::string("<") + name + "/>";
+  return std::string("<") + name + " style=\"" + std::string(borderLineNames[line]) + "\"/>";
 }
 
 std::string borderElement(const CellFormat& format) {
