@@ -139,6 +139,16 @@ TEST_F(GridView, ComposedCharactersStartEditing) {
   EXPECT_EQ(cell(1, 1), "\u00e4");
 }
 
+TEST_F(GridView, TheNumberPadTypesAPoint) {
+  click(1, 1);
+  QTest::keyClicks(&table(), "1");
+  QKeyEvent comma(QEvent::KeyPress, Qt::Key_Comma, Qt::KeypadModifier, ",");
+  QApplication::sendEvent(cellEditor(), &comma);
+  QTest::keyClicks(cellEditor(), "5");
+  QTest::keyClick(cellEditor(), Qt::Key_Enter, Qt::KeypadModifier);
+  EXPECT_EQ(cell(1, 1), "1.5");
+}
+
 TEST_F(GridView, KeysMoveAndSelect) {
   struct Step {
     Qt::Key key;

@@ -10,6 +10,11 @@
 
 namespace lodex {
 
+QString typedText(const QKeyEvent& key) {
+  const bool pad = (key.modifiers() & Qt::KeypadModifier) != 0;
+  return pad && key.text() == QLatin1String(",") ? QStringLiteral(".") : key.text();
+}
+
 GridDelegate::GridDelegate(GridTable& table) : QStyledItemDelegate(&table), table_(table) {}
 
 QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
@@ -78,6 +83,10 @@ bool GridDelegate::eventFilter(QObject* object, QEvent* event) {
   if (line != nullptr && event->type() == QEvent::KeyPress) {
     const auto* key = static_cast<QKeyEvent*>(event);
     if (endingKey(line, key->key(), key->modifiers())) return true;
+    if (typedText(*key) != key->text()) {
+      line->insert(typedText(*key));
+      return true;
+    }
   }
   return QStyledItemDelegate::eventFilter(object, event);
 }
@@ -113,7 +122,8 @@ bool GridDelegate::endingKey(QLineEdit* line, int key, Qt::KeyboardModifiers mod
     default:
       break;
   }
-  if (!typed_ || modifiers != Qt::NoModifier || line->text().startsWith(QLatin1Char('='))) {
+  if (!typed_ || (modifiers & ~Qt::KeypadModifier) != Qt::NoModifier ||
+      line->text().startsWith(QLatin1Char('='))) {
     return false;
   }
   switch (key) {

@@ -3,11 +3,16 @@
 #include <QStyledItemDelegate>
 #include <optional>
 
+class QKeyEvent;
 class QLineEdit;
 
 namespace lodex {
 
 class GridTable;
+
+/// The text that a key types. The decimal key of the number pad gives a point on every keyboard,
+/// since numbers are written with one.
+QString typedText(const QKeyEvent& key);
 
 /// The line in which a cell is edited. Enter, Tab and, while a cell is being filled by typing, the
 /// arrow keys end it and move on; Esc cancels.

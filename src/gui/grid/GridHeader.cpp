@@ -69,14 +69,22 @@ void GridHeader::mouseMoveEvent(QMouseEvent* event) {
     resizeSection(dragged_ - 1, std::max(2, event->pos().x() - start));
     table_.viewport()->update();
   } else if (drag_ == Drag::Select) {
-    const int index = indexAtPos(event->pos());
-    if (index >= 1 && index != dragged_) {
+    const int index = draggedIndex(event->pos());
+    if (index >= 1 && index <= count() && index != dragged_) {
       dragged_ = index;
       emit draggedOver(index);
     }
   } else {
     setCursor(edgeAt(event->pos()) > 0 ? Qt::SplitHCursor : Qt::ArrowCursor);
   }
+}
+
+// Beyond the edge the next section that cannot be seen yet.
+int GridHeader::draggedIndex(const QPoint& pos) const {
+  const int end = orientation() == Qt::Horizontal ? viewport()->width() : viewport()->height();
+  const int at = std::clamp(along(pos), 0, std::max(0, end - 1));
+  const int index = indexAtPos(QPoint(at, at));
+  return along(pos) >= end ? index + 1 : along(pos) < 0 ? index - 1 : index;
 }
 
 void GridHeader::mouseReleaseEvent(QMouseEvent*) {

@@ -32,6 +32,7 @@ class GridHeader : public QHeaderView {
   enum class Drag { None, Select, Resize };
   int along(const QPoint& pos) const;
   int indexAtPos(const QPoint& pos) const;
+  int draggedIndex(const QPoint& pos) const;
   /// The column whose right edge is at the position, 0 for none.
   int edgeAt(const QPoint& pos) const;
   void paintSections(QPainter& painter, int first, int shift, int end);

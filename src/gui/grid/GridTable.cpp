@@ -26,6 +26,14 @@ void scrollBarTo(QScrollBar& bar, int value) {
   bar.setValue(value);
 }
 
+// Scrolls as little as makes a section visible between two pixels of the viewport.
+void bringIntoView(QScrollBar& bar, int at, int size, int start, int end) {
+  int value = bar.value();
+  if (at + size - value > end) value = at + size - end;
+  if (at - value < start) value = at - start;
+  scrollBarTo(bar, value);
+}
+
 // A header that draws nothing does not count the places of a million sections after each change.
 class QuietHeader {
  public:
@@ -91,10 +99,14 @@ void GridTable::connectHeaders() {
     cursor_.selectRows(extend ? cursor_.active().row : index, index);
     emit cellPressed(index, 0);
   });
-  connect(columns_, &GridHeader::draggedOver, this,
-          [this](int index) { cursor_.selectColumns(cursor_.active().column, index); });
-  connect(rows_, &GridHeader::draggedOver, this,
-          [this](int index) { cursor_.selectRows(cursor_.active().row, index); });
+  connect(columns_, &GridHeader::draggedOver, this, [this](int index) {
+    cursor_.selectColumns(cursor_.active().column, index);
+    showColumn(index);
+  });
+  connect(rows_, &GridHeader::draggedOver, this, [this](int index) {
+    cursor_.selectRows(cursor_.active().row, index);
+    showRow(index);
+  });
   connect(columns_, &GridHeader::doubleClicked, this,
           [this](int index) { emit headingEditRequested(Qt::Horizontal, index); });
   connect(rows_, &GridHeader::doubleClicked, this,
@@ -367,22 +379,23 @@ void GridTable::scrollTo(const QModelIndex& index, ScrollHint) {
 }
 
 void GridTable::showCell(CellPlace place) {
-  if (place.row > rows_->count() || place.column > columns_->count()) return;
-  const auto show = [](QScrollBar* bar, int at, int size, int start, int end) {
-    int value = bar->value();
-    if (at + size - value > end) value = at + size - end;
-    if (at - value < start) value = at - start;
-    scrollBarTo(*bar, value);
-  };
-  const int row = place.row - 1;
+  showRow(place.row);
+  showColumn(place.column);
+}
+
+void GridTable::showRow(int row) {
+  if (row < 1 || row > rows_->count()) return;
   const int frozen = frozenHeight();
-  if (rows_->sectionPosition(row) + rows_->sectionSize(row) > frozen) {
-    show(verticalScrollBar(), rows_->sectionPosition(row), rows_->sectionSize(row), frozen,
-         viewport()->height());
-  }
-  const int column = place.column - 1;
-  show(horizontalScrollBar(), columns_->sectionPosition(column), columns_->sectionSize(column), 0,
-       viewport()->width());
+  const int at = rows_->sectionPosition(row - 1);
+  const int size = rows_->sectionSize(row - 1);
+  if (at + size > frozen)
+    bringIntoView(*verticalScrollBar(), at, size, frozen, viewport()->height());
+}
+
+void GridTable::showColumn(int column) {
+  if (column < 1 || column > columns_->count()) return;
+  bringIntoView(*horizontalScrollBar(), columns_->sectionPosition(column - 1),
+                columns_->sectionSize(column - 1), 0, viewport()->width());
 }
 
 void GridTable::updateGeometries() {

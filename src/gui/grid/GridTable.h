@@ -42,6 +42,8 @@ class GridTable : public QTableView {
   /// The cell at a place of the viewport; the nearest one for a place outside.
   CellPlace cellAt(const QPoint& pos) const;
   void showCell(CellPlace place);
+  void showRow(int row);
+  void showColumn(int column);
 
   int widthInPixels(double characters) const;
   double widthInCharacters(int pixels) const;

@@ -312,7 +312,7 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
     default:
       break;
   }
-  const QString text = event->text();
+  const QString text = typedText(*event);
   const bool printable = !text.isEmpty() && text.front().isPrint() && !(control && !alt);
   if (!printable) {
     event->ignore();
