@@ -349,6 +349,169 @@
     </message>
 </context>
 <context>
+    <name>EditHistory</name>
+    <message>
+        <source>Typing</source>
+        <translation>kirjoitus</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>poisto</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>tyhjennys</translation>
+    </message>
+    <message>
+        <source>Cut</source>
+        <translation>leikkaus</translation>
+    </message>
+    <message>
+        <source>Paste</source>
+        <translation>liittäminen</translation>
+    </message>
+    <message>
+        <source>Paste values</source>
+        <translation>arvojen liittäminen</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>siirto</translation>
+    </message>
+    <message>
+        <source>Fill</source>
+        <translation>täyttö</translation>
+    </message>
+    <message>
+        <source>Fill down</source>
+        <translation>täyttö alas</translation>
+    </message>
+    <message>
+        <source>Fill right</source>
+        <translation>täyttö oikealle</translation>
+    </message>
+    <message>
+        <source>Sort</source>
+        <translation>lajittelu</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>korvaus</translation>
+    </message>
+    <message>
+        <source>Replace all</source>
+        <translation>kaikkien korvaus</translation>
+    </message>
+    <message>
+        <source>Insert rows</source>
+        <translation>rivien lisäys</translation>
+    </message>
+    <message>
+        <source>Delete rows</source>
+        <translation>rivien poisto</translation>
+    </message>
+    <message>
+        <source>Insert columns</source>
+        <translation>sarakkeiden lisäys</translation>
+    </message>
+    <message>
+        <source>Delete columns</source>
+        <translation>sarakkeiden poisto</translation>
+    </message>
+    <message>
+        <source>Insert cells</source>
+        <translation>solujen lisäys</translation>
+    </message>
+    <message>
+        <source>Delete cells</source>
+        <translation>solujen poisto</translation>
+    </message>
+    <message>
+        <source>Bold</source>
+        <translation>lihavointi</translation>
+    </message>
+    <message>
+        <source>Italic</source>
+        <translation>kursivointi</translation>
+    </message>
+    <message>
+        <source>Underline</source>
+        <translation>alleviivaus</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>fontti</translation>
+    </message>
+    <message>
+        <source>Text colour</source>
+        <translation>tekstin väri</translation>
+    </message>
+    <message>
+        <source>Number format</source>
+        <translation>lukumuoto</translation>
+    </message>
+    <message>
+        <source>Alignment</source>
+        <translation>tasaus</translation>
+    </message>
+    <message>
+        <source>Wrap text</source>
+        <translation>tekstin rivitys</translation>
+    </message>
+    <message>
+        <source>Borders</source>
+        <translation>reunaviivat</translation>
+    </message>
+    <message>
+        <source>Column width</source>
+        <translation>sarakkeen leveys</translation>
+    </message>
+    <message>
+        <source>Hide rows</source>
+        <translation>rivien piilotus</translation>
+    </message>
+    <message>
+        <source>Show rows</source>
+        <translation>rivien näyttäminen</translation>
+    </message>
+    <message>
+        <source>Hide columns</source>
+        <translation>sarakkeiden piilotus</translation>
+    </message>
+    <message>
+        <source>Show columns</source>
+        <translation>sarakkeiden näyttäminen</translation>
+    </message>
+    <message>
+        <source>Freeze rows</source>
+        <translation>rivien kiinnitys</translation>
+    </message>
+    <message>
+        <source>Unfreeze rows</source>
+        <translation>rivien vapautus</translation>
+    </message>
+    <message>
+        <source>Column heading</source>
+        <translation>sarakkeen otsikko</translation>
+    </message>
+    <message>
+        <source>Row heading</source>
+        <translation>rivin otsikko</translation>
+    </message>
+    <message>
+        <source>Rename sheet</source>
+        <translation>taulukon nimeäminen</translation>
+    </message>
+    <message>
+        <source>Insert sheet</source>
+        <translation>taulukon lisäys</translation>
+    </message>
+    <message>
+        <source>Delete sheet</source>
+        <translation>taulukon poisto</translation>
+    </message>
+</context>
+<context>
     <name>MDIMain</name>
     <message>
         <source>Lodex Geo</source>
@@ -3563,11 +3726,11 @@
     </message>
     <message>
         <source>&amp;Undo %1</source>
-        <translation>&amp;Kumoa %1</translation>
+        <translation>&amp;Kumoa: %1</translation>
     </message>
     <message>
         <source>&amp;Redo %1</source>
-        <translation>Tee &amp;uudelleen %1</translation>
+        <translation>Tee &amp;uudelleen: %1</translation>
     </message>
     <message>
         <source>&amp;Fill</source>
