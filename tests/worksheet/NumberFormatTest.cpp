@@ -162,5 +162,24 @@ TEST(NumberFormat, KnowsDates) {
   }
 }
 
+TEST(NumberFormat, TellsTheColourOfANumber) {
+  struct Case {
+    double number;
+    const char* format;
+    int color;  // -1: none
+  };
+  for (const Case& row : std::initializer_list<Case>{{-1, "0;[Red]-0", 0xFF0000},
+                                                     {1, "0;[Red]-0", -1},
+                                                     {1, "[blue]0", 0x0000FF},
+                                                     {5, "[>3][Green]0;[Magenta]0", 0x00FF00},
+                                                     {2, "[>3][Green]0;[Magenta]0", 0xFF00FF},
+                                                     {1, "[Color 5]0", -1},
+                                                     {1, "General", -1}}) {
+    const auto color = formattedColor(Value(row.number), row.format);
+    EXPECT_EQ(color.value_or(-1), row.color) << row.number << " as " << row.format;
+  }
+  EXPECT_FALSE(formattedColor(Value::text("x"), "[Red]0"));
+}
+
 }  // namespace
 }  // namespace lodex
