@@ -1,5 +1,6 @@
 // The thesaurus: its rules at work and its editor.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "basic/Error.h"
 #include "import/ImportFixture.h"
@@ -134,6 +135,23 @@ TEST_F(Thesaurus, SaveAsDefaultIsNotedInTheIni) {
   EXPECT_EQ(GetIni(path("user.ini"), "Thesaurus", "File"),
             session.record.GeoPath + "\\ini\\DefSynonLib.txt");
   EXPECT_TRUE(pathExists(path("ini/DefSynonLib.txt")));
+}
+
+TEST_F(Thesaurus, TheDefaultOfOthersGetsACopyOfTheUser) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs the right to become another user";
+  std::filesystem::create_directories(folder / "home/ini");
+  std::filesystem::permissions(folder / "home/ini", std::filesystem::perms::all);
+  writeFileWhole(path("shared.txt"), "as it was");
+  session.record.UserPath = path("home");
+  session.record.UserIni = path("home/ini/user.ini");
+  session.record.ThesaurusFile = path("shared.txt");
+  addRule({"Fe", "HEADER"});
+  ASSERT_EQ(::seteuid(65534), 0);
+  thesaurus.mnuSaveDefault.click();
+  ASSERT_EQ(::seteuid(0), 0);
+  EXPECT_EQ(readFile(path("shared.txt")), "as it was");
+  EXPECT_TRUE(pathExists(path("home/ini/SynonLib.txt")));
+  EXPECT_EQ(GetIni(path("home/ini/user.ini"), "Thesaurus", "File"), "+ini\\SynonLib.txt");
 }
 
 }  // namespace
