@@ -29,8 +29,7 @@ struct CalcOptions {
   std::string group;
   std::vector<std::string> methods;
   std::string out;
-  std::string thesaurus;
-  bool noThesaurus = false;
+  ReadingChoice reading;
   bool askRefs = false;
 };
 
@@ -179,7 +178,7 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
   requireGoodTarget(options.out);
   requireOtherFile(options.out, options.files);
   requireNoDatabase(options.files);
-  ImportConsole console(context, {options.thesaurus, options.noThesaurus});
+  ImportConsole console(context, options.reading);
   Session& session = console.session();
   CalculationGroup group;
   loadGroup(group, options.group, session.record);
@@ -240,9 +239,7 @@ void addCalcCommand(CLI::App& app, CommandContext& context) {
   command->add_option(
       "--out", options->out,
       "save the results (.xls, .xlsx; .txt or .csv for one method) instead of printing");
-  auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");
-  command->add_flag("--no-thesaurus", options->noThesaurus, "understand only headings with a unit")
-      ->excludes(thesaurus);
+  addReadingOptions(*command, options->reading);
   // Several values would swallow the files that follow.
   command->get_option("--method")->allow_extra_args(false);
   command->callback([options, files, database, &context] {

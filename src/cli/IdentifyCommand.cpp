@@ -18,11 +18,9 @@ namespace {
 struct IdentifyOptions {
   std::vector<std::string> files;
   std::string out;
-  std::string thesaurus;
-  bool noThesaurus = false;
+  ReadingChoice reading;
   bool methodFromFile = false;
   bool showLog = false;
-  int headerRow = 1;
 };
 
 FileType kindOf(const std::string& path) {
@@ -93,7 +91,7 @@ void saveSheets(DataSheets& sheets, const std::string& path, FileType kind) {
 
 void runIdentify(const IdentifyOptions& options, CommandContext& context) {
   const FileType kind = options.out.empty() ? FileType::Unknown : kindOf(options.out);
-  ImportConsole console(context, {options.thesaurus, options.noThesaurus});
+  ImportConsole console(context, options.reading);
   DataSheets& sheets = console.sheets();
   sheets.chkFILEISMET.setChecked(options.methodFromFile);
 
@@ -103,7 +101,6 @@ void runIdentify(const IdentifyOptions& options, CommandContext& context) {
                 std::to_string(sheets.DataSheetCount()) + " sheets as .xls or .xlsx");
   }
   if (sheets.DataSheetCount() > 0) {
-    console.setHeaderRow(options.headerRow);
     console.identify();
     for (int number = 1; number <= sheets.DataSheetCount(); ++number) {
       printSheet(context.out, sheets.sheet(number));
@@ -127,13 +124,9 @@ void addIdentifyCommand(CLI::App& app, CommandContext& context) {
   command->add_option("FILES", options->files, "workbooks and text files")->required();
   command->add_option("--out", options->out,
                       "save the described sheets (.txt for one sheet, .xls, .xlsx)");
-  auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");
-  command->add_flag("--no-thesaurus", options->noThesaurus, "understand only headings with a unit")
-      ->excludes(thesaurus);
+  addReadingOptions(*command, options->reading);
   command->add_flag("--method-from-file", options->methodFromFile,
                     "the name of the file is the method of columns without one");
-  command->add_option("--header-row", options->headerRow, "row of the headings, from 1")
-      ->check(CLI::PositiveNumber);
   command->add_flag("--log", options->showLog, "print the log of the identification");
   command->callback([options, &context] { runIdentify(*options, context); });
 }

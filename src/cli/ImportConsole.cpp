@@ -1,5 +1,6 @@
 #include "cli/ImportConsole.h"
 
+#include <CLI/CLI.hpp>
 #include <ostream>
 
 #include "basic/Error.h"
@@ -8,8 +9,8 @@
 namespace lodex {
 namespace {
 
-std::string thesaurusPath(const ThesaurusChoice& choice, const SessionRecord& record) {
-  if (!choice.path.empty()) return choice.path;
+std::string thesaurusPath(const ReadingChoice& choice, const SessionRecord& record) {
+  if (!choice.thesaurus.empty()) return choice.thesaurus;
   if (!record.ThesaurusFile.empty()) return record.ThesaurusFile;
   for (const char* name : {"\\ini\\SynonLib.txt", "\\ini\\DefSynonLib.txt"}) {
     if (FileExists(record.GeoPath + name)) return record.GeoPath + name;
@@ -24,16 +25,28 @@ bool wasIdentified(frmDataIN& sheet) {
 
 }  // namespace
 
-ImportConsole::ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus)
+void addReadingOptions(CLI::App& command, ReadingChoice& choice) {
+  auto* thesaurus = command.add_option("--thesaurus", choice.thesaurus, "thesaurus file");
+  command.add_flag("--no-thesaurus", choice.noThesaurus, "understand only headings with a unit")
+      ->excludes(thesaurus);
+  command.add_option("--header-row", choice.headerRow, "row of the headings, from 1")
+      ->check(CLI::PositiveNumber);
+  command.add_flag("--decimal-comma", choice.decimalComma,
+                   "in columns of numbers a comma is a decimal point");
+}
+
+ImportConsole::ImportConsole(CommandContext& context, const ReadingChoice& choice)
     : context_(context),
+      choice_(choice),
       console_(context),
       thesaurus_(console_.session()),
       import_{console_.session(), tables_, thesaurus_},
       shell_("MDIMain"),
       sheets_(shell_, import_) {
   tables_.load(session().record.GeoPath + "\\reference");
-  loadThesaurus(thesaurus);
-  sheets_.chkUseThes.setChecked(!thesaurus.none);
+  loadThesaurus();
+  sheets_.chkUseThes.setChecked(!choice.noThesaurus);
+  sheets_.ConvertDecimalCommas = choice.decimalComma;
   sheets_.chkUnIDToUser.setChecked(true);
 }
 
@@ -41,9 +54,9 @@ ImportConsole::~ImportConsole() {
   for (const std::string& line : shortened_) context_.err << line << '\n';
 }
 
-void ImportConsole::loadThesaurus(const ThesaurusChoice& choice) {
-  if (choice.none) return;
-  const std::string path = thesaurusPath(choice, session().record);
+void ImportConsole::loadThesaurus() {
+  if (choice_.noThesaurus) return;
+  const std::string path = thesaurusPath(choice_, session().record);
   if (path.empty()) {
     context_.err << "lodex: there is no thesaurus; only headings with a unit are understood\n";
     return;
@@ -82,17 +95,15 @@ int ImportConsole::open(const std::vector<std::string>& files) {
   return failed;
 }
 
-void ImportConsole::setHeaderRow(int row) {
+void ImportConsole::useHeaderRow(frmDataIN& sheet) {
+  const int row = choice_.headerRow;
   if (row <= 1) return;
-  for (int number = 1; number <= sheets_.DataSheetCount(); ++number) {
-    frmDataIN& sheet = sheets_.sheet(number);
-    if (row > sheet.F1D.LastRow()) {
-      throw Error(sheet.caption() + " has no row " + std::to_string(row) + " for headings");
-    }
-    sheet.F1D.DeleteRange(1, 1, row - 1, 1, Shift::Rows);
-    context_.err << "lodex: " << sheet.caption() << ": row " << row
-                 << " is the heading; the rows above it are left out\n";
+  if (row > sheet.F1D.LastRow()) {
+    throw Error(sheet.caption() + " has no row " + std::to_string(row) + " for headings");
   }
+  sheet.F1D.DeleteRange(1, 1, row - 1, 1, Shift::Rows);
+  context_.err << "lodex: " << sheet.caption() << ": row " << row
+               << " is the heading; the rows above it are left out\n";
 }
 
 // In the heading each unit does what it does in a heading that was written with its unit.
@@ -117,6 +128,7 @@ void ImportConsole::identify() {
   if (sheets_.DataSheetCount() == 0) return;
   std::vector<bool> identifiedBefore;  // by number, from 0
   for (int number = 1; number <= sheets_.DataSheetCount(); ++number) {
+    useHeaderRow(sheets_.sheet(number));
     joinUnits(sheets_.sheet(number));
     identifiedBefore.push_back(wasIdentified(sheets_.sheet(number)));
   }

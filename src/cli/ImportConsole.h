@@ -7,18 +7,28 @@
 #include "cli/CliSession.h"
 #include "import/DataSheets.h"
 
+namespace CLI {
+class App;
+}
+
 namespace lodex {
 
-struct ThesaurusChoice {
-  std::string path;   // empty: the one of the settings
-  bool none = false;  // understand only headings with a unit
+/// How analysis files are read and identified.
+struct ReadingChoice {
+  std::string thesaurus;     // its file; empty: the one of the settings
+  bool noThesaurus = false;  // understand only headings with a unit
+  int headerRow = 1;         // the rows above it are left out
+  bool decimalComma = false;
 };
+
+/// The options of a command that fill the choice, which must live as long as the command.
+void addReadingOptions(CLI::App& command, ReadingChoice& choice);
 
 /// The import without a screen, as the commands that read analysis files share it: a session, the
 /// reference tables, a thesaurus and the list of data sheets.
 class ImportConsole {
  public:
-  ImportConsole(CommandContext& context, const ThesaurusChoice& thesaurus);
+  ImportConsole(CommandContext& context, const ReadingChoice& choice);
   /// Tells once more which files were too long, behind all that was printed meanwhile.
   ~ImportConsole();
   ImportConsole(const ImportConsole&) = delete;
@@ -29,10 +39,9 @@ class ImportConsole {
   void openOne(const std::string& file);
   /// Opens one file after the other; what cannot be opened is reported. Returns how many failed.
   int open(const std::vector<std::string>& files);
-  /// Makes this row the heading of all open sheets (rows count from 1); the rows above it go.
-  void setHeaderRow(int row);
-  /// Identifies all open sheets. A row of units below the headings is joined to them first. Sheets
-  /// that were identified and saved before keep what their system rows say of marked columns.
+  /// Identifies all open sheets. The chosen row becomes the heading, and a row of units below the
+  /// headings is joined to them first. Sheets that were identified and saved before keep what their
+  /// system rows say of marked columns.
   void identify();
   /// Prints a pane of the log to standard error, each line behind `prefix`.
   void printLines(const std::string& pane, const std::string& prefix) const;
@@ -45,9 +54,11 @@ class ImportConsole {
 
  private:
   void joinUnits(frmDataIN& sheet);
-  void loadThesaurus(const ThesaurusChoice& choice);
+  void loadThesaurus();
+  void useHeaderRow(frmDataIN& sheet);
 
   CommandContext& context_;
+  const ReadingChoice choice_;
   CliSession console_;
   taulukot tables_;
   frmSynonLib thesaurus_;

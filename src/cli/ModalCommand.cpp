@@ -32,6 +32,7 @@ struct ModalOptions {
   std::string out;
   std::string minerals;
   std::string sheet;
+  ReadingChoice reading;
   bool allTotal = false;
   bool report = false;
   int digits = -1;  // -1: as the set-up says
@@ -248,6 +249,7 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   if (options.database.empty()) {
     console.openOne(options.assays);
     console.identify();
+    console.printLines(session.log.txtErr.text(), "lodex: ");
     request.assays = sourceOf(chooseSheet(console.sheets(), options, context.err));
     session.log.clear();
   } else {
@@ -300,7 +302,7 @@ void requireGoodTarget(const ModalOptions& options) {
 
 void runModal(const ModalOptions& options, CommandContext& context) {
   if (!options.out.empty()) requireGoodTarget(options);
-  ImportConsole console(context, {});
+  ImportConsole console(context, options.reading);
   LoadedSetUp setUp = loadSetUp(options);
   const std::string report = reportOf(setUp);
   if (options.report) {
@@ -327,6 +329,7 @@ void addModalCommand(CLI::App& app, CommandContext& context) {
                       "workbook to save; without it <source>_modal.xls in the current folder");
   command->add_option("--minerals", options->minerals, "the mineral database");
   command->add_option("--sheet", options->sheet, "sheet of the assay file")->needs(assays);
+  addReadingOptions(*command, options->reading);
   command->add_flag("--all-total", options->allTotal, "every method dissolves all of a mineral");
   command->add_option("--digits", options->digits, "decimals of the amounts")
       ->check(CLI::Range(0, 22));

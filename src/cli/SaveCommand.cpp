@@ -16,15 +16,14 @@ namespace {
 struct SaveOptions {
   std::vector<std::string> files;
   std::string database;
-  std::string thesaurus;
-  bool noThesaurus = false;
+  ReadingChoice reading;
   bool merge = false;
   bool overwrite = false;
   bool showLog = false;
 };
 
 void runSave(const SaveOptions& options, CommandContext& context) {
-  ImportConsole console(context, {options.thesaurus, options.noThesaurus});
+  ImportConsole console(context, options.reading);
   const int failed = console.open(options.files);
   // Half of the files is not what was asked for.
   requireAllOpened(failed, options.files.size());
@@ -69,9 +68,7 @@ void addSaveCommand(CLI::App& app, CommandContext& context) {
   command->add_flag("--merge", options->merge,
                     "look samples up by their key; fill fields that are empty");
   command->add_flag("--overwrite", options->overwrite, "merge, and replace values that are there");
-  auto* thesaurus = command->add_option("--thesaurus", options->thesaurus, "thesaurus file");
-  command->add_flag("--no-thesaurus", options->noThesaurus, "understand only headings with a unit")
-      ->excludes(thesaurus);
+  addReadingOptions(*command, options->reading);
   command->add_flag("--log", options->showLog, "print the log of the saving");
   command->callback([options, &context] { runSave(*options, context); });
 }

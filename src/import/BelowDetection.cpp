@@ -2,6 +2,7 @@
 
 #include "basic/Numbers.h"
 #include "basic/Text.h"
+#include "import/NumberColumns.h"
 
 namespace lodex {
 
@@ -14,20 +15,13 @@ std::optional<double> halfOfLimit(std::string_view text) {
 }
 
 int convertBelowDetection(const DescribedSheet& sheet) {
-  if (!sheet.has(sysrow::Identified) || sheet.structure.firstDataRow == 0) return 0;
-  Worksheet& cells = sheet.cells;
   int converted = 0;
-  for (int column = 2; column <= cells.LastCol(); ++column) {
-    if (!sheet.text(sysrow::Identified, column).starts_with("X(")) continue;
-    for (int row = sheet.structure.firstDataRow; row <= cells.LastRow(); ++row) {
-      const Value value = cells.ValueRC(row, column);
-      if (value.kind() != ValueKind::Text) continue;
-      const auto half = halfOfLimit(value.asText());
-      if (!half) continue;
-      cells.NumberRC(row, column, *half);
-      ++converted;
-    }
-  }
+  forEachTextAmongNumbers(sheet, [&](int row, int column, const std::string& text) {
+    const auto half = halfOfLimit(text);
+    if (!half) return;
+    sheet.cells.NumberRC(row, column, *half);
+    ++converted;
+  });
   return converted;
 }
 

@@ -7,6 +7,7 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "import/BelowDetection.h"
+#include "import/DecimalCommas.h"
 
 namespace lodex {
 namespace {
@@ -256,6 +257,25 @@ void DataSheets::convertLimits(frmDataIN& sheet) {
   sheet.gridF1D.refresh();
 }
 
+void DataSheets::treatDecimalCommas(frmDataIN& sheet) {
+  SheetStructure structure = sheet.structure();
+  const DescribedSheet described{sheet.F1D, structure};
+  frmLog& log = context_.session.log;
+  if (!ConvertDecimalCommas) {
+    const DecimalCommas found = findDecimalCommas(described);
+    if (found.count == 0) return;
+    log.LisaaLog(sheet.caption() + ": " + std::to_string(found.count) +
+                     " values with a comma, such as \"" + found.example +
+                     "\", are text and count as no numbers",
+                 LogKind::Both);
+    return;
+  }
+  const int converted = convertDecimalCommas(described);
+  if (converted == 0) return;
+  log.LisaaLog("-" + std::to_string(converted) + " values with a decimal comma are now numbers");
+  sheet.gridF1D.refresh();
+}
+
 bool DataSheets::IDENTIFY(bool askLog) {
   Session& session = context_.session;
   clearSheet(F1Ref);
@@ -284,6 +304,7 @@ bool DataSheets::IDENTIFY(bool askLog) {
     try {
       sheet->AjaTunnista(request);
       sheet->bIdentified = true;
+      treatDecimalCommas(*sheet);
       if (ConvertBelowDetection) convertLimits(*sheet);
     } catch (const Error& error) {
       session.log.LisaaLog(name + ": " + error.what(), LogKind::Both);

@@ -62,6 +62,9 @@ class DataSheets {
   void TarkastaJaLisaaListaan();
   /// Whether IDENTIFY puts numbers in place of values below a detection limit.
   bool ConvertBelowDetection = false;
+  /// Whether it takes a comma in columns of numbers for a decimal point. Otherwise it
+  /// tells of such values, which are no numbers.
+  bool ConvertDecimalCommas = false;
   /// Identifies the sheets selected in lstI. `askLog` shows the log at the end. False when none
   /// is selected.
   bool IDENTIFY(bool askLog);
@@ -74,6 +77,7 @@ class DataSheets {
   void fillList(ListBox& list, const std::vector<std::string>& names, bool newOnesSelected);
   void makeNamesUnique();
   void convertLimits(frmDataIN& sheet);
+  void treatDecimalCommas(frmDataIN& sheet);
 
   ImportContext& context_;
   std::vector<std::unique_ptr<frmDataIN>> sheets_;

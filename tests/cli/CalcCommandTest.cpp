@@ -61,6 +61,19 @@ TEST_F(CalcCommand, RunsWorkbooksAndItsResultsOpenAgain) {
               HasSubstr("  Old\n    Inputs: Cu %\n    Outputs: Copper\n"));
 }
 
+TEST_F(CalcCommand, ReadsDecimalCommasWhenAsked) {
+  writeMethod("Old.xls", FileType::Excel);
+  writeFileWhole((folder / "a.csv").string(),
+                 "Mine X, 2021;;\nProbe;Cu %;LOI\nA;0,52;1,5\nB;1.5;\nC;<0,01;\n1,5;2;\n");
+  const std::string common =
+      "calc " + quoted("a.csv") + "--header-row 2 --group " + quoted("group");
+  const Outcome plain = runLodex(common + "2>&1");
+  EXPECT_THAT(plain.text, HasSubstr("a: 2 values with a comma, such as \"0,52\", are text"));
+  EXPECT_THAT(plain.text, HasSubstr("\tA\t#VALUE!\n\tB\t3\n"));
+  const Outcome asked = runLodex(common + "--decimal-comma 2>/dev/null");
+  EXPECT_THAT(asked.text, HasSubstr("\t1,5\t4\n\tA\t1.04\n\tB\t3\n\tC\t#VALUE!\n"));
+}
+
 TEST_F(CalcCommand, ResultsGoIntoADatabase) {
   writeMethod("Old.xls", FileType::Excel);
   writeMethod("New.xlsx", FileType::Xlsx);
