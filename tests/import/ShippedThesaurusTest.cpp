@@ -109,6 +109,8 @@ INSTANTIATE_TEST_SUITE_P(
         Heading{"FeOT", "FeOtot", "", "%"}, Heading{"FeO* %", "FeOtot", "", "%"},
         Heading{"FeO (total) wt%", "FeOtot", "", "%"},
         Heading{"FeO (tot) (wt.%)", "FeO", "TOT", "%"}, Heading{"Fe2O3_TOT %", "Fe2O3tot", "", "%"},
+        Heading{"FeO tot. %", "FeO", "TOT", "%"}, Heading{"Fe2O3-T", "Fe2O3tot", "", "%"},
+        Heading{"SiO2 (Gew.%)", "SiO2", "", "%"}, Heading{"MgO Gew.-%", "MgO", "", "%"},
         Heading{"LOI %", "LOI", "", "%"}, Heading{"L.O.I.", "LOI", "", "%"},
         Heading{"H2O+ %", "H2O", "", "%"}, Heading{"H2O- %", "Moisture", "", "%"},
         Heading{"S_LECO", "S", "LECO", "%"}, Heading{"Stot", "S", "TOT", "%"},
