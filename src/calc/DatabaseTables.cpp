@@ -22,8 +22,8 @@ void describeField(Worksheet& cells, const SheetStructure& structure, int column
   set(sysrow::Field, field.name);
   set(sysrow::Type, field.declared);
   const ItemHeading heading = itemHeading(field.name, SymbolEnd::Loose, converter);
-  if (heading.formula.empty()) return;
-  set(sysrow::Element, elementCell(heading));
+  if (heading.formula.empty() && heading.unitFactor == 0) return;
+  set(sysrow::Element, heading.formula.empty() ? heading.form : elementCell(heading));
   set(sysrow::Method, heading.method);
   set(sysrow::Unit, unitCell(heading));
 }

@@ -23,14 +23,14 @@ std::string_view bodyOf(std::string_view heading) {
   return trimBlanks(heading.substr(0, end));
 }
 
+// Without what parts a heading from its unit: "LOI/%", "LOI (%)".
+std::string_view withoutSeparator(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(" _/([,") + 1);
+}
+
 std::string methodName(std::string_view text) {
-  while (!text.empty() && std::string_view(" _/").find(text.front()) != std::string_view::npos) {
-    text.remove_prefix(1);
-  }
-  while (!text.empty() && std::string_view(" _/(,").find(text.back()) != std::string_view::npos) {
-    text.remove_suffix(1);
-  }
-  return toUpper(text);
+  text.remove_prefix(std::min(text.size(), text.find_first_not_of(" _/")));
+  return toUpper(withoutSeparator(text));
 }
 
 // "TOT" stands for no method. On an oxide of iron it says that all iron stands in the column.
@@ -74,7 +74,7 @@ ItemHeading itemHeading(std::string_view text, SymbolEnd end, const CompoundConv
   heading.element = end == SymbolEnd::Strict ? ElementNumberStrict(symbol) : ElementNumber(symbol);
   if (heading.element == 0) {
     // No formula: "Structural height" and "LOI" are names.
-    heading.form = body;
+    heading.form = withoutSeparator(body);
     return heading;
   }
   readForm(heading, converter);

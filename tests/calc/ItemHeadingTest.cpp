@@ -35,6 +35,9 @@ TEST(ItemHeading, ReadsItemsOfMethods) {
            Case{"H2O+ %", Loose, "H2O+", "H2O+", "", 1, 1, false},
            Case{"Au", Loose, "Au", "Au", "", 79, 0, false},
            Case{"Structural height", Loose, "Structural height", "", "", 0, 0, false},
+           Case{"LOI/%", Loose, "LOI", "", "", 0, 1, false},
+           Case{"Sum of Pt (ppb)", Loose, "Sum of Pt", "", "", 0, 10000000, false},
+           Case{"SiO2 [%]", Loose, "SiO2", "SiO2", "", 14, 1, false},
            Case{"%", Loose, "", "", "", 0, 1, false},
        }) {
     const ItemHeading heading = itemHeading(c.text, c.end, converter);
