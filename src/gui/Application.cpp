@@ -11,7 +11,6 @@ namespace lodex {
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName(QStringLiteral("lodexgeo"));
-  setApplicationDisplayName(QStringLiteral("Lodex Geo"));
   setApplicationVersion(QStringLiteral(LODEX_VERSION));
   setDesktopFileName(QStringLiteral("lodexgeo"));
   setWindowIcon(QIcon(QStringLiteral(":/icons/lodexgeo.svg")));
@@ -29,7 +28,7 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 }
 
 void Application::tellFailure(const QString& text) {
-  QMessageBox::critical(activeWindow(), applicationDisplayName(), text);
+  QMessageBox::critical(activeWindow(), QStringLiteral("Lodex Geo"), text);
 }
 
 void Application::requestHelp(const QString& formName) {

@@ -44,6 +44,14 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   });
 }
 
+FormWindow* FormWindow::of(const Form& form) {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    auto* window = qobject_cast<FormWindow*>(widget);
+    if (window && window->form() == &form) return window;
+  }
+  return nullptr;
+}
+
 FormWindow::~FormWindow() {
   if (placed_) rememberPlace(*this);
 }
@@ -98,10 +106,7 @@ void FormWindow::showEvent(QShowEvent* event) {
 void FormViews::watch(Form& form) {
   auto window = std::make_shared<QPointer<FormWindow>>();
   form.onChange([&form, window, this] {
-    if (!form.visible()) {
-      if (form.closed() && *window) (*window)->deleteLater();
-      return;
-    }
+    if (!form.visible()) return;
     if (!*window) *window = new FormWindow(form, parent_);
     if ((*window)->isVisible()) return (*window)->raise();
     (*window)->show();

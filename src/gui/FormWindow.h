@@ -18,6 +18,8 @@ class FormWindow : public QDialog {
   ~FormWindow() override;
 
   Form* form() const { return form_; }
+  /// The window that a form has already, shown or hidden; null if it has none.
+  static FormWindow* of(const Form& form);
   Binding* binding() const { return binding_; }
 
   void reject() override;
@@ -38,7 +40,7 @@ class FormWindow : public QDialog {
   bool dismissing_ = false;
 };
 
-/// Shows and hides windows with forms that are not modal.
+/// Shows and hides windows with forms that are not modal. A window stays until its form ends.
 class FormViews {
  public:
   /// `parent` keeps the windows above itself; it may be null.

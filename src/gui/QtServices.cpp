@@ -78,7 +78,7 @@ QString startFolder(const FileRequest& request) {
 QFileDialog* fileDialog(const FileRequest& request, QWidget* owner) {
   auto* dialog = new QFileDialog(owner);
   dialog->setObjectName(QStringLiteral("fileDialog"));
-  dialog->setWindowTitle(toQt(request.title));
+  if (!request.title.empty()) dialog->setWindowTitle(toQt(request.title));
   dialog->setNameFilters(qtFileFilter(request.filter).split(QStringLiteral(";;")));
   const QString folder = startFolder(request);
   if (!folder.isEmpty()) dialog->setDirectory(folder);
@@ -178,9 +178,14 @@ std::optional<int> QtDialogs::selectFromList(std::string_view title,
 
 void QtDialogs::showModal(Form& form) {
   form.show();
-  FormWindow window(form, owner());
-  window.setWindowModality(Qt::ApplicationModal);
-  window.exec();
+  if (FormWindow* own = FormWindow::of(form)) {
+    own->hide();  // only a hidden window can become modal
+    own->exec();
+  } else {
+    FormWindow window(form, owner());
+    window.setWindowModality(Qt::ApplicationModal);
+    window.exec();
+  }
   if (form.visible()) form.close();
 }
 
@@ -192,6 +197,7 @@ void QtEventPump::pump() {
   constexpr qint64 betweenPumps = 20;  // milliseconds: jobs pump once per row
   if (pumping_ || sincePump_.elapsed() < betweenPumps) return;
   pumping_ = true;
+  modal_ = QApplication::activeModalWidget();
   qApp->installEventFilter(this);
   QCoreApplication::processEvents();
   qApp->removeEventFilter(this);
@@ -200,6 +206,9 @@ void QtEventPump::pump() {
 }
 
 bool QtEventPump::eventFilter(QObject* watched, QEvent* event) {
+  // A question that came up meanwhile, as about a failure, must be answered.
+  QWidget* modal = QApplication::activeModalWidget();
+  if (modal && modal != modal_) return false;
   if (event->type() == QEvent::Close) event->ignore();
   switch (event->type()) {
     case QEvent::MouseButtonPress:
@@ -208,13 +217,14 @@ bool QtEventPump::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Wheel:
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-    case QEvent::Shortcut:
     case QEvent::ShortcutOverride:
     case QEvent::ContextMenu:
     case QEvent::Close:
     case QEvent::Drop:
       // Window-system events pass through the window before they reach the button.
       return qobject_cast<QWidget*>(watched) && watched->objectName() != QLatin1String("cmdAbort");
+    case QEvent::Shortcut:  // goes to actions as well
+      return watched->objectName() != QLatin1String("cmdAbort");
     default:
       return false;
   }

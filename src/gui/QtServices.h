@@ -34,18 +34,22 @@ class QtDialogs : public Dialogs {
 };
 
 /// Runs pending events between two units of a long job. The user can do nothing meanwhile but press
-/// Abort: everything else would work on data that the job is changing.
+/// Abort, and answer a question that comes up: everything else would work on data that the job is
+/// changing.
 class QtEventPump : public QObject, public EventPump {
  public:
   QtEventPump();
   void pump() override;
+  /// Whether a job is waiting for the events that are running now.
+  static bool isPumping() { return pumping_; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   QElapsedTimer sincePump_;
-  bool pumping_ = false;
+  QPointer<QWidget> modal_;  // on show when the pump began
+  inline static bool pumping_ = false;
 };
 
 class QtClipboardText : public Clipboard {

@@ -40,13 +40,13 @@ int main(int argc, char** argv) {
   arguments.process(application);
 
   std::vector<std::string> files;
-  bool taken = !arguments.positionalArguments().isEmpty();
   for (const QString& file : arguments.positionalArguments()) {
     const QString path = QFileInfo(file).absoluteFilePath();
-    taken = taken && SingleInstance::send(QStringLiteral("file;") + path);
-    files.push_back(fromQt(path));
+    const bool taken = SingleInstance::send(QStringLiteral("file;") + path);
+    if (!taken) files.push_back(fromQt(path));
   }
-  if (taken) return 0;  // by the program that runs already
+  // The program that runs already opens them.
+  if (files.empty() && !arguments.positionalArguments().isEmpty()) return 0;
 
   SingleInstance instance;
   QtDialogs dialogs;

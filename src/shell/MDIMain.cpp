@@ -14,6 +14,7 @@ constexpr std::string_view windowTitle = "LodexGeo";
 constexpr std::string_view filesSection = "Files";
 constexpr std::string_view databasesSection = "Session";
 constexpr int readyMilliseconds = 5000;
+constexpr size_t namesInQuestion = 20;  // more would not fit on the screen
 
 bool isDatabase(std::string_view path) {
   return toUpper(path).ends_with("MDB");
@@ -196,7 +197,12 @@ void MDIMain::OfferRecovery() {
   if (!found.empty()) {
     std::string question =
         "Lodex Geo did not end as it should. Copies of edited data sheets were kept:\n";
-    for (const SavedSheet& sheet : found) question += "\n" + sheet.caption;
+    for (size_t i = 0; i < std::min(found.size(), namesInQuestion); ++i) {
+      question += "\n" + found[i].caption;
+    }
+    if (found.size() > namesInQuestion) {
+      question += "\nand " + std::to_string(found.size() - namesInQuestion) + " more";
+    }
     answer = session_.dialogs().messageBox(question + "\n\nDo you want to open them?",
                                            MessageButtons::YesNoCancel, MessageIcon::Question,
                                            "Lodex Geo");

@@ -229,6 +229,35 @@ TEST_F(GuiTest, ModelessFormHasAWindowWhileItIsShown) {
   EXPECT_TRUE(form.closed());
 }
 
+TEST_F(GuiTest, FormWithAWindowOfItsOwnBecomesModalInIt) {
+  QtDialogs screen;
+  FormViews views(nullptr);
+  frmSelectFromList form(dialogs, "List", {"a"});
+  views.watch(form);
+  for (const bool shownBefore : {false, true}) {
+    if (shownBefore) form.show();
+    int windows = 0;
+    QTimer::singleShot(0, [&] {
+      for (QWidget* window : QApplication::topLevelWidgets()) windows += window->isVisible();
+      QWidget* modal = QApplication::activeModalWidget();
+      ASSERT_NE(modal, nullptr);
+      click(*modal, "cmdCancel");
+    });
+    screen.showModal(form);
+    EXPECT_EQ(windows, 1) << "shown before: " << shownBefore;
+    EXPECT_FALSE(form.visible());
+  }
+  // Later it stands beside the others again, also when it is closed and shown in one breath.
+  form.show();
+  form.close();
+  form.show();
+  settle();
+  FormWindow* window = FormWindow::of(form);
+  ASSERT_NE(window, nullptr);
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_FALSE(window->isModal());
+}
+
 TEST(FileFilter, SpeaksQtsLanguage) {
   EXPECT_EQ(qtFileFilter("Text files (*.txt)|*.txt|All files (*.*)|*.*"),
             QStringLiteral("Text files (*.txt);;All files (*)"));

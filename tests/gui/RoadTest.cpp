@@ -1,5 +1,6 @@
 #include <QAction>
 #include <QCheckBox>
+#include <QDialog>
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -7,14 +8,17 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QStatusTipEvent>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <fstream>
 #include <memory>
 
+#include "basic/Files.h"
 #include "db/Recordset.h"
 #include "gui/GuiFixture.h"
 #include "gui/QtServices.h"
@@ -22,6 +26,8 @@
 #include "gui/grid/WorksheetView.h"
 #include "gui/shell/MainWindow.h"
 #include "gui/shell/SheetWindow.h"
+#include "gui/shell/SingleInstance.h"
+#include "gui/shell/TextFileEditor.h"
 
 namespace lodex {
 namespace {
@@ -198,7 +204,7 @@ TEST_F(LongWorkTest, OnlyAbortTakesAClickAndWhatWasDoneStays) {
   running->shell().stages.SetStage(Stage::Calculate);
   settle();
   frmDataIN& sheet = running->shell().sheets.sheet(1);
-  bool aborted = false;
+  bool aborted = false, byKey = false;
   QTimer user;
   QObject::connect(&user, &QTimer::timeout, running.get(), [&] {
     auto* abort = child<QPushButton>(*running->statusBar(), "cmdAbort");
@@ -209,19 +215,92 @@ TEST_F(LongWorkTest, OnlyAbortTakesAClickAndWhatWasDoneStays) {
     QTest::mouseClick(child<QWidget>(*child<QWidget>(*running, "picCalc"), "cmdBack0"),
                       Qt::LeftButton);
     running->windowOf(sheet)->close();
-    QTest::mouseClick(abort, Qt::LeftButton);
+    QTest::keyClick(running.get(), Qt::Key_O, Qt::ControlModifier);
+
+    QStatusTipEvent hint(QStringLiteral("a hint under the mouse"));
+    QApplication::sendEvent(running.get(), &hint);
+    EXPECT_EQ(running->statusBar()->currentMessage(), QString());
+    if (byKey) {
+      QTest::keyClick(running.get(), Qt::Key_Escape);
+    } else {
+      QTest::mouseClick(abort, Qt::LeftButton);
+    }
   });
   user.start(1);
-  running->shell().Calculate();
-  user.stop();
-  ASSERT_TRUE(aborted) << "the work ended before it could be aborted";
-  EXPECT_EQ(running->shell().sheets.DataSheetCount(), 1);
-  EXPECT_EQ(running->shell().stages.stage(), 2);
-  EXPECT_NE(live.log.txtLog.text().find("Aborted"), std::string::npos);
-  const int rows = running->shell().sheets.result.F1D.LastRow();
-  EXPECT_GT(rows, 6);
-  EXPECT_LT(rows, 16000);
-  EXPECT_FALSE(live.progress.visible());
+  for (const bool key : {false, true}) {
+    byKey = key;
+    aborted = false;
+    if (byKey) dialogs.expectMessage("Do you want to reset earlier results?", Answer::Yes);
+    running->activateWindow();  // short cuts are those of the window in front
+    ASSERT_TRUE(QTest::qWaitForWindowActive(running.get()));
+    running->shell().Calculate();
+    ASSERT_TRUE(aborted) << "the work ended before it could be aborted";
+    EXPECT_EQ(running->shell().sheets.DataSheetCount(), 1);
+    EXPECT_EQ(running->shell().stages.stage(), 2);
+    EXPECT_NE(live.log.txtLog.text().find("Aborted"), std::string::npos);
+    const int rows = running->shell().sheets.result.F1D.LastRow();
+    EXPECT_GT(rows, 6);
+    EXPECT_LT(rows, 16000);
+    EXPECT_FALSE(live.progress.visible());
+  }
+}
+
+TEST_F(LongWorkTest, AQuestionThatComesUpMeanwhileCanBeAnswered) {
+  ASSERT_TRUE(running->start());
+  QTest::qWait(30);  // the pump rests between two turns
+  bool answered = false;
+  QTimer::singleShot(0, [&] {
+    QDialog question(running.get());
+    QPushButton yes(QStringLiteral("Yes"), &question);
+    QObject::connect(&yes, &QPushButton::clicked, &question, &QDialog::accept);
+    QTimer::singleShot(0, &question, [&] { QTest::mouseClick(&yes, Qt::LeftButton); });
+    QTimer::singleShot(2000, &question, &QDialog::reject);
+    answered = question.exec() == QDialog::Accepted;
+  });
+  pump.pump();
+  EXPECT_TRUE(answered);
+}
+
+TEST_F(RoadTest, FilesFromOtherProcessesWaitForTheEndOfAJob) {
+  // Not the one that the tester may be running.
+  qputenv("USER", "lodex-test-" + QByteArray::number(QCoreApplication::applicationPid()));
+  SingleInstance instance;
+  MainWindow busy(session, QStringLiteral(LODEX_BIN_DIR), &instance);
+  ASSERT_TRUE(busy.start());
+  session.progress.ShowProgress("Calculating", 1);
+  for (const auto& [name, text] : {std::pair{"rocks.txt", rocks}, std::pair{"notes.txt", notes}}) {
+    Q_EMIT instance.received(QStringLiteral("file;") + toQt(file(name, text)));
+  }
+  settle();
+  EXPECT_EQ(busy.shell().sheets.DataSheetCount(), 0);
+  session.progress.ShowProgress("", 0);
+  QTRY_COMPARE(busy.shell().sheets.DataSheetCount(), 2);
+}
+
+TEST_F(RoadTest, SettingsKeepTheirEncodingAndLineEnds) {
+  const struct {
+    const char* name;
+    const char* before;
+    const char* typed;
+    const char* after;
+  } cases[] = {
+      {"Windows", "[Paths]\r\nData=C:\\N\xE4yte\r\n", "x", "x[Paths]\r\nData=C:\\N\xE4yte\r\n"},
+      {"Windows with a new sign", "a=\xE4\n", "\u03A9",
+       "\u03A9"
+       "a=\u00E4\n"},
+      {"UTF-8", "a=\u00E4\n", "x", "xa=\u00E4\n"},
+      {"UTF-8 with mark",
+       "\xEF\xBB\xBF"
+       "a=b\n",
+       "x", "\xEF\xBB\xBFxa=b\n"},
+  };
+  for (const auto& row : cases) {
+    const std::string path = file("settings.ini", row.before);
+    TextFileEditor editor(toQt(path));
+    child<QPlainTextEdit>(editor, "text")->insertPlainText(QString::fromUtf8(row.typed));
+    ASSERT_TRUE(editor.save()) << row.name;
+    EXPECT_EQ(readFile(path), row.after) << row.name;
+  }
 }
 
 TEST_F(RoadTest, ClosingAsksOnceAndACancelKeepsEverything) {

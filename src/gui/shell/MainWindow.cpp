@@ -17,6 +17,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
@@ -25,6 +26,7 @@
 #include "basic/Files.h"
 #include "gui/Application.h"
 #include "gui/FormLoader.h"
+#include "gui/QtServices.h"
 #include "gui/QtText.h"
 #include "gui/WindowPlaces.h"
 #include "gui/help/HelpWindow.h"
@@ -39,6 +41,7 @@ namespace {
 
 constexpr int noteStays = 5000;           // milliseconds
 constexpr int betweenCopies = 30 * 1000;  // milliseconds
+constexpr int betweenTries = 300;         // milliseconds
 
 const QString raiseText = QStringLiteral("raise");
 
@@ -97,13 +100,12 @@ MainWindow::MainWindow(Session& session, const QString& appFolder, SingleInstanc
     connect(application, &Application::helpRequested, this, &MainWindow::showHelp);
   }
   if (instance_) {
-    connect(instance_, &SingleInstance::received, this, [this](const QString& text) {
-      bringToFront(*shell_);
-      if (text != raiseText) shell_->LinkExecute(fromQt(text));
-    });
+    connect(instance_, &SingleInstance::received, this, &MainWindow::takeText);
+    connect(&tries_, &QTimer::timeout, this, &MainWindow::openReceived);
+    tries_.setSingleShot(true);
   }
   connect(&autosave_, &QTimer::timeout, this, [this] {
-    if (!session_.progress.visible()) shell_->AutosaveNow();
+    if (!isWorking()) shell_->AutosaveNow();
   });
 }
 
@@ -170,6 +172,10 @@ void MainWindow::buildStatusBar() {
   bar->setTextVisible(false);
   auto* abort = new QPushButton(QIcon(QStringLiteral(":/icons/abort.svg")), {}, statusBar());
   abort->setObjectName(QStringLiteral("cmdAbort"));
+  auto* abortKey = new QShortcut(Qt::Key_Escape, abort);
+  abortKey->setContext(Qt::ApplicationShortcut);
+  abortKey->setObjectName(abort->objectName());
+  connect(abortKey, &QShortcut::activated, abort, &QPushButton::click);
   statusBar()->addWidget(info, 1);
   statusBar()->addWidget(bar);
   statusBar()->addWidget(abort);
@@ -265,10 +271,11 @@ void MainWindow::followProgress() {
   session_.progress.onChange([this, bar = QPointer<QProgressBar>(bar)] {
     if (!bar) return;  // the progress line outlives the window
     const bool running = session_.progress.visible();
-    if (running == bar->isVisible()) return;
+    if (running != bar->isHidden()) return;
     bar->setVisible(running);
     if (running) {
       ready_.stop();
+      statusBar()->clearMessage();
       QApplication::setOverrideCursor(Qt::BusyCursor);
     } else {
       QApplication::restoreOverrideCursor();
@@ -339,9 +346,7 @@ void MainWindow::bringToFront(Form& form) {
     activateWindow();
     return;
   }
-  for (QWidget* widget : QApplication::topLevelWidgets()) {
-    auto* window = qobject_cast<FormWindow*>(widget);
-    if (!window || window->form() != &form) continue;
+  if (FormWindow* window = FormWindow::of(form)) {
     window->raise();
     window->activateWindow();
   }
@@ -380,6 +385,30 @@ void MainWindow::tile(Qt::Orientation orientation) {
   }
 }
 
+bool MainWindow::isWorking() const {
+  return session_.progress.visible() || QtEventPump::isPumping();
+}
+
+void MainWindow::takeText(const QString& text) {
+  if (QWidget* question = QApplication::activeModalWidget()) {
+    question->raise();
+    question->activateWindow();
+  } else {
+    bringToFront(*shell_);
+  }
+  if (text == raiseText) return;
+  received_.append(text);
+  if (!tries_.isActive()) openReceived();
+}
+
+// A file that opens under a running job or an open question would change what these work on.
+void MainWindow::openReceived() {
+  while (!received_.isEmpty()) {
+    if (isWorking() || QApplication::activeModalWidget()) return tries_.start(betweenTries);
+    shell_->LinkExecute(fromQt(received_.takeFirst()));
+  }
+}
+
 void MainWindow::openEditor(const QString& path) {
   auto* editor = new TextFileEditor(path, this);
   editor->show();
@@ -400,6 +429,12 @@ void MainWindow::showHelp(const QString& topic) {
   qobject_cast<HelpWindow*>(help_.data())->showTopic(topic);
 }
 
+bool MainWindow::event(QEvent* event) {
+  // A hint would cover the progress and its Abort button.
+  if (event->type() == QEvent::StatusTip && session_.progress.visible()) return true;
+  return QMainWindow::event(event);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
   if (quitting_) return event->accept();
   event->ignore();
@@ -407,7 +442,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls() && !session_.progress.visible()) event->acceptProposedAction();
+  if (event->mimeData()->hasUrls() && !isWorking()) event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {

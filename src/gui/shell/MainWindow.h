@@ -35,6 +35,7 @@ class MainWindow : public QMainWindow {
   SheetWindow* windowOf(const Form& form) const;
 
  protected:
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -51,8 +52,11 @@ class MainWindow : public QMainWindow {
   void arrange(Arrangement arrangement);
   void tile(Qt::Orientation orientation);
   void bringToFront(Form& form);
+  void takeText(const QString& text);
+  void openReceived();
   void openEditor(const QString& path);
   QString topicInFront() const;
+  bool isWorking() const;
   void showHelp(const QString& topic);
   void popUp(const char* list, const QStringList& entries);
   void listWindows();
@@ -65,6 +69,8 @@ class MainWindow : public QMainWindow {
   QLabel* selectionInfo_ = nullptr;
   QTimer ready_;
   QTimer autosave_;
+  QTimer tries_;
+  QStringList received_;  // from other processes, not opened yet
   FormViews views_;
   std::unique_ptr<MDIMain> shell_;
   QPointer<QWidget> help_;

@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QHash>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -12,6 +13,7 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "basic/Text.h"
 #include "gui/QtText.h"
 
 namespace lodex {
@@ -19,11 +21,22 @@ namespace {
 
 constexpr size_t largest = 1 << 20;  // an ini file is small
 
-// Saving what is no text would spoil it.
-QString textOf(const std::string& path) {
-  const std::string content = readFile(path, largest);
-  if (content.find('\0') != std::string::npos) throw FileError(path + " is no text file");
-  return toQt(content);
+constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+
+// The code of Windows where all characters have a place in it, else UTF-8.
+std::string toOldCode(const QString& text) {
+  QHash<QChar, char> codes;
+  for (int code = 1; code < 256; ++code) {
+    const char byte = static_cast<char>(code);
+    codes.insert(toQt(fromWindows1252({&byte, 1})).front(), byte);
+  }
+  std::string bytes;
+  for (const QChar character : text) {
+    const auto code = codes.constFind(character);
+    if (code == codes.constEnd()) return fromQt(text);
+    bytes += *code;
+  }
+  return bytes;
 }
 
 }  // namespace
@@ -37,7 +50,7 @@ TextFileEditor::TextFileEditor(const QString& path, QWidget* parent)
   text_->setObjectName(QStringLiteral("text"));
   text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
-  if (pathExists(fromQt(path))) text_->setPlainText(textOf(fromQt(path)));
+  if (pathExists(fromQt(path))) load();
   text_->document()->setModified(false);
   auto* note = new QLabel(tr("%1\nChanges take effect on the next start.")
                               .arg(toQt(pathText(nativePath(fromQt(path))))),
@@ -60,9 +73,28 @@ TextFileEditor::TextFileEditor(const QString& path, QWidget* parent)
           });
 }
 
+// Saving what is no text would spoil it.
+void TextFileEditor::load() {
+  std::string content = readFile(fromQt(path_), largest);
+  if (content.find('\0') != std::string::npos) throw FileError(fromQt(path_) + " is no text file");
+  hasMark_ = content.starts_with(utf8Mark);
+  if (hasMark_) content.erase(0, utf8Mark.size());
+  oldCode_ = !isValidUtf8(content);
+  if (oldCode_) content = fromWindows1252(content);
+  windowsLines_ = content.find("\r\n") != std::string::npos;
+  text_->setPlainText(toQt(content));
+}
+
+std::string TextFileEditor::content() const {
+  QString text = text_->toPlainText();
+  if (windowsLines_) text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+  if (oldCode_) return toOldCode(text);
+  return (hasMark_ ? std::string(utf8Mark) : std::string()) + fromQt(text);
+}
+
 bool TextFileEditor::save() {
   try {
-    writeFileWhole(fromQt(path_), fromQt(text_->toPlainText()));
+    writeFileWhole(fromQt(path_), content());
   } catch (const Error& failure) {
     QMessageBox::critical(this, windowTitle(), toQt(failure.what()));
     return false;
