@@ -184,6 +184,7 @@ TEST_F(CalcCommand, SaysWhatIsWrong) {
   for (const Case& c : {
            Case{file + "--group nowhere", 1, "There is no calculation group nowhere"},
            Case{file + group + "--method Neu", 1, "There is no method Neu"},
+           Case{file + "--group rock --method Neu", 1, "there are: CIPW"},
            Case{file + group + "--out r.pdf", 1, "save results as"},
            Case{"calc " + quoted("gone.txt") + group, 1, "gone.txt"},
            Case{file, 2, "--group is required"},
