@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 #include "basic/Text.h"
 
@@ -120,6 +121,40 @@ DateTime dateOfDay(std::int64_t number) {
   date.month = static_cast<int>(static_cast<unsigned>(day.month()));
   date.day = static_cast<int>(static_cast<unsigned>(day.day()));
   return date;
+}
+
+double momentNumber(const DateTime& date) {
+  const int seconds = date.hour * 3600 + date.minute * 60 + date.second;
+  return static_cast<double>(dayNumber(date)) + seconds / 86400.0;
+}
+
+std::optional<DateTime> dateOfMoment(double number) {
+  constexpr double kFirst = -657434;  // 0100-01-01
+  constexpr double kEnd = 2958466;    // 10000-01-01
+  if (!(number >= kFirst && number < kEnd)) return std::nullopt;
+  const std::int64_t seconds =
+      std::min(std::llround(number * 86400), static_cast<long long>(kEnd) * 86400 - 1);
+  const std::int64_t day = (seconds - (seconds < 0 ? 86399 : 0)) / 86400;
+  const int rest = static_cast<int>(seconds - day * 86400);
+  DateTime date = dateOfDay(day);
+  date.hour = rest / 3600;
+  date.minute = rest / 60 % 60;
+  date.second = rest % 60;
+  return date;
+}
+
+std::optional<DateTime> parseStoredDate(std::string_view text) {
+  const auto hasShape = [&](std::string_view shape) {
+    if (text.size() < shape.size()) return false;
+    for (size_t i = 0; i < shape.size(); ++i) {
+      const bool isDigit = text[i] >= '0' && text[i] <= '9';
+      if (shape[i] == '0' ? !isDigit : text[i] != shape[i]) return false;
+    }
+    return true;
+  };
+  const bool isDay = hasShape("0000-00-00") && (text.size() == 10 || hasShape("0000-00-00 00:00"));
+  const bool isTime = hasShape("00:00:00") && text.size() == 8;
+  return isDay || isTime ? parseDate(text) : std::nullopt;
 }
 
 int weekday(const DateTime& date) {

@@ -32,6 +32,14 @@ std::string dateText(const DateTime& date);
 std::int64_t dayNumber(const DateTime& date);
 DateTime dateOfDay(std::int64_t day);
 
+/// A moment as a number: days since 1899-12-30 with the part of the day behind the point. The way
+/// back, to whole seconds, is empty beyond the years 100 to 9999.
+double momentNumber(const DateTime& date);
+std::optional<DateTime> dateOfMoment(double number);
+
+/// Reads a text only if it has the form of dateText, or is a time alone such as 09:30:00.
+std::optional<DateTime> parseStoredDate(std::string_view text);
+
 /// Day of the week, 1 for Sunday.
 int weekday(const DateTime& date);
 

@@ -1,12 +1,15 @@
 #include "db/MineralCatalogue.h"
 
+#include <utility>
+
 #include "basic/Text.h"
 #include "db/Connection.h"
 #include "db/Recordset.h"
 
 namespace lodex {
 
-MineralCatalogue::MineralCatalogue(std::string_view databasePath) : path_(databasePath) {}
+MineralCatalogue::MineralCatalogue(std::string_view databasePath, ServerIni servers)
+    : path_(databasePath), servers_(std::move(servers)) {}
 MineralCatalogue::~MineralCatalogue() = default;
 
 void MineralCatalogue::HaeMinTieto(std::string_view mineral, std::vector<std::string>& elements,
@@ -15,7 +18,7 @@ void MineralCatalogue::HaeMinTieto(std::string_view mineral, std::vector<std::st
   values.clear();
   if (!records_) {
     auto connection = std::make_unique<Connection>();
-    connection->Open(ConnectionString(path_, "", ""));
+    connection->Open(ConnectionString(path_, "", ""), servers_);
     records_ = connection->OpenRecordset("SELECT * FROM Minerals");
     connection_ = std::move(connection);
   }

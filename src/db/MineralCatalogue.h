@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "db/Servers.h"
+
 namespace lodex {
 
 class Connection;
@@ -14,7 +16,7 @@ class Recordset;
 /// question opens a connection and a recordset, which stay open.
 class MineralCatalogue {
  public:
-  explicit MineralCatalogue(std::string_view databasePath);
+  explicit MineralCatalogue(std::string_view databasePath, ServerIni servers = {});
   ~MineralCatalogue();
 
   /// The formula items of a mineral: names and values of the fields whose name begins with "MF" and
@@ -25,6 +27,7 @@ class MineralCatalogue {
 
  private:
   std::string path_;
+  ServerIni servers_;
   std::unique_ptr<Connection> connection_;
   std::unique_ptr<Recordset> records_;
 };

@@ -5,6 +5,7 @@
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
+#include "db/OpenDatabase.h"
 #include "db/frmConnect.h"
 
 namespace lodex {
@@ -157,13 +158,14 @@ void MDIMain::openMinerals() {
   const std::string& path = session_.record.MineralDbPath;
   importContext.HaeMinTieto = nullptr;
   try {
-    MineralConnection.Open(ConnectionString(path, "", ""));
+    lodex::openDatabase(session_, MineralConnection, path);
   } catch (const Error& error) {
     session_.log.LisaaLog("The mineral database cannot be opened: " + std::string(error.what()),
                           LogKind::Both);
     return;
   }
-  minerals_ = std::make_unique<MineralCatalogue>(path);
+  minerals_ = std::make_unique<MineralCatalogue>(
+      path, ServerIni{session_.record.UserIni, session_.record.MainIni});
   importContext.HaeMinTieto = [this](const std::string& mineral) {
     std::vector<std::string> elements;
     std::vector<std::string> values;

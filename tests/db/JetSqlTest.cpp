@@ -61,6 +61,25 @@ TEST_F(JetSqlTest, ComputesExpressions) {
        "1234.50Sat 450.00%"},
       {"Format(5, '000') & Format(1.5, '0.##') & Format(2, '0.##')", "0051.52"},
       {"Format(#2020-01-31 9:05#, 'yyyy-mm-dd hh:mm')", "2020-01-31 09:05"},
+      {"Format(-1.5, '0.00;(0.00);zero') & Format(0, '0.00;(0.00);\"zero\"')", "(1.50)zero"},
+      {"Format(1.5, 'Currency') & Format(1, 'Yes/No') & Format(False, 'On/Off')", "1.50YesOff"},
+      {"Format(0.00123, 'Scientific') & Format(7, '0 \"days\"') & Format('ab', '>')",
+       "1.23E-037 daysAB"},
+      {"Format(#2020-01-31 15:04#, 'h:nn AM/PM \"hmy\"') & Format(#2020-02-01#, ' ww y')",
+       "3:04 PM hmy 5 32"},
+      {"'1' + '2' & 'a' + Null & ('a' + 'b')", "12ab"},
+      {"'5' + 3 - 1", "7"},
+      {"'a' + 1 Is Null", "-1"},
+      {"#2020-01-31# + 1 & '|' & (#2020-01-31 12:00# - 0.25)", "2020-02-01|2020-01-31 06:00:00"},
+      {"#2020-03-01# - #2020-02-01# & '|' & (#2020-01-01 18:00# - #2020-01-01#) * 24", "29|18"},
+      {"#2020-01-31# + TimeSerial(10, 5, 0)", "2020-01-31 10:05:00"},
+      {"#9999-12-31# + 1 Is Null", "-1"},
+      {"9223372036854775807 + 1 - '0'", "9.22337203685478E+18"},
+      {"Int(#2020-01-31 10:00#) & '|' & CLng(#2020-01-31#) & '|' & CDbl(#1900-01-01 6:00#)",
+       "2020-01-31|43861|2.25"},
+      {"Left('London', 3) = 'LON' And 'A' In ('b', 'a') And 'B' Between 'a' And 'c'", "-1"},
+      {"Hex(255) & Oct(8) & InStrRev('abcAb', 'a') & StrReverse('åb')", "FF104bå"},
+      {"'Pyrite' ALike 'PY*' And 'x' Not ALike 'y%'", "-1"},
       {"CStr(1.0) & Str(2)", "1 2"},
       {"String(3, 'x') & MonthName(2) & WeekdayName(1)", "xxxFebruarySunday"},
       {"Weekday(#2026-11-21#, 2) & TimeSerial(1, 2, 3) & InStr(1, 'aBc', 'b', 1)", "601:02:032"},
@@ -85,6 +104,8 @@ TEST_F(JetSqlTest, ReadsTheQueriesThatUsersWrite) {
   run("INSERT INTO [Sample s] VALUES (2, 'south_1', #12/1/2021#, False)");
   run("INSERT INTO [Sample s] ([No], [Site Name]) VALUES (3, Null)");
   run("INSERT INTO [Assay] VALUES (1, 0.5), (1, 1.5), (2, 7)");
+  std::string sum;
+  for (int i = 0; i < 125; ++i) sum += " + No";
   const struct {
     std::string sql, records;
   } rows[] = {
@@ -105,6 +126,10 @@ TEST_F(JetSqlTest, ReadsTheQueriesThatUsersWrite) {
       {"SELECT TOP 2 * FROM Assay ORDER BY 2 DESC", "2|7;1|1.5"},
       {"SELECT TOP 34 PERCENT No FROM Assay ORDER BY No DESC", "2;1;1"},
       {"SELECT * FROM (SELECT TOP 1 No FROM Assay ORDER BY No) AS a", "1;1"},
+      {"SELECT Count(*) FROM [SELECT DISTINCT No FROM Assay]. AS a", "2"},
+      {"SELECT [SELECT 1].[No] FROM [Assay] AS [SELECT 1] WHERE [SELECT 1].No = 2", "2"},
+      {"SELECT [Day] + 30 FROM [Sample s] WHERE [Day] - 1 = #1/30/2020#", "2020-03-01"},
+      {"SELECT No" + sum + " FROM Assay WHERE No = 2", "252"},
       {"SELECT TOP 1 No FROM Assay WHERE [Cu %] > 1 UNION SELECT No + 10 AS n FROM [Sample s]",
        "1;11;12;13"},
       {"SELECT No * 2 AS twice, twice + 1 AS more, UCase([Site Name]) AS [Site Name] "

@@ -10,22 +10,13 @@ namespace lodex {
 namespace {
 
 constexpr int kMaxDepth = 150;
+constexpr size_t kMaxTerms = 100;  // of one function
 
 constexpr std::array<std::string_view, 34> kReserved{
     "SELECT", "FROM", "WHERE",  "GROUP",     "ORDER", "HAVING", "UNION",   "INNER", "LEFT",
     "RIGHT",  "JOIN", "ON",     "AS",        "PIVOT", "INTO",   "LIMIT",   "AND",   "OR",
     "NOT",    "LIKE", "IN",     "IS",        "SET",   "VALUES", "BETWEEN", "XOR",   "EQV",
     "IMP",    "MOD",  "EXCEPT", "INTERSECT", "CROSS", "WITH",   "OFFSET"};
-
-constexpr std::array<std::string_view, 9> kAggregates{"SUM",   "AVG",    "COUNT", "FIRST", "LAST",
-                                                      "STDEV", "STDEVP", "VAR",   "VARP"};
-
-bool contains(const auto& list, std::string_view word) {
-  for (const auto entry : list) {
-    if (entry == word) return true;
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -79,7 +70,9 @@ void JetReader::expectMark(std::string_view mark) {
 }
 
 bool JetReader::isReserved(size_t ahead) const {
-  return peek(ahead).kind == JetToken::Word && contains(kReserved, toUpper(peek(ahead).text));
+  return peek(ahead).kind == JetToken::Word &&
+         std::find(kReserved.begin(), kReserved.end(), toUpper(peek(ahead).text)) !=
+             kReserved.end();
 }
 
 bool JetReader::isName(size_t ahead) const {
@@ -145,10 +138,10 @@ JetExpressions::Expression JetExpressions::negation() {
 JetExpressions::Expression JetExpressions::comparison() {
   Expression left = joined();
   while (true) {
-    const bool inverted =
-        isWord("NOT") && (isWord("LIKE", 1) || isWord("IN", 1) || isWord("BETWEEN", 1));
+    const bool inverted = isWord("NOT") && (isWord("LIKE", 1) || isWord("ALIKE", 1) ||
+                                            isWord("IN", 1) || isWord("BETWEEN", 1));
     if (inverted) take();
-    if (takeWord("LIKE")) {
+    if (takeWord("LIKE") || takeWord("ALIKE")) {
       left = like(left, inverted);
     } else if (takeWord("IN")) {
       left = among(left, inverted);
@@ -179,7 +172,17 @@ JetExpressions::Expression JetExpressions::compared(Expression left, std::string
     return {held(left, Join) + ((op == "=") == isTrue ? " <> 0" : " = 0"), Compare, "", false,
             true};
   }
-  return {held(left, Join) + " " + op + " " + held(right, Join), Compare, "", false, true};
+  const bool areNames = !left.column.empty() || !right.column.empty();
+  const std::string other = areNames || left.isNumber ? held(right, Join) : caseless(right);
+  return {held(left, Join) + " " + op + " " + other, Compare, "", false, true};
+}
+
+// Fields know how their texts compare; of all else it must be said that case counts not.
+std::string JetExpressions::caseless(const Expression& expression) const {
+  if (target_ == SqlTarget::Server || !expression.column.empty() || expression.isNumber) {
+    return held(expression, Join);
+  }
+  return held(expression, Atom) + " COLLATE NOCASE";
 }
 
 JetExpressions::Expression JetExpressions::like(Expression left, bool inverted) {
@@ -203,7 +206,7 @@ JetExpressions::Expression JetExpressions::like(Expression left, bool inverted) 
 
 JetExpressions::Expression JetExpressions::among(Expression left, bool inverted) {
   expectMark("(");
-  std::string text = held(left, Join) + (inverted ? " NOT IN (" : " IN (");
+  std::string text = caseless(left) + (inverted ? " NOT IN (" : " IN (");
   if (isWord("SELECT")) {
     text += subquery();
     expectMark(")");
@@ -214,7 +217,7 @@ JetExpressions::Expression JetExpressions::among(Expression left, bool inverted)
 }
 
 JetExpressions::Expression JetExpressions::between(Expression left, bool inverted) {
-  std::string text = held(left, Join) + (inverted ? " NOT BETWEEN " : " BETWEEN ");
+  std::string text = caseless(left) + (inverted ? " NOT BETWEEN " : " BETWEEN ");
   text += held(joined(), Join);
   expectWord("AND");
   text += " AND " + held(joined(), Join);
@@ -231,13 +234,42 @@ JetExpressions::Expression JetExpressions::joined() {
 }
 
 JetExpressions::Expression JetExpressions::sum() {
-  Expression left = remainder();
+  std::vector<Expression> terms{remainder()};
+  std::string signs;
   while (isMark("+") || isMark("-")) {
-    const std::string op = take().text;
-    const Expression right = remainder();
-    left = {held(left, Sum) + " " + op + " " + held(right, Mod), Sum};
+    signs += take().text;
+    terms.push_back(remainder());
   }
-  return left;
+  return signs.empty() ? terms[0] : sumOf(terms, signs);
+}
+
+// Texts are joined and dates counted in days. What the values are is often known only when they are
+// there, so that a function decides.
+JetExpressions::Expression JetExpressions::sumOf(const std::vector<Expression>& terms,
+                                                 const std::string& signs) const {
+  const auto isNumber = [](const Expression& term) { return term.isNumber; };
+  const bool numbers = std::all_of(terms.begin(), terms.end(), isNumber);
+  Expression sum;
+  if (target_ == SqlTarget::Server || plainSums_ || numbers) {
+    sum = {held(terms[0], Sum), Sum};
+    for (size_t i = 1; i < terms.size(); ++i) {
+      sum.text += std::string(" ") + signs[i - 1] + " " + held(terms[i], Mod);
+    }
+    sum.isNumber = numbers;
+    const auto isDate = [](const Expression& term) { return term.isDate; };
+    if (plainSums_ && std::any_of(terms.begin(), terms.end(), isDate)) {
+      fail("dates can be counted on in queries only");
+    }
+    return sum;
+  }
+  sum.text = terms[0].text;
+  for (size_t first = 1; first < terms.size(); first += kMaxTerms) {
+    const size_t count = std::min(kMaxTerms, terms.size() - first);
+    sum.text = "JetSum(" + targetText(signs.substr(first - 1, count)) + ", " + sum.text;
+    for (size_t i = first; i < first + count; ++i) sum.text += ", " + terms[i].text;
+    sum.text += ")";
+  }
+  return sum;
 }
 
 JetExpressions::Expression JetExpressions::remainder() {
@@ -246,6 +278,7 @@ JetExpressions::Expression JetExpressions::remainder() {
     const std::string divisor = whole(integerQuotient());
     left = {target_ == SqlTarget::Sqlite ? "(" + whole(left) + " % " + divisor + ")"
                                          : "MOD(" + whole(left) + ", " + divisor + ")"};
+    left.isNumber = true;
   }
   return left;
 }
@@ -256,6 +289,7 @@ JetExpressions::Expression JetExpressions::integerQuotient() {
     const Expression right = product();
     left = {"(" + whole(left) + " / " + whole(right) + ")"};
     if (target_ == SqlTarget::Server) left.text = "TRUNC" + left.text;
+    left.isNumber = true;
   }
   return left;
 }
@@ -267,6 +301,7 @@ JetExpressions::Expression JetExpressions::product() {
     const Expression right = sign();
     // A quotient of whole numbers has decimals too.
     left = {held(left, Product) + (divides ? " * 1.0 / " : " * ") + held(right, Sign), Product};
+    left.isNumber = true;
   }
   return left;
 }
@@ -278,7 +313,8 @@ JetExpressions::Expression JetExpressions::sign() {
   const Expression inner = sign();
   --depth_;
   // Two signs in a row would begin a comment.
-  return {mark == "-" ? "-" + held(inner, Power) : inner.text, mark == "-" ? Sign : inner.level};
+  if (mark == "+") return {inner.text, inner.level, "", false, false, inner.isNumber};
+  return {"-" + held(inner, Power), Sign, "", false, false, true};
 }
 
 JetExpressions::Expression JetExpressions::power() {
@@ -287,6 +323,7 @@ JetExpressions::Expression JetExpressions::power() {
     if (takeMark("^")) {
       const Expression right = isMark("-") ? sign() : atom();
       left = {"power(" + left.text + ", " + right.text + ")"};
+      left.isNumber = true;
     } else if (takeMark("||")) {
       left = {"(" + held(left, Sign) + " || " + held(atom(), Sign) + ")"};
     } else if (target_ == SqlTarget::Sqlite && takeWord("COLLATE")) {
@@ -301,22 +338,30 @@ JetExpressions::Expression JetExpressions::atom() {
   const JetToken& token = peek();
   switch (token.kind) {
     case JetToken::Number:
-      return {take().text};
+      return {take().text, Atom, "", false, false, true};
     case JetToken::Text:
     case JetToken::Quoted:
       return {targetText(take().text)};
     case JetToken::Date:
-      return {(target_ == SqlTarget::Server ? "TIMESTAMP " : "") + targetText(take().text)};
+      return {(target_ == SqlTarget::Server ? "TIMESTAMP " : "") + targetText(take().text),
+              Atom,
+              "",
+              false,
+              false,
+              false,
+              true};
     case JetToken::Name:
     case JetToken::Word:
       return nameOrCall();
     case JetToken::Mark:
       if (takeMark("?")) return {parameter(++parameters_)};
       if (takeMark("(")) {
-        std::string text = isWord("SELECT") ? subquery() : expressionText();
-        while (takeMark(",")) text += ", " + expressionText();
+        Expression inner = isWord("SELECT") ? Expression{subquery()} : expression();
+        bool isList = false;
+        for (; takeMark(","); isList = true) inner.text += ", " + expressionText();
         expectMark(")");
-        return {"(" + text + ")"};
+        inner.text = "(" + inner.text + ")";
+        return {inner.text, Atom, "", false, false, inner.isNumber && !isList, inner.isDate};
       }
       break;
     case JetToken::End:
@@ -403,171 +448,6 @@ JetExpressions::Expression JetExpressions::caseWhen() {
   if (takeWord("ELSE")) text += " ELSE " + expressionText();
   expectWord("END");
   return {text + " END"};
-}
-
-JetExpressions::Expression JetExpressions::aggregate(const std::string& name) {
-  sawAggregate_ = true;
-  const bool distinct = takeWord("DISTINCT");
-  std::string argument = takeMark("*") ? "*" : expressionText();
-  const bool further = isMark(",");
-  if (further && name != "MIN" && name != "MAX") fail("one value is expected here");
-  while (takeMark(",")) argument += ", " + expressionText();
-  expectMark(")");
-  std::string function = name;
-  if (target_ == SqlTarget::Server) {
-    // A server keeps no order of records, so that any of the values is as much the first.
-    if (name == "FIRST") function = "MIN";
-    if (name == "LAST") function = "MAX";
-    if (name == "STDEV") function = "STDDEV_SAMP";
-    if (name == "STDEVP") function = "STDDEV_POP";
-    if (name == "VAR") function = "VAR_SAMP";
-    if (name == "VARP") function = "VAR_POP";
-  }
-  if (!cellCondition_.empty()) {
-    argument =
-        "CASE WHEN " + cellCondition_ + " THEN " + (argument == "*" ? "1" : argument) + " END";
-  }
-  std::string text = function + "(" + (distinct ? "DISTINCT " : "") + argument + ")";
-  if (!cellCondition_.empty() && name == "COUNT") text = "NULLIF(" + text + ", 0)";
-  return {text};
-}
-
-JetExpressions::Expression JetExpressions::call(const std::string& name) {
-  const JetToken place = peek();
-  expectMark("(");
-  if (contains(kAggregates, name) || name == "MIN" || name == "MAX") return aggregate(name);
-  if (name == "CAST") {
-    std::string text = "CAST(" + expressionText();
-    expectWord("AS");
-    text += " AS " + expectName("a type");
-    while (peek().kind == JetToken::Word) text += " " + take().text;
-    if (takeMark("(")) text += "(" + join(arguments(), ", ") + ")";
-    expectMark(")");
-    return {text + ")"};
-  }
-  const std::vector<std::string> list = arguments();
-  const auto need = [&](bool fits) {
-    if (!fits) failAt(sql_, place, name + " does not take this number of values");
-  };
-  if (name == "IIF") {
-    need(list.size() == 3);
-    return {"CASE WHEN " + list[0] + " THEN " + list[1] + " ELSE " + list[2] + " END"};
-  }
-  if (name == "NZ") {
-    need(list.size() == 1 || list.size() == 2);
-    return {"coalesce(" + list[0] + ", " + (list.size() == 2 ? list[1] : "''") + ")"};
-  }
-  if (name == "ISNULL") {
-    need(list.size() == 1);
-    return {"(" + list[0] + ") IS NULL", Compare, "", false, true};
-  }
-  if (name == "SWITCH") {
-    need(!list.empty() && list.size() % 2 == 0);
-    std::string text = "CASE";
-    for (size_t i = 0; i < list.size(); i += 2) {
-      text += " WHEN " + list[i] + " THEN " + list[i + 1];
-    }
-    return {text + " END"};
-  }
-  if (name == "CHOOSE") {
-    need(list.size() >= 2);
-    std::string text = "CASE floor(" + list[0] + ")";
-    for (size_t i = 1; i < list.size(); ++i) {
-      text += " WHEN " + std::to_string(i) + " THEN " + list[i];
-    }
-    return {text + " END"};
-  }
-  if (target_ == SqlTarget::Server) return {serverCall(name, list)};
-  return sqliteCall(name, list);
-}
-
-// Functions that others can stand for; $1, $2 ... are their values.
-JetExpressions::Expression JetExpressions::sqliteCall(const std::string& name,
-                                                      std::vector<std::string> list) {
-  // Where weeks and years begin, as they do when nothing is said.
-  const struct {
-    std::string_view name;
-    size_t count;
-  } kWithWeeks[] = {{"DATEPART", 2}, {"FORMAT", 2}, {"DATEDIFF", 3}, {"WEEKDAY", 1}};
-  for (const auto& known : kWithWeeks) {
-    while (name == known.name && list.size() > known.count &&
-           (list.back() == "0" || list.back() == "1")) {
-      list.pop_back();
-    }
-  }
-  static constexpr struct {
-    std::string_view name;
-    size_t count;
-    std::string_view text;
-  } kTexts[] = {
-      {"DATE", 0, "date('now', 'localtime')"},
-      {"NOW", 0, "datetime('now', 'localtime')"},
-      {"TIME", 0, "time('now', 'localtime')"},
-      {"RND", 0, "(0.5 + random() / 18446744073709551616.0)"},
-      {"RND", 1, "(0.5 + random() / 18446744073709551616.0)"},
-      {"ATN", 1, "atan($1)"},
-      {"CVDATE", 1, "CDate($1)"},
-      {"CDEC", 1, "CDbl($1)"},
-      {"STRING", 2, "printf('%.*c', $1, $2)"},
-      {"STRCOMP", 3, "StrComp($1, $2)"},
-      {"INSTR", 4, "InStr($1, $2, $3)"},
-      {"MONTHNAME", 1, "Format(DateSerial(2000, $1, 1), 'mmmm')"},
-      {"WEEKDAYNAME", 1, "Format(DateSerial(2000, 1, 1 + ($1)), 'dddd')"},
-      {"WEEKDAY", 2, "((Weekday($1) + 7 - ($2)) % 7 + 1)"},
-      {"TIMESERIAL", 3, "time(($1) * 3600 + ($2) * 60 + ($3), 'unixepoch')"},
-      {"TIMEVALUE", 1, "time($1)"},
-      {"FORMATPERCENT", 1, "Format($1, '0.00%')"},
-      {"FORMATNUMBER", 1, "Format($1, '#,##0.00')"},
-      {"LEFT", 2, "[LEFT]($1, $2)"},
-      {"RIGHT", 2, "[RIGHT]($1, $2)"},
-  };
-  for (const auto& known : kTexts) {
-    if (name != known.name || list.size() != known.count) continue;
-    std::string text;
-    for (size_t at = 0; at < known.text.size(); ++at) {
-      if (known.text[at] == '$') {
-        text += list[static_cast<size_t>(known.text[++at] - '1')];
-      } else {
-        text += known.text[at];
-      }
-    }
-    return {text};
-  }
-  return {name + "(" + join(list, ", ") + ")"};
-}
-
-std::string JetExpressions::serverCall(const std::string& name, std::vector<std::string> list) {
-  const struct {
-    std::string_view jet, server;
-  } kSameArguments[] = {{"UCASE", "UPPER"}, {"LCASE", "LOWER"}, {"LEN", "LENGTH"},
-                        {"MID", "SUBSTR"},  {"INT", "FLOOR"},   {"FIX", "TRUNC"},
-                        {"SQR", "SQRT"},    {"LOG", "LN"},      {"SGN", "SIGN"}};
-  for (const auto& known : kSameArguments) {
-    if (name == known.jet) return std::string(known.server) + "(" + join(list, ", ") + ")";
-  }
-  const struct {
-    std::string_view jet, type;
-  } kCasts[] = {{"CDBL", "DOUBLE PRECISION"}, {"CSNG", "REAL"},           {"CLNG", "INTEGER"},
-                {"CINT", "SMALLINT"},         {"CCUR", "NUMERIC(19, 4)"}, {"CSTR", "VARCHAR(255)"},
-                {"CDATE", "TIMESTAMP"}};
-  for (const auto& known : kCasts) {
-    if (name == known.jet && list.size() == 1) {
-      return "CAST(" + list[0] + " AS " + std::string(known.type) + ")";
-    }
-  }
-  const struct {
-    std::string_view jet, part;
-  } kParts[] = {{"YEAR", "YEAR"}, {"MONTH", "MONTH"},   {"DAY", "DAY"},
-                {"HOUR", "HOUR"}, {"MINUTE", "MINUTE"}, {"SECOND", "SECOND"}};
-  for (const auto& known : kParts) {
-    if (name == known.jet && list.size() == 1) {
-      return "EXTRACT(" + std::string(known.part) + " FROM " + list[0] + ")";
-    }
-  }
-  if (name == "LEFT" && list.size() == 2) return "SUBSTR(" + list[0] + ", 1, " + list[1] + ")";
-  if (list.empty() && name == "DATE") return "CURRENT_DATE";
-  if (list.empty() && name == "NOW") return "CURRENT_TIMESTAMP";
-  return name + "(" + join(list, ", ") + ")";
 }
 
 }  // namespace lodex

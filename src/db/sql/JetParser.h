@@ -60,6 +60,8 @@ class JetExpressions : public JetReader {
     std::string column = {};  ///< the name of a plain field, "" for all else
     bool truth = false;       ///< the word True or False
     bool isCondition = false;
+    bool isNumber = false;  ///< certain to be one
+    bool isDate = false;    ///< certain to be one
   };
 
   Expression expression();
@@ -82,6 +84,8 @@ class JetExpressions : public JetReader {
   /// Of TRANSFORM: what aggregates add up counts only where this holds; "" outside.
   std::string cellCondition_;
   int parameters_ = 0;
+  /// Sums stand as they are, for an engine without the functions of the dialect.
+  bool plainSums_ = false;
   /// Names declared by PARAMETERS, the first being number 1.
   std::vector<std::string> parameterNames_;
 
@@ -104,6 +108,8 @@ class JetExpressions : public JetReader {
   Expression among(Expression left, bool inverted);
   Expression between(Expression left, bool inverted);
   Expression compared(Expression left, std::string op);
+  Expression sumOf(const std::vector<Expression>& terms, const std::string& signs) const;
+  std::string caseless(const Expression& expression) const;
   Expression sqliteCall(const std::string& name, std::vector<std::string> list);
   std::string serverCall(const std::string& name, std::vector<std::string> arguments);
   static std::string held(const Expression& expression, Level least);

@@ -32,6 +32,7 @@ class JetParser : public JetQueries {
   }
 
   std::string runExpression() {
+    plainSums_ = true;
     const std::string text = expressionText();
     if (peek().kind != JetToken::End) fail("this cannot stand here");
     return text;

@@ -79,8 +79,9 @@ struct JetStatement {
 JetStatement readJetSql(std::string_view sql, SqlTarget target,
                         ValueNames valueNames = ValueNames::Unused);
 
-/// Reads one expression, such as a default value or a condition, and gives it in the target's SQL.
-/// Throws Error as readJetSql does.
+/// Reads one expression, such as a default value or a condition, and gives it in the target's SQL
+/// without functions of the dialect for what operators do. Throws Error as readJetSql does, and for
+/// a date in a sum.
 std::string readJetExpression(std::string_view expression, SqlTarget target);
 
 /// The query of a Transform for the values found by its pivotSql, in their order. Throws Error for

@@ -27,7 +27,10 @@ class Splitter {
   explicit Splitter(std::string_view sql) : sql_(sql) {}
 
   std::vector<JetToken> run() {
-    while (skipBlanks(), at_ < sql_.size()) tokens_.push_back(next());
+    while (skipBlanks(), at_ < sql_.size()) {
+      tokens_.push_back(next());
+      if (isOldSubquery(tokens_.back())) openSubquery();
+    }
     tokens_.push_back({JetToken::End, "", sql_.size(), sql_.size()});
     return std::move(tokens_);
   }
@@ -43,6 +46,25 @@ class Splitter {
         return;
       }
     }
+  }
+
+  // Old Access wrote a query in FROM as [SELECT ...]. and could not nest brackets in it.
+  bool isOldSubquery(const JetToken& token) const {
+    const std::string_view behind = sql_.substr(at_, 2);
+    return sql_[token.start] == '[' && startsWithNoCase(token.text, "SELECT ") &&
+           (behind == "." || behind == ". " || behind == ".)");
+  }
+
+  void openSubquery() {
+    const JetToken whole = tokens_.back();
+    tokens_.back() = {JetToken::Mark, "(", whole.start, whole.start + 1};
+    for (JetToken& token : Splitter(whole.text).run()) {
+      token.start += whole.start + 1;
+      token.end += whole.start + 1;
+      if (token.kind != JetToken::End) tokens_.push_back(std::move(token));
+    }
+    tokens_.push_back({JetToken::Mark, ")", whole.end - 1, whole.end});
+    ++at_;
   }
 
   JetToken next() {

@@ -1,11 +1,7 @@
 #include "db/drivers/sqlite/SqliteDates.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <cmath>
 #include <string>
 
 #include "basic/Error.h"
@@ -16,44 +12,32 @@
 
 namespace lodex {
 
-namespace {
-
-constexpr std::array<const char*, 12> kMonths{"January",   "February", "March",    "April",
-                                              "May",       "June",     "July",     "August",
-                                              "September", "October",  "November", "December"};
-
-constexpr std::array<const char*, 7> kWeekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                               "Thursday", "Friday", "Saturday"};
-
-// Formats that have names, in any case.
-constexpr std::array<std::array<const char*, 2>, 8> kNamedFormats{
-    {{"Fixed", "0.00"},
-     {"Standard", "#,##0.00"},
-     {"Percent", "0.00%"},
-     {"Short Date", "yyyy-mm-dd"},
-     {"Medium Date", "dd-mmm-yy"},
-     {"Long Date", "dddd, mmmm d, yyyy"},
-     {"Short Time", "hh:nn"},
-     {"Long Time", "hh:nn:ss"}}};
-
-// A date as a text, or as the number of days since 1899-12-30.
 DateTime requireDate(sqlite3_value* value) {
   if (sqlite3_value_type(value) != SQLITE_TEXT) {
     const double number = sqlite3_value_double(value);
-    if (!(number > -650000 && number < 2950000)) throw Error("A number is beyond all dates");
-    DateTime date = dateOfDay(static_cast<std::int64_t>(std::floor(number)));
-    const auto seconds =
-        std::min<std::int64_t>(std::llround((number - std::floor(number)) * 86400), 86399);
-    date.hour = static_cast<int>(seconds / 3600);
-    date.minute = static_cast<int>(seconds / 60 % 60);
-    date.second = static_cast<int>(seconds % 60);
-    return date;
+    const auto date = dateOfMoment(number);
+    if (!date) throw Error("A number is beyond all dates");
+    return *date;
   }
   const std::string text = argumentText(value);
   const auto date = parseDate(text);
   if (!date) throw Error("\"" + text + "\" is no date");
   return *date;
 }
+
+int dayOfYear(const DateTime& date) {
+  DateTime first = date;
+  first.month = first.day = 1;
+  return static_cast<int>(dayNumber(date) - dayNumber(first)) + 1;
+}
+
+int weekOfYear(const DateTime& date) {
+  DateTime first = date;
+  first.month = first.day = 1;
+  return (dayOfYear(date) + weekday(first) - 2) / 7 + 1;
+}
+
+namespace {
 
 int wholeArgument(sqlite3_value* value) {
   const auto number = parseInteger(argumentText(value));
@@ -72,19 +56,6 @@ void partOf(sqlite3_context* context, int, sqlite3_value** values) {
 
 void weekdayOf(sqlite3_context* context, int, sqlite3_value** values) {
   sqlite3_result_int(context, weekday(requireDate(values[0])));
-}
-
-int dayOfYear(const DateTime& date) {
-  DateTime first = date;
-  first.month = first.day = 1;
-  return static_cast<int>(dayNumber(date) - dayNumber(first)) + 1;
-}
-
-// Weeks begin on Sunday, the first one with the first of January.
-int weekOfYear(const DateTime& date) {
-  DateTime first = date;
-  first.month = first.day = 1;
-  return (dayOfYear(date) + weekday(first) - 2) / 7 + 1;
 }
 
 void datePart(sqlite3_context* context, int, sqlite3_value** values) {
@@ -207,101 +178,6 @@ void dateDiff(sqlite3_context* context, int, sqlite3_value** values) {
   throw Error("\"" + part + "\" is no part of a date");
 }
 
-// --- Format ---
-
-std::string formatDate(const DateTime& date, std::string_view pattern) {
-  std::string text;
-  const std::string lower = toLower(pattern);
-  bool afterHour = false;
-  for (size_t at = 0; at < lower.size();) {
-    const char c = lower[at];
-    size_t run = 1;
-    while (at + run < lower.size() && lower[at + run] == c) ++run;
-    const bool isMinute = c == 'n' || (c == 'm' && afterHour && run < 3);
-    const auto two = [&](int value) {
-      text += run > 1 ? fmt::format("{:02}", value) : std::to_string(value);
-    };
-    if (c == 'y') {
-      text += run > 2 ? fmt::format("{:04}", date.year) : fmt::format("{:02}", date.year % 100);
-    } else if (isMinute) {
-      two(date.minute);
-    } else if (c == 'm') {
-      const std::string name = kMonths[date.month - 1];
-      if (run > 2) {
-        text += run > 3 ? name : name.substr(0, 3);
-      } else {
-        two(date.month);
-      }
-    } else if (c == 'd' && run > 2) {
-      const std::string name = kWeekdays[weekday(date) - 1];
-      text += run > 3 ? name : name.substr(0, 3);
-    } else if (c == 'd') {
-      two(date.day);
-    } else if (c == 'q') {
-      text += std::to_string((date.month + 2) / 3);
-    } else if (c == 'h') {
-      two(date.hour);
-    } else if (c == 's') {
-      two(date.second);
-    } else {
-      text += pattern.substr(at, run);
-    }
-    if (c == 'h') afterHour = true;
-    if (c != 'h' && c != ':') afterHour = false;
-    at += run;
-  }
-  return text;
-}
-
-// Digits "0" are always shown and "#" only when needed; "," groups thousands, "%" multiplies.
-std::string formatNumber(double value, std::string_view pattern) {
-  const size_t first = pattern.find_first_of("0#.");
-  if (first == std::string_view::npos) return std::string(pattern);
-  const size_t end = std::min(pattern.find_first_not_of("0#.,", first), pattern.size());
-  const std::string_view digits = pattern.substr(first, end - first);
-  const size_t point = digits.find('.');
-  const std::string_view before = digits.substr(0, point);
-  const std::string_view after =
-      point == std::string_view::npos ? std::string_view() : digits.substr(point + 1);
-  if (pattern.find('%') != std::string_view::npos) value *= 100;
-  if (std::abs(value) > 1e15) return numberText(value);
-  const int decimals = static_cast<int>(std::min<size_t>(after.size(), 15));
-  std::string text = fmt::format("{:.{}f}", std::abs(value), decimals);
-  const size_t needed = std::count(after.begin(), after.end(), '0');
-  size_t dot = text.find('.');
-  if (dot == std::string::npos) dot = text.size();
-  while (dot < text.size() && text.back() == '0' && text.size() - dot - 1 > needed) text.pop_back();
-  if (!text.empty() && text.back() == '.') text.pop_back();
-  std::string whole = text.substr(0, dot);
-  const std::string fraction = dot < text.size() ? text.substr(dot) : "";
-  const size_t least = std::count(before.begin(), before.end(), '0');
-  if (least == 0 && whole == "0") whole.clear();
-  if (whole.size() < least) whole.insert(0, least - whole.size(), '0');
-  if (before.find(',') != std::string_view::npos) {
-    for (size_t i = whole.size(); i > 3; i -= 3) whole.insert(i - 3, ",");
-  }
-  const bool isZero = text.find_first_not_of("0.") == std::string::npos;
-  return std::string(value < 0 && !isZero ? "-" : "") + std::string(pattern.substr(0, first)) +
-         whole + fraction + std::string(pattern.substr(end));
-}
-
-void format(sqlite3_context* context, int count, sqlite3_value** values) {
-  if (count == 1) return resultText(context, argumentText(values[0]));
-  const std::string text = argumentText(values[0]);
-  std::string pattern = argumentText(values[1]);
-  for (const auto& named : kNamedFormats) {
-    if (equalsNoCase(pattern, named[0])) pattern = named[1];
-  }
-  if (startsWithNoCase(pattern, "General ")) return resultText(context, text);
-  const bool isNumber =
-      sqlite3_value_type(values[0]) != SQLITE_TEXT || parseNumber(text).has_value();
-  const bool ofDate = pattern.find_first_of("ymdhnsqYMDHNSQ") != std::string::npos;
-  if (ofDate && (!isNumber || pattern.find_first_of("0#") == std::string::npos)) {
-    return resultText(context, formatDate(requireDate(values[0]), pattern));
-  }
-  resultText(context, isNumber ? formatNumber(argumentNumber(values[0]), pattern) : text);
-}
-
 }  // namespace
 
 void addJetDateFunctions(sqlite3* database) {
@@ -319,8 +195,6 @@ void addJetDateFunctions(sqlite3* database) {
   addFunction(database, "DateAdd", 3, nullAware<dateAdd>);
   addFunction(database, "DateDiff", 3, nullAware<dateDiff>);
   addFunction(database, "IsDate", 1, guarded<isDate>);
-  addFunction(database, "Format", 1, nullAware<format>);
-  addFunction(database, "Format", 2, nullAware<format>);
 }
 
 }  // namespace lodex

@@ -15,6 +15,8 @@
 #include "basic/Text.h"
 #include "db/Dates.h"
 #include "db/drivers/sqlite/SqliteDates.h"
+#include "db/drivers/sqlite/SqliteFormat.h"
+#include "db/drivers/sqlite/SqliteSums.h"
 #include "db/drivers/sqlite/SqliteValues.h"
 #include "db/sql/JetLike.h"
 
@@ -77,6 +79,19 @@ void upperCase(sqlite3_context* context, int, sqlite3_value** values) {
   resultText(context, toUpper(argumentText(values[0])));
 }
 
+void reversed(sqlite3_context* context, int, sqlite3_value** values) {
+  std::u32string text = lettersOf(values[0]);
+  std::reverse(text.begin(), text.end());
+  resultLetters(context, text);
+}
+
+// InStrRev(text, part): the place where the part begins last, 0 if it is absent.
+void inStrFromEnd(sqlite3_context* context, int, sqlite3_value** values) {
+  const std::u32string text = decodeUtf8(toUpper(argumentText(values[0])));
+  const size_t at = text.rfind(decodeUtf8(toUpper(argumentText(values[1]))));
+  sqlite3_result_int64(context, at == std::u32string::npos ? 0 : static_cast<std::int64_t>(at + 1));
+}
+
 void lowerCase(sqlite3_context* context, int, sqlite3_value** values) {
   resultText(context, toLower(argumentText(values[0])));
 }
@@ -124,8 +139,12 @@ void resultWhole(sqlite3_context* context, double value) {
   }
 }
 
+// The day of a date is a date.
 template <double (*function)(double)>
 void whole(sqlite3_context* context, int, sqlite3_value** values) {
+  if (const auto date = dateArgument(values[0])) {
+    return resultText(context, dateText({date->year, date->month, date->day}));
+  }
   resultWhole(context, function(argumentNumber(values[0])));
 }
 
@@ -168,6 +187,7 @@ double requireNumber(sqlite3_value* value) {
   if (sqlite3_value_type(value) == SQLITE_TEXT) {
     const std::string text = argumentText(value);
     const auto parsed = parseNumber(text);
+    if (const auto date = dateArgument(value)) return momentNumber(*date);
     if (!parsed) throw Error("\"" + text + "\" is no number");
     return *parsed;
   }
@@ -304,6 +324,8 @@ void addJetFunctions(sqlite3* database) {
   add("Len", 1, nullAware<length>);
   add("InStr", 2, nullAware<inStr>);
   add("InStr", 3, nullAware<inStr>);
+  add("InStrRev", 2, nullAware<inStrFromEnd>);
+  add("StrReverse", 1, nullAware<reversed>);
   add("UCase", 1, nullAware<upperCase>);
   add("LCase", 1, nullAware<lowerCase>);
   add("Space", 1, nullAware<space>);
@@ -333,6 +355,8 @@ void addJetFunctions(sqlite3* database) {
   add("Chr", 1, nullAware<character>);
   add("Asc", 1, nullAware<codeOf>);
   addJetDateFunctions(database);
+  addJetFormat(database);
+  addJetSums(database);
 
   constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
   const auto aggregate = [database](const char* name, auto step, auto end) {

@@ -16,6 +16,11 @@ double argumentNumber(sqlite3_value* value) {
   return sqlite3_value_double(value);
 }
 
+std::optional<DateTime> dateArgument(sqlite3_value* value) {
+  if (sqlite3_value_type(value) != SQLITE_TEXT) return std::nullopt;
+  return parseStoredDate(argumentText(value));
+}
+
 void resultText(sqlite3_context* context, std::string_view text) {
   sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }

@@ -3,8 +3,11 @@
 #include <sqlite3.h>
 
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "db/Dates.h"
 
 namespace lodex {
 
@@ -15,6 +18,8 @@ using SqliteFunction = void (*)(sqlite3_context*, int, sqlite3_value**);
 /// text that holds none).
 std::string argumentText(sqlite3_value* value);
 double argumentNumber(sqlite3_value* value);
+/// The date that a value is: a text of the form in which databases keep dates.
+std::optional<DateTime> dateArgument(sqlite3_value* value);
 void resultText(sqlite3_context* context, std::string_view text);
 
 void addFunction(sqlite3* database, const char* name, int count, SqliteFunction function);
