@@ -185,9 +185,15 @@ TEST(IndicesTest, ClassifiesByAlkalisAndSilica) {
         {{"SiO2", test.silica}, {"Na2O", test.alkalis}, {"MgO", 100 - test.silica - test.alkalis}});
     EXPECT_EQ(indices.text("TAS"), test.name) << test.silica << ' ' << test.alkalis;
   }
+  EXPECT_EQ(indices.text("Remark"), "");
+  indices.calculate({{"SiO2", 60}, {"Al2O3", 20}, {"MgO", 20}});
+  for (const char* output : {"TAS", "Alkali class", "Alkali-lime class"}) {
+    EXPECT_EQ(indices.text(output), "") << output;
+  }
+  EXPECT_EQ(indices.text("Remark"), "SiO2 or alkalis missing");
   indices.calculate({});
-  EXPECT_EQ(indices.text("TAS"), "");
   EXPECT_EQ(indices.text("CIA"), "");
+  EXPECT_EQ(indices.text("Remark"), "no analysis");
 }
 
 TEST(IndicesTest, ComputesRatiosOfPureMinerals) {
