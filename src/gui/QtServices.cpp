@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
@@ -75,6 +76,15 @@ QString startFolder(const FileRequest& request) {
   return remembered(folderKey(request));
 }
 
+// The file that is meant, whatever the case of its name.
+QString nameInFolder(const QString& name, const QString& folder) {
+  if (folder.isEmpty() || name.contains(QLatin1Char('*'))) return name;
+  const QDir place(folder);
+  if (place.exists(name)) return name;
+  const QStringList similar = place.entryList({name}, QDir::Files);
+  return similar.isEmpty() ? name : similar.front();
+}
+
 QFileDialog* fileDialog(const FileRequest& request, QWidget* owner) {
   auto* dialog = new QFileDialog(owner);
   dialog->setObjectName(QStringLiteral("fileDialog"));
@@ -82,7 +92,9 @@ QFileDialog* fileDialog(const FileRequest& request, QWidget* owner) {
   dialog->setNameFilters(qtFileFilter(request.filter).split(QStringLiteral(";;")));
   const QString folder = startFolder(request);
   if (!folder.isEmpty()) dialog->setDirectory(folder);
-  if (!request.fileName.empty()) dialog->selectFile(toQt(pathText(nativePath(request.fileName))));
+  if (!request.fileName.empty()) {
+    dialog->selectFile(nameInFolder(toQt(pathText(nativePath(request.fileName))), folder));
+  }
   return dialog;
 }
 

@@ -237,7 +237,8 @@ bool MDIMain::exitAsked(std::string_view question, std::string_view title) {
   if (session_.record.ExitConfirmed) return true;
   const Answer answer = session_.dialogs().messageBox(question, MessageButtons::OkCancel,
                                                       MessageIcon::Question, title);
-  session_.record.ExitConfirmed = answer == Answer::Ok;
+  session_.record.ExitConfirmed =
+      answer == Answer::Ok && (!services_.mayLeave || services_.mayLeave());
   return session_.record.ExitConfirmed;
 }
 

@@ -7,6 +7,7 @@
 #include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -275,6 +276,24 @@ TEST_F(RoadTest, FilesFromOtherProcessesWaitForTheEndOfAJob) {
   EXPECT_EQ(busy.shell().sheets.DataSheetCount(), 0);
   session.progress.ShowProgress("", 0);
   QTRY_COMPARE(busy.shell().sheets.DataSheetCount(), 2);
+}
+
+TEST_F(RoadTest, UnsavedSettingsKeepTheProgramOpen) {
+  ASSERT_TRUE(window.start());
+  dialogs.expectOpen({file("settings.ini", "a=b\n")});
+  trigger("mnuEditIni");
+  child<QPlainTextEdit>(*child<TextFileEditor>(window, "TextFileEditor"), "text")
+      ->insertPlainText(QStringLiteral("x"));
+  for (const auto choice : {QMessageBox::Cancel, QMessageBox::Discard}) {
+    QTimer::singleShot(0, [choice] {
+      auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      ASSERT_NE(question, nullptr);
+      question->button(choice)->click();
+    });
+    dialogs.expectMessage("Are you sure to exit LodexGeo?", Answer::Ok);
+    trigger("mnuExit");
+    EXPECT_EQ(window.isVisible(), choice == QMessageBox::Cancel);
+  }
 }
 
 TEST_F(RoadTest, SettingsKeepTheirEncodingAndLineEnds) {

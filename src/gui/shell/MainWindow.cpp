@@ -131,6 +131,7 @@ ShellServices MainWindow::services(const QString& appFolder) {
   services.arrange = [this](Arrangement arrangement) { arrange(arrangement); };
   services.bringToFront = [this](Form& form) { bringToFront(form); };
   services.startTmrReady = [this](int milliseconds) { ready_.start(milliseconds); };
+  services.mayLeave = [this] { return closeEditors(); };
   services.quit = [this] {
     quitting_ = true;
     rememberPlace(*this);
@@ -412,6 +413,14 @@ void MainWindow::openReceived() {
 void MainWindow::openEditor(const QString& path) {
   auto* editor = new TextFileEditor(path, this);
   editor->show();
+}
+
+// Each asks about its changes; false when the user wants to keep one.
+bool MainWindow::closeEditors() {
+  for (auto* editor : findChildren<TextFileEditor*>()) {
+    if (editor->isVisible() && !editor->close()) return false;
+  }
+  return true;
 }
 
 // Help on the main window is help on the data sheet in front, if there is one.

@@ -55,6 +55,7 @@ class MainWindow : public QMainWindow {
   void takeText(const QString& text);
   void openReceived();
   void openEditor(const QString& path);
+  bool closeEditors();
   QString topicInFront() const;
   bool isWorking() const;
   void showHelp(const QString& topic);
