@@ -212,10 +212,9 @@ void frmSources::edit() {
 void frmSources::remove() {
   const int selected = lstEls.current();
   if (TarnPD1.current() < 0 || selected < 0) return;
-  std::vector<ItemSource> left = sources();
-  if (selected >= static_cast<int>(left.size())) return;
-  left.erase(left.begin() + selected);
-  setSourcesOfElement(left);
+  lstEls.setChecked(selected, false);
+  useChecked();
+  showSources();
 }
 
 void frmSources::chooseMethods() {
@@ -255,18 +254,18 @@ void frmSources::accept() {
 
 void frmSources::readMethod() {
   if (lstCalc.current() < 0) return;
+  editedMethod_ = 0;
   const int number = caller_.group.MethodIndex(lstCalc.item(lstCalc.current()));
   if (number == 0) return;
   E.Read(caller_.group.method(number).path);
+  editedMethod_ = number;
   gridE.refresh();
 }
 
-// Returns the number of the method that took the workbook over; 0 if none is chosen.
+// Returns the number of the method that took the workbook over; 0 if none was read.
 int frmSources::apply() {
-  if (lstCalc.current() < 0) return 0;
-  const int number = caller_.group.MethodIndex(lstCalc.item(lstCalc.current()));
-  if (number > 0) caller_.group.replaceBook(number, E);
-  return number;
+  if (editedMethod_ > 0) caller_.group.replaceBook(editedMethod_, E);
+  return editedMethod_;
 }
 
 void frmSources::save() {

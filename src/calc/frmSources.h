@@ -92,6 +92,7 @@ class frmSources : public Form {
   int shownItem_ = -1;  // in lstItem
   int shownElement_ = -1;
   int shownMethod_ = -1;  // in lstCalc
+  int editedMethod_ = 0;  // whose workbook E is
 };
 
 }  // namespace lodex

@@ -118,6 +118,11 @@ TEST_F(SourcesFormTest, EditsAddsAndOrdersSources) {
   form->cmdGet.click();
   EXPECT_EQ(copperRow(form->F1Ref, 1), "2|1|3|1|4");
   form->lstEls.setChecked(1, false);
+  form->lstEls.setCurrent(0);
+  form->cmdSDel.click();
+  EXPECT_EQ(copperRow(form->F1Ref, 1), "0||||") << "what was unchecked came back";
+  form->cmdGet.click();
+  form->lstEls.setChecked(1, false);
   form->cmdOK.click();
   EXPECT_EQ(copperRow(sheets.F1Ref, 1), "1|1|3||");
   EXPECT_TRUE(dialogs.allAsked());
@@ -159,6 +164,20 @@ TEST_F(SourcesFormTest, EditsAMethodWorkbook) {
   dialogs.expectSave(path("copy"));
   form->cmdSaveAs.click();
   EXPECT_TRUE(pathExists(path("copy.xls")));
+}
+
+TEST_F(SourcesFormTest, AWorkbookThatCannotBeReadReplacesNoOther) {
+  writeMethod("M.xls", {.input = {"Cu ppm"}, .output = {"R||=Input!C2"}});
+  writeMethod("N.xls", {.input = {"Cu ppm"}, .output = {"R||=Input!C2*7"}});
+  open();
+  form->lstCalc.setCurrent(0);
+  const std::filesystem::path gone = groups / "TEST" / "N.xls";
+  std::filesystem::remove(gone);
+  dialogs.expectMessage("Error 0 Cannot open " + gone.string() + ": there is no such file");
+  form->lstCalc.setCurrent(1);
+  form->cmdSave.click();
+  EXPECT_FALSE(std::filesystem::exists(gone));
+  EXPECT_EQ(calculations.group.method(2).book.FormulaSRC(5, 1, 3), "Input!C2*7");
 }
 
 TEST(SelectFromList, NeedsAChoice) {
