@@ -439,6 +439,40 @@ TEST_F(AccessFileTest, DamagedPagesAreTold) {
   }
 }
 
+TEST_F(AccessFileTest, DamageInTheListOfTablesIsAnErrorOrTold) {
+  AccessMaker maker;
+  for (int i = 0; i < 200; ++i) {
+    maker.addTable({"T" + std::to_string(i), {{"n", AccessType::LongInteger}}});
+  }
+  const std::string path = (folder_ / "list.mdb").string();
+  maker.write(path);
+  const std::string sound = readFile(path);
+  // The records of the list say on which table's page they lie: that of the list itself is 2.
+  std::vector<size_t> pages;
+  for (size_t at = 0; at < sound.size(); at += 4096) {
+    if (sound.substr(at, 2) == "\x01\x01" &&
+        sound.substr(at + 4, 4) == std::string("\2\0\0\0", 4)) {
+      pages.push_back(at);
+    }
+  }
+  ASSERT_GE(pages.size(), 2u);
+  const std::string target = (folder_ / "list.sqlite").string();
+  std::string damaged = sound;
+  damaged.replace(pages[0], 4096, 4096, '\0');
+  writeFileWhole(path, damaged);
+  copyAccessFile(path, target, *this);
+  EXPECT_THAT(warnings_, ElementsAre(HasSubstr("damaged at 1 places: tables may be missing")));
+  for (const size_t page : pages) damaged.replace(page, 4096, 4096, '\0');
+  writeFileWhole(path, damaged);
+  fs::remove(target);
+  try {
+    copyAccessFile(path, target, *this);
+    ADD_FAILURE() << "a file without a list of tables was copied";
+  } catch (const FileError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("list of tables is damaged"));
+  }
+}
+
 TEST_F(AccessFileTest, DamageTakesOnlyWhatItHits) {
   AccessMaker maker;
   maker.addTable({"T", {{"n", AccessType::LongInteger}, {"m", AccessType::Memo}}});

@@ -354,7 +354,14 @@ void AccessMaker::closeTable() {
 
 void AccessMaker::write(const std::string& path) {
   closeTable();
-  const auto rows = std::exchange(catalog_, {});
+  constexpr std::uint32_t kSystemTable = 0x80000000;
+  auto rows = std::exchange(catalog_, {});
+  rows.push_back({storedAs(kCatalogPage),
+                  storedAs(std::uint16_t{1}),
+                  storedAs(kSystemTable),
+                  text("MSysObjects"),
+                  {},
+                  {}});
   open_ = Open{{"MSysObjects",
                 {{"Id", AccessType::LongInteger},
                  {"Type", AccessType::Integer},

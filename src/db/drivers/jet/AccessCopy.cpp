@@ -31,6 +31,8 @@ class SystemTable {
   bool next() { return rows_.next(); }
   const AccessTable& table() const { return table_; }
   const std::vector<AccessValue>& values() const { return rows_.values(); }
+  /// Records, or whole pages of them, that were left out because they are damaged.
+  int damaged() const { return rows_.damaged() + rows_.damagedPages(); }
   std::int64_t number(std::string_view column) const {
     const AccessValue* value = find(column);
     return value && value->kind == AccessValue::Whole ? value->whole : 0;
@@ -61,7 +63,7 @@ struct Object {
   std::uint32_t page() const { return id & 0xFFFFFF; }
 };
 
-std::vector<Object> readCatalog(const AccessFile& file) {
+std::vector<Object> readCatalog(const AccessFile& file, AccessCopyReport& report) {
   SystemTable catalog(file, kCatalogPage, "MSysObjects");
   for (const auto* column : {"Id", "Name", "Type", "Flags"}) {
     if (catalog.table().find(column) < 0) throw FileError("its list of tables is damaged");
@@ -76,6 +78,15 @@ std::vector<Object> readCatalog(const AccessFile& file) {
     if (object.type == kTableObject) object.properties = catalog.text("LvProp");
     if (object.type == kLink) object.file = catalog.text("Database");
     objects.push_back(std::move(object));
+  }
+  // The list holds itself too.
+  const bool listsItself = std::any_of(objects.begin(), objects.end(), [](const Object& object) {
+    return object.type == kTableObject && object.page() == kCatalogPage;
+  });
+  if (!listsItself) throw FileError("its list of tables is damaged");
+  if (catalog.damaged() > 0) {
+    report.warning("The list of tables is damaged at " + std::to_string(catalog.damaged()) +
+                   " places: tables may be missing");
   }
   return objects;
 }
@@ -231,7 +242,7 @@ void copySystemTable(const AccessFile& file, const std::vector<Object>& objects,
 void copyAccessFile(const std::string& source, const std::string& target,
                     AccessCopyReport& report) {
   const AccessFile file(source);
-  const std::vector<Object> objects = readCatalog(file);
+  const std::vector<Object> objects = readCatalog(file, report);
   report.progress();
   if (file.endsWithinPage()) {
     report.warning("The Access file does not end with a whole page: it may have been cut short");
