@@ -68,7 +68,7 @@ QString folderKey(const FileRequest& request) {
   return QStringLiteral("folders/") + kind;
 }
 
-// The folder of the last dialogue of this kind, else the proposed one if it is there.
+// The proposed folder if it is there, else the folder of the last dialogue of this kind.
 QString startFolder(const FileRequest& request) {
   if (!request.folder.empty() && pathExists(request.folder)) {
     return toQt(pathText(nativePath(request.folder)));

@@ -11,8 +11,8 @@
 
 namespace lodex {
 
-/// Questions to the person at the screen. File dialogues start where the last one of their kind
-/// ended, also in the next session.
+/// Questions to the person at the screen. File dialogues start in the folder that is asked for;
+/// where there is none, where the last one of their kind ended, also in the next session.
 class QtDialogs : public Dialogs {
  public:
   /// Questions stand above this window.

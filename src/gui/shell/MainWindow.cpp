@@ -439,6 +439,9 @@ void MainWindow::showHelp(const QString& topic) {
 }
 
 bool MainWindow::event(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange && area_) {
+    area_->setBackground(palette().brush(QPalette::Dark));
+  }
   // A hint would cover the progress and its Abort button.
   if (event->type() == QEvent::StatusTip && session_.progress.visible()) return true;
   return QMainWindow::event(event);

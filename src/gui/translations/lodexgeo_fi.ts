@@ -546,7 +546,7 @@
         <translation>&amp;Ulkoasu</translation>
     </message>
     <message>
-        <source>&amp;Language</source>
+        <source>Lan&amp;guage</source>
         <translation>&amp;Kieli</translation>
     </message>
     <message>
@@ -902,7 +902,7 @@
         <translation>&amp;English</translation>
     </message>
     <message>
-        <source>&amp;Suomi</source>
+        <source>S&amp;uomi</source>
         <translation>&amp;Suomi</translation>
     </message>
     <message>
