@@ -8,6 +8,7 @@
 #include "db/Connection.h"
 #include "db/Dates.h"
 #include "db/ExportTexts.h"
+#include "db/FieldValues.h"
 #include "db/Recordset.h"
 #include "worksheet/Limits.h"
 #include "worksheet/Worksheet.h"
@@ -37,6 +38,13 @@ std::optional<double> workbookDate(const DateTime& date) {
   if (day < kFirstSureDay) return std::nullopt;
   const double seconds = date.hour * 3600 + date.minute * 60 + date.second;
   return static_cast<double>(day) + seconds / 86400;
+}
+
+// A cell's number has no more digits than a double.
+bool fitsCell(const FieldValue& value) {
+  constexpr std::int64_t kMost = std::int64_t{1} << 53;
+  const auto* whole = std::get_if<std::int64_t>(&value);
+  return !whole || (*whole >= -kMost && *whole <= kMost);
 }
 
 class WorkbookExport {
@@ -88,7 +96,14 @@ class WorkbookExport {
       return book_.ValueSRC(sheet, row, column, Value::boolean(fieldNumber(value) != 0));
     }
     const auto* text = std::get_if<std::string>(&value);
-    if (!text) return book_.NumberSRC(sheet, row, column, fieldNumber(value));
+    if (!text && !fitsCell(value)) {
+      return book_.ValueSRC(sheet, row, column, Value::text(fieldText(value)));
+    }
+    if (!text) {
+      const double number = fieldNumber(value);
+      return book_.NumberSRC(sheet, row, column,
+                             type.code == FieldCode::Single ? enteredSingle(number) : number);
+    }
     if (type.code == FieldCode::Date && setDate(sheet, row, column, *text)) return;
     book_.ValueSRC(sheet, row, column, Value::text(cellText(*text)));
   }

@@ -1,5 +1,7 @@
 #include "db/FieldValues.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -113,6 +115,12 @@ FieldValue valueForField(const FieldValue& value, const Field& field, std::strin
       break;
   }
   return value;
+}
+
+double enteredSingle(double value) {
+  const auto single = static_cast<float>(value);
+  if (single != value || !std::isfinite(single)) return value;
+  return numberOf(fmt::format("{}", single));
 }
 
 }  // namespace lodex

@@ -12,4 +12,8 @@ namespace lodex {
 /// type, range or length.
 FieldValue valueForField(const FieldValue& value, const Field& field, std::string_view table);
 
+/// A value of single precision as it was entered: 0.1 for the float nearest to it. A value that is
+/// no float stays as it is.
+double enteredSingle(double value);
+
 }  // namespace lodex

@@ -270,10 +270,24 @@ std::vector<std::string> TableFields(Connection& connection, std::string_view ta
   return names;
 }
 
+namespace {
+
+// What stands around a name in a statement goes, unless there is a filter of just this name.
+std::string nameOfView(const DatabaseMap& map, std::string_view view) {
+  std::string name = plainName(view);
+  for (const std::string& filter : map.FilterList) {
+    if (equalsNoCase(name, std::string(kFilterMark) + filter)) return name;
+  }
+  name = view;
+  for (const char* mark : {"[", "]", ",", ";"}) name = replaceAll(name, mark, "");
+  return name;
+}
+
+}  // namespace
+
 void ViewBaseTable(MappedDatabase& database, std::string_view view, std::string& baseTable,
                    std::string& keyField) {
-  std::string name(view);
-  for (const char* mark : {"[", "]", ",", ";"}) name = replaceAll(name, mark, "");
+  const std::string name = nameOfView(database.map, view);
   baseTable = name;
   keyField.clear();
   if (database.map.tableRow(name) == 0) {

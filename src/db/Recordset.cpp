@@ -1,7 +1,5 @@
 #include "db/Recordset.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cmath>
 
@@ -13,16 +11,7 @@
 
 namespace lodex {
 
-namespace {
-
-// A value of single precision reads as it was entered: 0.1, and not the nearest double of it.
-std::string singleText(double value) {
-  const auto single = static_cast<float>(value);
-  if (single == value && std::isfinite(single)) value = numberOf(fmt::format("{}", single));
-  return numberText(value);
-}
-
-}  // namespace
+namespace {}  // namespace
 
 Recordset::Recordset(std::unique_ptr<RowSource> rows, CursorKind cursor)
     : cursor_(cursor), fields_(rows->fields()) {
@@ -140,7 +129,9 @@ std::string Recordset::Text(int field) const {
     return fieldNumber(value) != 0 ? "True" : "False";
   }
   const auto* number = std::get_if<double>(&value);
-  if (number && fields_[field].type.code == FieldCode::Single) return singleText(*number);
+  if (number && fields_[field].type.code == FieldCode::Single) {
+    return numberText(enteredSingle(*number));
+  }
   return fieldText(value);
 }
 

@@ -72,6 +72,28 @@ TEST_F(AccessTwinTest, IsUsedAgainWithItsChanges) {
   EXPECT_EQ(readFile(access_.string()), before);
 }
 
+TEST_F(AccessTwinTest, IsMadeOnceByProgramsThatStartTogether) {
+  for (int round = 0; round < 8; ++round) {
+    make(round + 1);
+    std::vector<pid_t> children;
+    for (int i = 0; i < 4; ++i) {
+      children.push_back(::fork());
+      if (children.back() != 0) continue;
+      try {
+        ::_exit(count(access_) == std::to_string(round + 1) ? 0 : 1);
+      } catch (const std::exception&) {
+        ::_exit(2);
+      }
+    }
+    for (const pid_t child : children) {
+      int status = 0;
+      EXPECT_EQ(::waitpid(child, &status, 0), child);
+      EXPECT_EQ(status, 0);
+    }
+    EXPECT_FALSE(fs::exists(kept_)) << "a copy that nobody changed was kept";
+  }
+}
+
 TEST_F(AccessTwinTest, FollowsItsFileAndKeepsChanges) {
   const struct {
     std::string name;

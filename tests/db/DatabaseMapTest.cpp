@@ -102,6 +102,7 @@ TEST_F(MapTest, TheTableBehindAViewIsThatOfItsFirstKeyField) {
        {"CREATE VIEW [f_Named] AS SELECT a.[Note] AS n, a.[Run No] AS r FROM [Assays] AS a",
         "CREATE VIEW [f_Joined] AS SELECT b.[Note], h.[Hole] AS x FROM [Bare] b, [Holes] h",
         "CREATE VIEW [f_Keyless] AS SELECT [Note] FROM [Assays]",
+        "CREATE VIEW [f_Mg; high, 'x'] AS SELECT [Run No] FROM [Holes]",
         "CREATE VIEW [f_Counted] AS SELECT Count(*) AS n FROM [Assays]"}) {
     database.connection.Execute(sql);
   }
@@ -109,8 +110,13 @@ TEST_F(MapTest, TheTableBehindAViewIsThatOfItsFirstKeyField) {
   const struct {
     std::string view, expected;
   } rows[] = {
-      {"f_Named", "Assays|Run No"}, {"[f_Joined]", "Holes|Hole"}, {"f_Keyless", "Assays|SampleNo"},
-      {"f_Counted", "f_Counted|"},  {"nowhere", "nowhere|"},      {"[Holes]", "Holes|Hole"},
+      {"f_Named", "Assays|Run No"},
+      {"[f_Joined]", "Holes|Hole"},
+      {"f_Keyless", "Assays|SampleNo"},
+      {"f_Counted", "f_Counted|"},
+      {"nowhere", "nowhere|"},
+      {"[Holes]", "Holes|Hole"},
+      {"[f_Mg; high, 'x']", "Holes|Hole"},
   };
   for (const auto& row : rows) {
     std::string table;

@@ -116,30 +116,34 @@ TEST_F(ExportTest, TheScriptMakesTheSameStructure) {
 }
 
 TEST_F(ExportTest, AWorkbookHoldsASheetPerTable) {
+  run("CREATE TABLE [Numbers] ([f] SINGLE)");
+  connection_.Execute("INSERT INTO [Numbers] VALUES (?)", {static_cast<double>(0.15F)});
   const auto remarks = exportDatabase(connection_, path("out.xlsx"));
   EXPECT_THAT(remarks, ElementsAre(HasSubstr("1 texts are longer than a cell can be")));
   Worksheet book;
   book.Read(path("out.xlsx"));
-  ASSERT_EQ(book.NumSheets(), 2);
-  EXPECT_EQ(book.SheetName(1), "Rock _ assays");
-  EXPECT_EQ(book.SheetName(2), "Zone;1");
+  ASSERT_EQ(book.NumSheets(), 3);
+  EXPECT_EQ(book.SheetName(1), "Numbers");
+  EXPECT_EQ(book.NumberSRC(1, 2, 1), 0.15);
+  EXPECT_EQ(book.SheetName(2), "Rock _ assays");
+  EXPECT_EQ(book.SheetName(3), "Zone;1");
   const auto records = connection_.OpenRecordset("SELECT * FROM [Rock / assays]");
   for (int row = 2; row <= 5; ++row, records->MoveNext()) {
-    EXPECT_EQ(book.TextSRC(1, row, 1), records->Text(0));
-    EXPECT_TRUE(book.ValueSRC(1, row, 1).isText()) << records->Text(0);
+    EXPECT_EQ(book.TextSRC(2, row, 1), records->Text(0));
+    EXPECT_TRUE(book.ValueSRC(2, row, 1).isText()) << records->Text(0);
     for (const int column : {2, 3, 7, 8}) {
       const FieldValue& value = records->Value(column - 1);
-      EXPECT_EQ(book.HasContent(1, row, column), !isNull(value)) << row << " " << column;
-      EXPECT_EQ(book.NumberSRC(1, row, column), fieldNumber(value)) << row << " " << column;
+      EXPECT_EQ(book.HasContent(2, row, column), !isNull(value)) << row << " " << column;
+      EXPECT_EQ(book.NumberSRC(2, row, column), fieldNumber(value)) << row << " " << column;
     }
     const std::string note = records->Text(5);
-    EXPECT_EQ(book.TextSRC(1, row, 6), note.size() < 30000 ? note : note.substr(0, 32767));
+    EXPECT_EQ(book.TextSRC(2, row, 6), note.size() < 30000 ? note : note.substr(0, 32767));
   }
-  EXPECT_FALSE(book.HasFormula(1, 4, 6));
-  EXPECT_EQ(book.TextSRC(1, 3, 4), "2020-01-31");
-  EXPECT_EQ(book.TextSRC(1, 4, 4), "2020-01-31 12:30:00");
-  EXPECT_EQ(book.TextSRC(1, 5, 4), "1850-05-01");
-  EXPECT_TRUE(book.ValueSRC(1, 2, 5).isBoolean());
+  EXPECT_FALSE(book.HasFormula(2, 4, 6));
+  EXPECT_EQ(book.TextSRC(2, 3, 4), "2020-01-31");
+  EXPECT_EQ(book.TextSRC(2, 4, 4), "2020-01-31 12:30:00");
+  EXPECT_EQ(book.TextSRC(2, 5, 4), "1850-05-01");
+  EXPECT_TRUE(book.ValueSRC(2, 2, 5).isBoolean());
 }
 
 TEST_F(ExportTest, WhatCannotBeWrittenIsAnErrorAndWhatAccessCannotTakeIsTold) {

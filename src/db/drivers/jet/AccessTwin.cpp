@@ -1,7 +1,9 @@
 #include "db/drivers/jet/AccessTwin.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <array>
@@ -34,7 +36,7 @@ constexpr int kPatience = 20'000;  // milliseconds without progress
 constexpr std::chrono::minutes kLeftoverAge(10);
 constexpr size_t kStampBytes = 64 * 1024;
 // Counts up whenever twins are made in another way, so that old ones are made anew.
-constexpr int kTwinKind = 2;
+constexpr int kTwinKind = 3;
 
 std::string& chosenFolder() {
   static std::string folder;
@@ -115,6 +117,11 @@ std::optional<Origin> readOrigin(const fs::path& twin) {
   return origin;
 }
 
+bool isTwinOf(const std::string& stamp, const fs::path& twin) {
+  const auto origin = readOrigin(twin);
+  return origin && origin->stamp == stamp && fs::exists(twin);
+}
+
 fs::path helperPath() {
   std::error_code failed;
   const fs::path self = fs::read_symlink("/proc/self/exe", failed);
@@ -137,6 +144,25 @@ class Temporary {
     fs::remove(path_.string() + "-journal", ignored);
   }
   fs::path path_;
+};
+
+// Keeps other programs from making a twin in the same folder. Where folders cannot be locked, as on
+// some network drives, it does nothing.
+class FolderLock {
+ public:
+  explicit FolderLock(const fs::path& folder)
+      : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    while (folder_ >= 0 && ::flock(folder_, LOCK_EX) != 0 && errno == EINTR) {
+    }
+  }
+  ~FolderLock() {
+    if (folder_ >= 0) ::close(folder_);
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  int folder_;
 };
 
 bool runsAsQuery(Driver& driver, const std::string& name, const std::string& sql,
@@ -230,7 +256,6 @@ void removeLeftovers(const fs::path& twin) {
 
 void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& twin,
               std::vector<std::string>& warnings) {
-  fs::create_directories(twin.parent_path());
   removeLeftovers(twin);
   const Temporary temporary(twin.string() + "." + std::to_string(::getpid()) + ".tmp");
   HelperRun run =
@@ -274,9 +299,11 @@ std::unique_ptr<Driver> openAccessTwin(std::string_view path, std::vector<std::s
   try {
     const fs::path twin = twinPath(access);
     const std::string stamp = stampOf(access);
-    const auto origin = readOrigin(twin);
-    if (!origin || origin->stamp != stamp || !fs::exists(twin)) {
-      makeTwin(access, stamp, twin, warnings);
+    if (!isTwinOf(stamp, twin)) {
+      fs::create_directories(twin.parent_path());
+      const FolderLock lock(twin.parent_path());
+      // Another program may have made it meanwhile.
+      if (!isTwinOf(stamp, twin)) makeTwin(access, stamp, twin, warnings);
     }
     return openSqliteFile(twin.string());
   } catch (const fs::filesystem_error& failure) {
