@@ -7,6 +7,7 @@
 #include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
@@ -346,6 +347,28 @@ TEST_F(RoadTest, GoingThroughTheStagesKeepsTheSize) {
     settle();
     EXPECT_EQ(window.height(), 700) << "stage " << stage;
   }
+}
+
+TEST_F(RoadTest, MenusOfADataSheetHoldTheGridsCommands) {
+  ASSERT_TRUE(window.start());
+  shell().dropFiles({file("rocks.txt", rocks)});
+  frmDataIN& sheet = shell().sheets.sheet(1);
+  WorksheetView& cells = grid(sheet);
+  type(cells, 1, 1, "Rock");
+  const auto choose = [&](const char* menu, const char* command) {
+    for (QAction* entry : child<QMenu>(*window.windowOf(sheet), menu)->actions()) {
+      if (entry->objectName() == QLatin1String(command)) return entry->trigger();
+    }
+    ADD_FAILURE() << menu << " has no " << command;
+  };
+  choose("menuEdit", "actUndo");
+  EXPECT_EQ(sheet.F1D.TextRC(1, 1), "Sample");
+  choose("menuFormat", "actBold");
+  EXPECT_TRUE(sheet.F1D.formatOf(1, 1, 1).bold);
+  choose("menuData", "actSortDescending");
+  EXPECT_EQ(sheet.F1D.TextRC(1, 1), "Sample");
+  choose("menuView", "actZoomIn");
+  EXPECT_GT(cells.zoom(), 100);
 }
 
 TEST_F(RoadTest, DroppedFilesOpen) {

@@ -236,7 +236,7 @@ void GridActions::addFormats() {
       [this] { chooseColor(false); });
   add("actFill", tr("Fi&ll..."), tr("Choose the colour behind the text"), {},
       [this] { chooseColor(true); });
-  add("actNoFill", tr("&No fill"), tr("Take the colour behind the text away"), {},
+  add("actNoFill", tr("N&o fill"), tr("Take the colour behind the text away"), {},
       [this] { editor().setFill(block(), automaticColor); });
   add("actNumberFormat", tr("&Number format..."), tr("Choose how numbers are shown"), {},
       [this] { chooseNumberFormat(); });
@@ -255,11 +255,11 @@ void GridActions::addFormats() {
                             HorizontalAlignment alignment) {
     add(name, text, tip, {}, [this, alignment] { editor().setAlignment(block(), alignment); });
   };
-  align("actAlignGeneral", tr("Align by &content"), tr("Texts left, numbers right"),
+  align("actAlignGeneral", tr("Align by con&tent"), tr("Texts left, numbers right"),
         HorizontalAlignment::General);
-  align("actAlignLeft", tr("Align &left"), tr("Align at the left edge"), HorizontalAlignment::Left);
-  align("actAlignCenter", tr("&Centre"), tr("Centre in the cell"), HorizontalAlignment::Center);
-  align("actAlignRight", tr("Align &right"), tr("Align at the right edge"),
+  align("actAlignLeft", tr("Align l&eft"), tr("Align at the left edge"), HorizontalAlignment::Left);
+  align("actAlignCenter", tr("Cent&re"), tr("Centre in the cell"), HorizontalAlignment::Center);
+  align("actAlignRight", tr("Align ri&ght"), tr("Align at the right edge"),
         HorizontalAlignment::Right);
 }
 
@@ -474,16 +474,41 @@ void GridActions::update() {
   named(QStringLiteral("actWrap"))->setChecked(cell.wrap);
 }
 
-void GridActions::fillContextMenu(QMenu& menu, int row, int column) {
-  const auto addAll = [&](QMenu& target, std::initializer_list<const char*> names) {
-    for (const char* name : names) {
-      if (*name == '\0') {
-        target.addSeparator();
-      } else {
-        target.addAction(named(QLatin1String(name)));
-      }
+void GridActions::addAll(QMenu& menu, std::initializer_list<const char*> names) const {
+  for (const char* name : names) {
+    if (*name == '\0') {
+      menu.addSeparator();
+    } else {
+      menu.addAction(named(QLatin1String(name)));
     }
-  };
+  }
+}
+
+void GridActions::fillFillMenu(QMenu& menu) const {
+  addAll(menu, {"actFillDown", "actFillRight"});
+}
+
+void GridActions::fillSortMenu(QMenu& menu) const {
+  addAll(menu, {"actSortAscending", "actSortDescending", "actSort"});
+}
+
+void GridActions::fillFormatMenu(QMenu& menu) const {
+  addAll(menu, {"actNumberFormat", "actFont", "actBold", "actItalic", "actUnderline", "",
+                "actTextColor", "actFill", "actNoFill", "", "actAlignGeneral", "actAlignLeft",
+                "actAlignCenter", "actAlignRight", "actWrap"});
+  addAll(*menu.addMenu(tr("Line&s")),
+         {"actBorderOutline", "actBorderAll", "actBorderBottom", "actBorderNone"});
+}
+
+void GridActions::fillViewMenu(QMenu& menu) const {
+  addAll(menu, {"actFreeze", "actUnfreeze", "", "actZoomIn", "actZoomOut", "actZoomReset"});
+}
+
+void GridActions::fillPrintMenu(QMenu& menu) const {
+  addAll(menu, {"actPageSetup", "actPrintFitWidth", "actPrintPreview", "actPrint"});
+}
+
+void GridActions::fillContextMenu(QMenu& menu, int row, int column) {
   update();
   addAll(menu, {"actCut", "actCopy", "actPaste", "actPasteValues", ""});
   if (row == 0) {
@@ -494,20 +519,14 @@ void GridActions::fillContextMenu(QMenu& menu, int row, int column) {
                   "actFreeze", "actUnfreeze", ""});
   } else {
     addAll(menu, {"actInsert", "actDelete", "actClear", "actClearAll", ""});
-    QMenu* fill = menu.addMenu(tr("&Fill"));
-    addAll(*fill, {"actFillDown", "actFillRight"});
+    fillFillMenu(*menu.addMenu(tr("Fi&ll")));
   }
-  QMenu* sorting = menu.addMenu(tr("&Sort"));
-  addAll(*sorting, {"actSortAscending", "actSortDescending", "actSort"});
-  QMenu* format = menu.addMenu(tr("F&ormat"));
-  addAll(*format, {"actNumberFormat", "actFont", "actBold", "actItalic", "actUnderline", "",
-                   "actTextColor", "actFill", "actNoFill", "", "actAlignGeneral", "actAlignLeft",
-                   "actAlignCenter", "actAlignRight", "actWrap"});
-  QMenu* borders = format->addMenu(tr("&Lines"));
-  addAll(*borders, {"actBorderOutline", "actBorderAll", "actBorderBottom", "actBorderNone"});
-  QMenu* window = menu.addMenu(tr("&View"));
-  addAll(*window, {"actFreeze", "actUnfreeze", "", "actZoomIn", "actZoomOut", "actZoomReset", "",
-                   "actPageSetup", "actPrintFitWidth", "actPrintPreview", "actPrint"});
+  fillSortMenu(*menu.addMenu(tr("&Sort")));
+  fillFormatMenu(*menu.addMenu(tr("F&ormat")));
+  QMenu* viewing = menu.addMenu(tr("&View"));
+  fillViewMenu(*viewing);
+  viewing->addSeparator();
+  fillPrintMenu(*viewing);
   menu.addSeparator();
   addAll(menu, {"actFind", "actReplace", "actSelectAll"});
 }

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QObject>
 #include <functional>
+#include <initializer_list>
 
 #include "form/SheetEditor.h"
 #include "gui/grid/GridClipboard.h"
@@ -30,12 +31,19 @@ class GridActions : public QObject {
   /// Enables what the sheet permits and checks what the active cell's format has.
   void update();
   void fillContextMenu(QMenu& menu, int row, int column);
+  /// Parts of it that stand in the menus of a window as well.
+  void fillFillMenu(QMenu& menu) const;
+  void fillSortMenu(QMenu& menu) const;
+  void fillFormatMenu(QMenu& menu) const;
+  void fillViewMenu(QMenu& menu) const;
+  void fillPrintMenu(QMenu& menu) const;
   void fillTabMenu(QMenu& menu, int sheet);
   void renameSheet(int sheet);
 
  private:
   QAction* add(const char* name, const QString& text, const QString& tip,
                const QList<QKeySequence>& keys, std::function<void()> command);
+  void addAll(QMenu& menu, std::initializer_list<const char*> names) const;
   void addEditing();
   void addLines();
   void addFormats();

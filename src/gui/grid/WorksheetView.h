@@ -54,6 +54,8 @@ class WorksheetView : public QWidget {
   QList<QAction*> gridActions() const;
   /// A command by its object name, such as "actCopy"; null for an unknown one.
   QAction* gridAction(const QString& name) const;
+  /// Fills menus of a window.
+  const GridActions& actions() const { return *actions_; }
   /// Commands of the window that the context menu shows first.
   void addMenuActions(const QList<QAction*>& actions);
 

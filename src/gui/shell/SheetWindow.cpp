@@ -2,10 +2,12 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QMainWindow>
 
 #include "gui/FormLoader.h"
 #include "gui/QtText.h"
 #include "gui/grid/WorksheetView.h"
+#include "gui/shell/GridMenus.h"
 
 namespace lodex {
 
@@ -17,6 +19,7 @@ SheetWindow::SheetWindow(Form& form, QWidget* parent) : QMdiSubWindow(parent), f
   binding_ = bindForm(form, *this);
   if (auto* grid = content->findChild<WorksheetView*>()) {
     connect(grid, &WorksheetView::statusText, this, &SheetWindow::statusText);
+    if (auto* window = qobject_cast<QMainWindow*>(content)) addGridMenus(*window, *grid);
   }
   follow();
   const QPointer<SheetWindow> self(this);

@@ -2,6 +2,25 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fi">
 <context>
+    <name>GridMenus</name>
+    <message>
+        <source>F&amp;ormat</source>
+        <translation>M&amp;uotoilu</translation>
+    </message>
+    <message>
+        <source>Fi&amp;ll</source>
+        <translation>Tä&amp;ytä</translation>
+    </message>
+    <message>
+        <source>&amp;Data</source>
+        <translation>&amp;Data</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Näytä</translation>
+    </message>
+</context>
+<context>
     <name>DataSheetPanel</name>
     <message>
         <source>Data</source>
@@ -1419,8 +1438,8 @@
         <translation>&amp;Muokkaa</translation>
     </message>
     <message>
-        <source>Copy &amp;Row Content</source>
-        <translation>Kopioi &amp;rivin sisältö</translation>
+        <source>Copy Row C&amp;ontent</source>
+        <translation>Kopioi rivin s&amp;isältö</translation>
     </message>
     <message>
         <source>&amp;Structure</source>
@@ -2066,8 +2085,8 @@
         <translation>&amp;Muokkaa</translation>
     </message>
     <message>
-        <source>Copy &amp;Row Content</source>
-        <translation>Kopioi &amp;rivin sisältö</translation>
+        <source>Copy Row C&amp;ontent</source>
+        <translation>Kopioi rivin s&amp;isältö</translation>
     </message>
     <message>
         <source>&amp;Structure</source>
@@ -2388,8 +2407,8 @@
         <translation>&amp;Muokkaa</translation>
     </message>
     <message>
-        <source>Copy &amp;Row Content</source>
-        <translation>Kopioi &amp;rivin sisältö</translation>
+        <source>Copy Row C&amp;ontent</source>
+        <translation>Kopioi rivin s&amp;isältö</translation>
     </message>
     <message>
         <source>&amp;Structure</source>
@@ -3569,7 +3588,7 @@
         <translation>Valitse tekstin taustaväri</translation>
     </message>
     <message>
-        <source>&amp;No fill</source>
+        <source>N&amp;o fill</source>
         <translation>&amp;Ei täyttöä</translation>
     </message>
     <message>
@@ -3585,7 +3604,7 @@
         <translation>Valitse, miten luvut näytetään</translation>
     </message>
     <message>
-        <source>Align by &amp;content</source>
+        <source>Align by con&amp;tent</source>
         <translation>Tasaa &amp;sisällön mukaan</translation>
     </message>
     <message>
@@ -3593,7 +3612,7 @@
         <translation>Tekstit vasemmalle, luvut oikealle</translation>
     </message>
     <message>
-        <source>Align &amp;left</source>
+        <source>Align l&amp;eft</source>
         <translation>Tasaa &amp;vasemmalle</translation>
     </message>
     <message>
@@ -3601,15 +3620,15 @@
         <translation>Tasaa vasempaan reunaan</translation>
     </message>
     <message>
-        <source>&amp;Centre</source>
-        <translation>K&amp;eskitä</translation>
+        <source>Cent&amp;re</source>
+        <translation>Keskit&amp;ä</translation>
     </message>
     <message>
         <source>Centre in the cell</source>
         <translation>Keskitä soluun</translation>
     </message>
     <message>
-        <source>Align &amp;right</source>
+        <source>Align ri&amp;ght</source>
         <translation>Tasaa &amp;oikealle</translation>
     </message>
     <message>
@@ -3634,7 +3653,7 @@
     </message>
     <message>
         <source>&amp;Zoom 100 %</source>
-        <translation>&amp;Koko 100 %</translation>
+        <translation>K&amp;oko 100 %</translation>
     </message>
     <message>
         <source>Show cells in their natural size</source>
@@ -3733,7 +3752,7 @@
         <translation>Tee &amp;uudelleen: %1</translation>
     </message>
     <message>
-        <source>&amp;Fill</source>
+        <source>Fi&amp;ll</source>
         <translation>Tä&amp;ytä</translation>
     </message>
     <message>
@@ -3817,8 +3836,8 @@
         <translation>&amp;Lajittele</translation>
     </message>
     <message>
-        <source>&amp;Lines</source>
-        <translation>&amp;Viivat</translation>
+        <source>Line&amp;s</source>
+        <translation>V&amp;iivat</translation>
     </message>
 </context>
 <context>
