@@ -82,9 +82,10 @@ std::optional<DateTime> parseDate(std::string_view whole) {
   if (second < 0 || !takeMark(text, mark)) return std::nullopt;
   const int third = takeNumber(text);
   if (third < 0) return std::nullopt;
-  if (mark == '-' || first > 31) {
+  const bool yearIsLast = third > 31 && first <= 31;
+  if (first > 31 || (mark == '-' && !yearIsLast)) {
     date.year = first, date.month = second, date.day = third;
-  } else if (mark == '/') {
+  } else if (mark != '.' && first <= 12) {
     date.month = first, date.day = second, date.year = third;
   } else {
     date.day = first, date.month = second, date.year = third;

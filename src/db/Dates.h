@@ -19,7 +19,8 @@ struct DateTime {
   friend bool operator==(const DateTime&, const DateTime&) = default;
 };
 
-/// Reads 2020-01-31, 1/31/2020 (the month first), 31.1.2020, each with or without a time such as
+/// Reads 2020-01-31, 1/31/2020 and 1-31-2020 (the month first, unless it can only be the day),
+/// 31.1.2020, each with or without a time such as
 /// 9:30, 09:30:15 or 9:30 PM behind it, or a time alone, which falls on 1899-12-30. Empty when the
 /// text is no date of the years 100 to 9999.
 std::optional<DateTime> parseDate(std::string_view text);

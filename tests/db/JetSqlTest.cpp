@@ -45,6 +45,7 @@ TEST_F(JetSqlTest, ComputesExpressions) {
       {"Len('Åäö') & InStr('Pyrite', 'R') & InStr(3, 'aXbX', 'x')", "334"},
       {"UCase('åb') & LCase('ÅB') & Trim(' a ')", "ÅBåba"},
       {"#1/31/2020#", "2020-01-31"},
+      {"#31/1/2020# & #1-31-2020# & #1/2/2020#", "2020-01-312020-01-312020-01-02"},
       {"#2020-01-31 1:05 PM#", "2020-01-31 13:05:00"},
       {"Year(#1/31/2020#) & Month('31.1.2020') & Day(#2020-02-29#)", "2020129"},
       {"Second('2020-01-31 09:30:12.1234567') & Year('0012-01-31') & Year('12-01-31')", "12122012"},
@@ -200,6 +201,9 @@ TEST_F(JetSqlTest, WritesRecords) {
   run("CREATE VIEW f_Two AS SELECT * FROM [T 2] WHERE IIf([a] = 2, True, False) = True");
   EXPECT_EQ(records("SELECT * FROM [f_Two]"), "2|x!");
   run("DROP VIEW [f_Two]");
+  run("ALTER TABLE [T 2] ADD CONSTRAINT k PRIMARY KEY (a)");
+  EXPECT_THAT(errorOf([&] { run("INSERT INTO [T 2] (a) VALUES (2)"); }), HasSubstr("same [a]"));
+  run("DROP INDEX k ON [T 2]");
   EXPECT_THAT(errorOfSql("SELECT * FROM [f_Two]"), HasSubstr("f_Two"));
 }
 
@@ -257,6 +261,7 @@ TEST_F(JetSqlTest, FaultsNameTheirPlace) {
       {"UPDATE a INNER JOIN b ON a.x = b.x SET a.y = 1, b.y = 1", "one table"},
       {"DELETE * FROM a INNER JOIN b ON a.x = b.x", "column 15, \"a\": say which table"},
       {"SELECT * FROM a IN 'other.mdb'", "another database"},
+      {"ALTER TABLE a ADD CONSTRAINT k FOREIGN KEY (x) REFERENCES b", "PRIMARY KEY and UNIQUE"},
       {"SELECT 1; DROP TABLE t", "behind the end"},
       {"SELECT " + std::string(5000, '('), "nested too deeply"},
       {"SELECT NoSuch(1)", "NoSuch"},

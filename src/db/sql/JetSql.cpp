@@ -416,6 +416,7 @@ class JetParser : public JetQueries {
     expectWord("TABLE");
     statement_.table = expectName("the name of the table");
     if (takeWord("ADD")) {
+      if (isWord("CONSTRAINT") && isName(1)) return parseAddedConstraint();
       statement_.kind = JetStatement::AddColumns;
       takeWord("COLUMN");
       const bool bracketed = takeMark("(");
@@ -431,6 +432,19 @@ class JetParser : public JetQueries {
       return;
     }
     fail("a table can be altered by ADD COLUMN and DROP COLUMN");
+  }
+
+  // A key of a table that stands already is an index.
+  void parseAddedConstraint() {
+    take();
+    statement_.kind = JetStatement::CreateIndex;
+    statement_.name = expectName("the name of the constraint");
+    statement_.primary = takeWords({"PRIMARY", "KEY"});
+    if (!statement_.primary && !takeWord("UNIQUE")) {
+      fail("PRIMARY KEY and UNIQUE can be added to a table");
+    }
+    statement_.unique = true;
+    for (std::string& name : nameList()) statement_.indexColumns.push_back({std::move(name)});
   }
 
   // Names of fields and indexes may stand here without brackets even when they hold blanks.
