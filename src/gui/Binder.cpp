@@ -9,6 +9,7 @@
 #include "gui/BinderLinks.h"
 #include "gui/FormLoader.h"
 #include "gui/QtText.h"
+#include "gui/widgets/AccessibleNames.h"
 
 namespace lodex {
 
@@ -70,6 +71,7 @@ Binding::Binding(Form& form, QWidget& root) : QObject(&root), form_(form) {
   // The form outlives its window or not; both ways neither touches the other afterwards.
   form.onDestroy([self = QPointer<Binding>(this)] { delete self.data(); });
   flush();
+  addAccessibleNames(root);
 }
 
 Binding::~Binding() = default;

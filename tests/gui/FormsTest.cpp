@@ -199,6 +199,13 @@ TEST_F(AllForms, LettersForAltAreNeverAmbiguous) {
   }
 }
 
+TEST_F(AllForms, InputsHaveNamesForScreenReaders) {
+  for (Form* form : forms) {
+    FormWindow window(*form);
+    EXPECT_EQ(namelessInputs(window), "") << form->name();
+  }
+}
+
 TEST_F(AllForms, EscapeCancels) {
   for (Form* form : forms) {
     if (form == &session.splash) continue;

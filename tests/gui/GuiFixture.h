@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
+#include <QScrollArea>
 #include <QString>
+#include <QTabWidget>
 #include <QTest>
 #include <QWidget>
 
@@ -31,6 +34,20 @@ class GuiTest : public testing::Test {
   static void click(QWidget& root, const char* name) {
     QTest::mouseClick(child<QWidget>(root, name), Qt::LeftButton);
     settle();
+  }
+  /// What takes the focus below the root without a name that a screen reader could tell.
+  static std::string namelessInputs(QWidget& root) {
+    std::string nameless;
+    for (QWidget* widget : root.findChildren<QWidget*>()) {
+      const QString name = widget->objectName();
+      if (name.isEmpty() || name.startsWith(QLatin1String("qt_"))) continue;
+      // Pages have names each; what scrolls them needs none.
+      if (qobject_cast<QTabWidget*>(widget) || qobject_cast<QScrollArea*>(widget)) continue;
+      if (!(widget->focusPolicy() & Qt::TabFocus)) continue;
+      QAccessibleInterface* told = QAccessible::queryAccessibleInterface(widget);
+      if (!told || told->text(QAccessible::Name).isEmpty()) nameless += fromQt(name) + ' ';
+    }
+    return nameless;
   }
   /// Lets what is queued reach the widgets.
   static void settle() { QApplication::processEvents(); }

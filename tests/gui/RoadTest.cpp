@@ -337,6 +337,11 @@ TEST_F(RoadTest, ClosingAsksOnceAndACancelKeepsEverything) {
   EXPECT_EQ(shell().sheets.DataSheetCount(), 0);
 }
 
+TEST_F(RoadTest, InputsHaveNamesForScreenReaders) {
+  ASSERT_TRUE(window.start());
+  EXPECT_EQ(namelessInputs(window), "");
+}
+
 TEST_F(RoadTest, GoingThroughTheStagesKeepsTheSize) {
   ASSERT_TRUE(window.start());
   window.showNormal();
