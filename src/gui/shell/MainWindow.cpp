@@ -58,7 +58,7 @@ const std::pair<const char*, QStringList> popUps[] = {
     {"lstI", {"mnuSelectAllID", "mnuDeselectAllID", "", "mnuRemove"}},
 };
 
-// A button of the status line; a long path is cut in its middle.
+// A button of the status line; of a path it shows the file.
 QToolButton* statusButton(QAction& action) {
   constexpr int widest = 260;
   auto* button = new QToolButton;
@@ -66,8 +66,11 @@ QToolButton* statusButton(QAction& action) {
   button->setAutoRaise(true);
   const auto follow = [button, &action] {
     button->setIcon(action.icon());
-    button->setText(button->fontMetrics().elidedText(action.iconText(), Qt::ElideMiddle, widest));
-    button->setToolTip(action.toolTip());
+    const QString name = toQt(fileNameOf(fromQt(action.iconText())));
+    button->setText(button->fontMetrics().elidedText(name, Qt::ElideMiddle, widest));
+    const bool isPath = action.iconText() != name;
+    button->setToolTip(isPath ? action.toolTip() + QLatin1Char('\n') + action.iconText()
+                              : action.toolTip());
     button->setEnabled(action.isEnabled());
     button->setVisible(action.isVisible());
   };
@@ -144,20 +147,21 @@ ShellServices MainWindow::services(const QString& appFolder) {
 // What stands in the tool bar besides buttons.
 void MainWindow::buildToolBar() {
   auto* bar = findChild<QToolBar*>(QStringLiteral("tbMain"));
-  const auto addCombo = [&](const char* name, int characters) {
+  const auto addCombo = [&](const char* name, const QString& hint, int characters) {
     auto* combo = new QComboBox(bar);
+    combo->setPlaceholderText(hint);
     combo->setObjectName(QString::fromLatin1(name));
     combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     combo->setMinimumContentsLength(characters);
     bar->addWidget(combo);
   };
   bar->addSeparator();
-  addCombo("cmbSets", 10);
+  addCombo("cmbSets", tr("Group"), 10);
   auto* set = new QLabel(bar);
   set->setObjectName(QStringLiteral("lblSet"));
   set->setMargin(4);
   bar->addWidget(set);
-  addCombo("cmbRoutines", 16);
+  addCombo("cmbRoutines", tr("Method"), 16);
   for (QToolButton* button : findChildren<QToolButton*>()) {
     const QString action = button->property("defaultAction").toString();
     if (!action.isEmpty()) button->setDefaultAction(findChild<QAction*>(action));

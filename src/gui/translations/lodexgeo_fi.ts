@@ -4010,6 +4010,14 @@ Sivua "%1" ei ole oppaan kansiossa:
 <context>
     <name>lodex::MainWindow</name>
     <message>
+        <source>Group</source>
+        <translation>Ryhmä</translation>
+    </message>
+    <message>
+        <source>Method</source>
+        <translation>Menetelmä</translation>
+    </message>
+    <message>
         <source>No data sheets</source>
         <translation>Ei datataulukoita</translation>
     </message>
