@@ -5,7 +5,6 @@
 #include <QMainWindow>
 #include <QShortcut>
 #include <QVBoxLayout>
-#include <memory>
 
 #include "gui/Application.h"
 #include "gui/FormLoader.h"
@@ -104,13 +103,13 @@ void FormWindow::showEvent(QShowEvent* event) {
 }
 
 void FormViews::watch(Form& form) {
-  auto window = std::make_shared<QPointer<FormWindow>>();
-  form.onChange([&form, window, this] {
-    if (!form.visible()) return;
-    if (!*window) *window = new FormWindow(form, parent_);
-    if ((*window)->isVisible()) return (*window)->raise();
-    (*window)->show();
-    (*window)->raise();
+  // Some forms outlive the main window.
+  form.onChange([&form, owned = parent_ != nullptr, owner = QPointer<QWidget>(parent_),
+                 window = QPointer<FormWindow>()]() mutable {
+    if (!form.visible() || (owned && !owner)) return;
+    if (!window) window = new FormWindow(form, owner);
+    if (!window->isVisible()) window->show();
+    window->raise();
   });
 }
 
