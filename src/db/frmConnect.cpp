@@ -25,7 +25,8 @@ constexpr std::array kKinds{DatabaseKind{"Microsoft Access", "mdb"},
 std::vector<std::string> startFolders(const SessionRecord& record) {
   std::vector<std::string> folders;
   const std::string root = pathText(std::filesystem::current_path().root_path());
-  for (const std::string& folder : {record.UserPath, record.BasePath, ExpandEnv("%HOME%"), root}) {
+  for (const std::string& start : {record.UserPath, record.BasePath, ExpandEnv("%HOME%"), root}) {
+    const std::string folder = pathText(nativePath(start));
     const bool known = std::find(folders.begin(), folders.end(), folder) != folders.end();
     if (!folder.empty() && !known) folders.push_back(folder);
   }
@@ -57,7 +58,7 @@ frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), 
   for (const std::string& path : LastFiles(session.record, "Session")) {
     if (!path.empty()) lstLast.add(path);
   }
-  txtFolder.setText(session.record.UserPath + "\\data");
+  txtFolder.setText(pathText(nativePath(session.record.UserPath + "\\data")));
   ListDBTypes.onChange([this] { chooseType(); });
   for (const std::string& start : startFolders(session.record)) Drive1.add(start);
   for (const auto& [name, path] : {std::pair("Sample database: ", session.record.SampleDbPath),
@@ -108,7 +109,7 @@ void frmConnect::changeFolder() {
   if (name == "..") {
     txtFolder.setText(pathText(nativePath(txtFolder.text()).parent_path()));
   } else {
-    txtFolder.setText(txtFolder.text() + "\\" + name);
+    txtFolder.setText(pathText(nativePath(txtFolder.text()) / nativePath(name)));
   }
 }
 
