@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "basic/Error.h"
+#include "basic/Text.h"
 #include "db/Errors.h"
 #include "db/MineralCatalogue.h"
 #include "db/Recordset.h"
@@ -184,6 +185,26 @@ TEST_F(ConnectionTest, AnotherUsersLockGivesAClearErrorAndLeavesTheDataWhole) {
   EXPECT_EQ(other.OpenRecordset("SELECT * FROM t")->RecordCount(), 0) << "not rolled back";
   other.Execute("INSERT INTO t VALUES (2)");
   EXPECT_EQ(writer.OpenRecordset("SELECT * FROM t")->RecordCount(), 1);
+}
+
+TEST_F(ConnectionTest, ADatabaseThatWasReplacedTakesNoRecords) {
+  auto connection = makeDatabase("here.mdb");
+  connection.Execute("CREATE TABLE T (a LONG)");
+  std::filesystem::rename(path("here.mdb"), path("old.mdb"));
+  createDatabase(path("here.mdb"));
+  EXPECT_THAT(errorOf([&] { connection.Execute("INSERT INTO T VALUES (1)"); }),
+              HasSubstr("must be opened again"));
+}
+
+TEST_F(ConnectionTest, LongStatementsAreShownByTheirStart) {
+  std::string letters;
+  for (int i = 0; i < 3000; ++i) letters += "ä";
+  auto connection = makeDatabase("long.mdb");
+  for (const char* start : {"SELECT nosuch AS ", "SELECT ) ", "SELECT )"}) {
+    const std::string message = errorOf([&] { connection.OpenRecordset(start + letters); });
+    EXPECT_LT(message.size(), 700U) << start;
+    EXPECT_TRUE(isValidUtf8(message)) << start;
+  }
 }
 
 TEST_F(ConnectionTest, AFullDiskLeavesNothingOfAUnit) {

@@ -22,6 +22,13 @@ bool startsName(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '@' || byte >= 0x80;
 }
 
+// The first bytes of a text, whole characters only.
+std::string_view startOf(std::string_view text, size_t most) {
+  if (text.size() <= most) return text;
+  while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80) --most;
+  return text.substr(0, most);
+}
+
 class Splitter {
  public:
   explicit Splitter(std::string_view sql) : sql_(sql) {}
@@ -163,6 +170,11 @@ class Splitter {
 
 }  // namespace
 
+std::string shownStatement(std::string_view sql) {
+  const std::string_view start = startOf(sql, kShownStatement);
+  return std::string(start) + (start.size() < sql.size() ? "..." : "");
+}
+
 void failAt(std::string_view sql, const JetToken& token, std::string_view reason) {
   size_t line = 1;
   size_t lineStart = 0;
@@ -174,12 +186,10 @@ void failAt(std::string_view sql, const JetToken& token, std::string_view reason
   }
   const size_t column = characterCount(sql.substr(lineStart, token.start - lineStart)) + 1;
   const std::string place =
-      token.kind == JetToken::End ? "the end" : "\"" + token.text.substr(0, 60) + "\"";
-  std::string shown(sql.substr(0, kShownStatement));
-  if (shown.size() < sql.size()) shown += "...";
+      token.kind == JetToken::End ? "the end" : "\"" + std::string(startOf(token.text, 60)) + "\"";
   throw Error("The statement cannot be used at line " + std::to_string(line) + ", column " +
                   std::to_string(column) + ", " + place + ": " + std::string(reason) +
-                  ", in: " + shown,
+                  ", in: " + shownStatement(sql),
               dberror::BadStatement);
 }
 

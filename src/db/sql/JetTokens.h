@@ -28,6 +28,9 @@ struct JetToken {
 /// why it cannot be used.
 [[noreturn]] void failAt(std::string_view sql, const JetToken& token, std::string_view reason);
 
+/// A statement as messages show it: long ones only at their start.
+std::string shownStatement(std::string_view sql);
+
 /// Splits a statement; the last token is an End. Throws Error naming the place for a text, name or
 /// date that is not closed and for a date that is none.
 std::vector<JetToken> splitJetTokens(std::string_view sql);

@@ -10,6 +10,7 @@
 #include "basic/Text.h"
 #include "db/Dates.h"
 #include "db/Errors.h"
+#include "db/sql/JetTokens.h"
 
 namespace lodex {
 
@@ -77,7 +78,7 @@ OdbcStatement::~OdbcStatement() {
 void OdbcStatement::check(SQLRETURN code, std::string_view shown) {
   if (SQL_SUCCEEDED(code) || code == SQL_NO_DATA) return;
   std::string text = "Server " + link_->service + ": " + odbcReason(SQL_HANDLE_STMT, handle_);
-  if (!shown.empty()) text += " in: " + std::string(shown.substr(0, 500));
+  if (!shown.empty()) text += " in: " + shownStatement(shown);
   throw Error(text, isUnsupported() ? dberror::NotSupported : dberror::BadStatement);
 }
 

@@ -6,6 +6,7 @@
 #include "basic/Error.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
+#include "db/sql/JetTokens.h"
 
 namespace lodex {
 
@@ -57,6 +58,10 @@ std::string refusal(const std::string& reason) {
     case SQLITE_NOTADB:
       throw FileError(name + " is damaged or no database", dberror::Unspecified);
     case SQLITE_READONLY:
+      if (code == SQLITE_READONLY_DBMOVED) {
+        throw Error(name + " was moved or replaced meanwhile and must be opened again",
+                    dberror::Unspecified);
+      }
       throw Error(name + " is write-protected", dberror::Unspecified);
     case SQLITE_FULL:
       throw Error(name + " cannot grow: the disk is full", dberror::Unspecified);
@@ -101,7 +106,7 @@ SqliteFile::~SqliteFile() {
 
 SqliteStatement::SqliteStatement(std::shared_ptr<SqliteFile> file, std::string_view sql,
                                  const Row& parameters, std::string_view shown)
-    : file_(std::move(file)), sql_(sql), shown_(shown.empty() ? sql : shown) {
+    : file_(std::move(file)), sql_(sql), shown_(shownStatement(shown.empty() ? sql : shown)) {
   if (sql.size() > INT_MAX) throw Error("The database statement is too long");
   if (!takeIdle()) compile();
   try {
