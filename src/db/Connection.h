@@ -48,8 +48,8 @@ class Connection {
   Connection(Connection&&) noexcept;
   Connection& operator=(Connection&&) noexcept;
 
-  /// Opens what a text of ConnectionString names; `servers` tells what services are. A file is never
-  /// created by opening it.
+  /// Opens what a text of ConnectionString names; `servers` tells what services are. A file is
+  /// never created by opening it.
   void Open(std::string_view connectionString, const ServerIni& servers = {});
   void Close();
   bool IsOpen() const { return driver_ != nullptr; }

@@ -168,7 +168,9 @@ TEST_F(AccessFileTest, ValuesStayWhatTheyAre) {
     EXPECT_TRUE(sameBits(found, row.expected))
         << row.name << ": " << fieldText(found).substr(0, 80);
   }
-  EXPECT_THAT(warnings_, ElementsAre(HasSubstr("1 values that are no numbers")));
+  EXPECT_THAT(warnings_, ElementsAre(HasSubstr("1 values that are no numbers"),
+                                     HasSubstr("1 dates beyond the calendar")));
+  EXPECT_EQ(value("PRAGMA integrity_check"), FieldValue("ok"));
 }
 
 TEST_F(AccessFileTest, DecimalsKeepTheirDigits) {

@@ -69,6 +69,12 @@ std::string looseDeclaration(FieldType type) {
   return type.isNumber() ? declaration.substr(0, declaration.find(' ')) + " BLOB" : declaration;
 }
 
+// As opposed to a moment beyond the calendar, which comes as its number.
+bool looksLikeDate(const AccessValue& value) {
+  const std::string& text = value.bytes;
+  return value.kind != AccessValue::Text || (text.size() >= 10 && text[4] == '-' && text[7] == '-');
+}
+
 const AccessIndex* primaryKey(const AccessTable& table) {
   for (const AccessIndex& index : table.indexes) {
     if (index.primary) return &index;
@@ -118,6 +124,9 @@ class TableCopy {
     if (lostMemos_) warn(std::to_string(lostMemos_) + " damaged memos or objects were left empty");
     if (strangeNumbers_) {
       warn(std::to_string(strangeNumbers_) + " values that are no numbers were left empty");
+    }
+    if (strangeDates_) {
+      warn(std::to_string(strangeDates_) + " dates beyond the calendar were kept as numbers");
     }
   }
 
@@ -294,6 +303,7 @@ class TableCopy {
     AccessRows rows(file_, table_);
     bool again = false;
     strangeNumbers_ = 0;
+    strangeDates_ = 0;
     for (int count = 0; rows.next(); ++count) {
       if (count % kRecordsPerReport == 0) report_.progress();
       for (size_t i = 0; i < columns_.size(); ++i) {
@@ -323,12 +333,14 @@ class TableCopy {
       warn("field " + column.name + " is required but empty in some records; here it may be empty");
       return false;
     }
+    const bool isNoDate = column.type.code == FieldCode::Date && !looksLikeDate(value);
+    if (isNoDate) ++strangeDates_;
     if (column.loose) return true;
     const bool isTooLong = value.kind == AccessValue::Text && column.type.size > 0 &&
                            value.bytes.size() > static_cast<size_t>(column.type.size) &&
                            characterCount(value.bytes) > static_cast<size_t>(column.type.size);
     const bool isEndless = isNumber && std::isinf(value.number);
-    column.loose = value.exact || isTooLong || isEndless;
+    column.loose = value.exact || isTooLong || isEndless || isNoDate;
     return !column.loose;
   }
 
@@ -386,6 +398,7 @@ class TableCopy {
   int damaged_ = 0;
   int lostMemos_ = 0;
   int strangeNumbers_ = 0;
+  int strangeDates_ = 0;
 };
 
 }  // namespace
