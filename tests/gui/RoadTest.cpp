@@ -342,6 +342,21 @@ TEST_F(RoadTest, InputsHaveNamesForScreenReaders) {
   EXPECT_EQ(namelessInputs(window), "");
 }
 
+TEST_F(RoadTest, TheKeyToCloseClosesTheSheetInFront) {
+  ASSERT_TRUE(window.start());
+  shell().dropFiles({file("rocks.txt", rocks), file("notes.txt", notes)});
+  trigger("mnuSingle");
+  for (const int left : {2, 1, 0}) {
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(shell().sheets.DataSheetCount(), left);
+    EXPECT_FALSE(shell().singleSample().visible());
+    EXPECT_EQ(shell().sheets.find("notes") != nullptr, left == 2);
+  }
+}
+
 TEST_F(RoadTest, GoingThroughTheStagesKeepsTheSize) {
   ASSERT_TRUE(window.start());
   window.showNormal();

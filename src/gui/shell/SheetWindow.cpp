@@ -3,6 +3,8 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QMainWindow>
+#include <QMdiArea>
+#include <algorithm>
 
 #include "gui/FormLoader.h"
 #include "gui/QtText.h"
@@ -47,6 +49,17 @@ void SheetWindow::follow() {
     setVisible(form_->visible());
     widget()->setVisible(form_->visible());
   }
+  if (isHidden()) activateLast();
+}
+
+// The area leaves all windows inactive when the one in front is hidden.
+void SheetWindow::activateLast() {
+  QMdiArea* area = mdiArea();
+  if (!area || (area->activeSubWindow() && area->activeSubWindow() != this)) return;
+  const QList<QMdiSubWindow*> windows = area->subWindowList(QMdiArea::ActivationHistoryOrder);
+  const auto last = std::find_if(windows.rbegin(), windows.rend(),
+                                 [](const QMdiSubWindow* window) { return !window->isHidden(); });
+  if (last != windows.rend()) area->setActiveSubWindow(*last);
 }
 
 void SheetWindow::closeEvent(QCloseEvent* event) {

@@ -29,6 +29,7 @@ class SheetWindow : public QMdiSubWindow {
 
  private:
   void follow();
+  void activateLast();
 
   Form* form_;  // null once the form has ended
   QPointer<Binding> binding_;

@@ -805,10 +805,6 @@
         <translation>&amp;Sulje datataulukko</translation>
     </message>
     <message>
-        <source>Ctrl+W</source>
-        <translation>Ctrl+W</translation>
-    </message>
-    <message>
         <source>&amp;Edit settings...</source>
         <translation>&amp;Muokkaa asetuksia...</translation>
     </message>
