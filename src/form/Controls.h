@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -52,7 +53,7 @@ class Control {
   std::string toolTip_;
   bool visible_ = true;
   bool enabled_ = true;
-  std::vector<std::function<void()>> observers_;
+  std::deque<std::function<void()>> observers_;  // a deque: an observer may add another one
 };
 
 class Label : public Control {

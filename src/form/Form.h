@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -50,8 +51,8 @@ class Form {
   bool visible_ = false;
   bool closed_ = false;
   std::vector<Control*> controls_;
-  std::vector<std::function<void()>> observers_;
-  std::vector<std::function<void()>> endings_;
+  std::deque<std::function<void()>> observers_;  // a deque: an observer may add another one
+  std::deque<std::function<void()>> endings_;
 };
 
 }  // namespace lodex

@@ -34,6 +34,19 @@ TEST(Controls, AreFoundByNameAndTellChangesOnce) {
   EXPECT_EQ(form.optKind.selected(), 0);
 }
 
+// The sanitizer run sees an observer that is moved while it runs.
+TEST(Controls, AnObserverMayAddObservers) {
+  TestForm form;
+  int calls = 0;
+  const std::string text(100, 'x');
+  form.txtName.onChange([&form, &calls, text] {
+    for (int i = 0; i < 100; ++i) form.txtName.onChange([&calls] { ++calls; });
+    calls += static_cast<int>(text.size());
+  });
+  form.txtName.setText("new");
+  EXPECT_EQ(calls, 200) << "the added observers hear of the same change";
+}
+
 TEST(Controls, ListKeepsItsCurrentItemThroughChanges) {
   TestForm form;
   for (const char* text : {"a", "b", "c"}) form.lstItems.add(text);
