@@ -39,8 +39,8 @@ struct ShellServices {
   std::function<void(Form&)> bringToFront{};
   /// Calls tmrReady once after so many milliseconds.
   std::function<void(int milliseconds)> startTmrReady{};
-  /// Asked before the program ends, for windows that hold unsaved text; false when the user wants to
-  /// stay.
+  /// Asked before the program ends, for windows that hold unsaved text; false when the user wants
+  /// to stay.
   std::function<bool()> mayLeave{};
   /// Ends the process; all forms are closed by then.
   std::function<void()> quit{};

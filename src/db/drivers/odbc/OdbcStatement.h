@@ -22,8 +22,8 @@ struct OdbcLink {
   std::string product;  ///< what the server calls itself, such as "PostgreSQL"
   /// The schemas whose tables need no schema before their name; none where that is not known.
   std::vector<std::string> schemas;
-  /// Primary keys that were asked for, by table, until this connection changes the structure: asking
-  /// for one takes a server longer than a record.
+  /// Primary keys that were asked for, by table, until this connection changes the structure:
+  /// asking for one takes a server longer than a record.
   std::map<std::string, std::vector<std::string>> keys;
 
   OdbcLink() = default;
