@@ -6,6 +6,7 @@
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
+#include "db/OpenDatabase.h"
 #include "import/BelowDetection.h"
 #include "import/DecimalCommas.h"
 
@@ -16,10 +17,6 @@ constexpr std::string_view openFilter =
     "Microsoft excel (4 or 5) files (*.xls)|*.xls|Microsoft Access database (*.mdb)|*.mdb|Tab "
     "delimited text (*.txt)|*.txt|List files (*.lis)|*.lis|Print files (*.prn)|*.prn|All files "
     "(*.*)|*.*";
-
-bool isDatabase(const std::string& path) {
-  return toUpper(path).ends_with("MDB");
-}
 
 // What the user had selected and checked, by name, to be set again after a list was refilled.
 struct ListMarks {
@@ -167,7 +164,7 @@ void DataSheets::ValmistaSource(std::string_view fileList) {
 
 void DataSheets::openSources(const std::vector<std::string>& files) {
   context_.session.record.SourcesBuilt = false;
-  const auto database = std::find_if(files.begin(), files.end(), isDatabase);
+  const auto database = std::find_if(files.begin(), files.end(), isDatabaseFile);
   if (database != files.end()) {
     if (!context_.AvaaDB) throw Error("Databases cannot be opened here: " + *database);
     context_.AvaaDB(*database);

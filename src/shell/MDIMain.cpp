@@ -17,10 +17,6 @@ constexpr std::string_view databasesSection = "Session";
 constexpr int readyMilliseconds = 5000;
 constexpr size_t namesInQuestion = 20;  // more would not fit on the screen
 
-bool isDatabase(std::string_view path) {
-  return toUpper(path).ends_with("MDB");
-}
-
 std::string errorText(const Error& error) {
   return "Error " + std::to_string(error.number()) + " " + error.what();
 }
@@ -290,7 +286,7 @@ void MDIMain::dropFiles(const std::vector<std::string>& paths) {
 void MDIMain::openPaths(const std::vector<std::string>& paths) {
   sheets.F1Ref = Worksheet();
   for (const std::string& path : paths) {
-    if (!isDatabase(path)) continue;
+    if (!isDatabaseFile(path)) continue;
     openDatabase(path);
     SetStage(static_cast<int>(Stage::Identify));
     return;

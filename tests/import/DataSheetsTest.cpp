@@ -193,6 +193,17 @@ TEST_F(Open, ADatabaseAmongTheFilesGoesAlone) {
   EXPECT_EQ(sheets.DataSheetCount(), 0);
 }
 
+TEST_F(Open, ADatabaseIsKnownByItsContent) {
+  std::vector<std::string> opened;
+  context.AvaaDB = [&](const std::string& file) { opened.push_back(file); };
+  const std::string access = write("new.accdb", std::string("\0\1\0\0Standard ACE DB\0", 20));
+  const std::string sqlite = write("samples.db", std::string("SQLite format 3\0", 16));
+  sheets.openSources({access});
+  sheets.openSources({sqlite});
+  EXPECT_THAT(opened, ElementsAre(access, sqlite));
+  EXPECT_EQ(sheets.DataSheetCount(), 0);
+}
+
 TEST_F(Open, RenameKeepsTheNameOnAnEmptyAnswer) {
   frmDataIN& form = sheets.newSheet("New Data ");
   EXPECT_EQ(form.caption(), "New Data 1");
