@@ -114,7 +114,6 @@ void CalculationGroup::clear() {
   methods_.clear();
   problems_.clear();
   folder_.clear();
-  ++generation_;
 }
 
 void CalculationGroup::load(std::string_view folder, UnreadableBook unreadable) {
@@ -266,7 +265,6 @@ void CalculationGroup::replaceBook(int number, const Worksheet& book) {
   target.book.Title(name);
   findSheets(target);
   resolveAllLinks();
-  ++generation_;
 }
 
 }  // namespace lodex

@@ -54,8 +54,6 @@ class CalculationGroup {
     return *methods_.at(static_cast<size_t>(number) - 1);
   }
   const std::string& folder() const { return folder_; }
-  /// Changes with every load, so that whoever keeps notes about methods knows when to drop them.
-  int generation() const { return generation_; }
   /// Files that could not be read, with the reason, and those whose method name is taken.
   const std::vector<std::string>& problems() const { return problems_; }
 
@@ -95,7 +93,6 @@ class CalculationGroup {
   std::vector<std::unique_ptr<MethodBook>> methods_;
   std::string folder_;
   std::vector<std::string> problems_;
-  int generation_ = 0;
 };
 
 /// The method name of a workbook file: its name up to the first ".".

@@ -180,7 +180,6 @@ class SheetEditor {
   /// Runs a command that may change anything in the workbook and makes one step of it. What an
   /// exception leaves behind can be undone, too. Within another recorded command it just runs.
   void record(std::string_view name, const std::function<void()>& command);
-  bool recording() const { return recording_ > 0; }
 
   void undo() { history_.undo(); }
   void redo() { history_.redo(); }

@@ -148,4 +148,18 @@ Binding* bindForm(Form& form, QWidget& root) {
   return new Binding(form, root);
 }
 
+void followForm(Form& form, QWidget& window, std::function<void()> changed,
+                std::function<void()> ended) {
+  const QPointer<QWidget> shown(&window);
+  form.onChange([shown, changed = std::move(changed)] {
+    if (shown) changed();
+  });
+  form.onDestroy([shown, ended = std::move(ended)] {
+    if (!shown) return;
+    ended();
+    shown->hide();
+    shown->deleteLater();
+  });
+}
+
 }  // namespace lodex

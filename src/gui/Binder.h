@@ -62,4 +62,9 @@ class Binding : public QObject {
 /// Binds a form to a window; the binding is a child of the root.
 Binding* bindForm(Form& form, QWidget& root);
 
+/// Calls `changed` after show, hide, close and a new caption of the form, and `ended` at its end,
+/// which is the window's end as well. Neither is called once the window is gone.
+void followForm(Form& form, QWidget& window, std::function<void()> changed,
+                std::function<void()> ended);
+
 }  // namespace lodex

@@ -31,16 +31,8 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
           [this] { Application::requestHelp(objectName()); });
   follow();
-  const QPointer<FormWindow> self(this);
-  form.onChange([self] {
-    if (self) self->follow();
-  });
-  form.onDestroy([self] {
-    if (!self) return;
-    self->form_ = nullptr;
-    self->hide();
-    self->deleteLater();
-  });
+  followForm(
+      form, *this, [this] { follow(); }, [this] { form_ = nullptr; });
 }
 
 FormWindow* FormWindow::of(const Form& form) {

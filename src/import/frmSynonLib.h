@@ -51,7 +51,6 @@ class frmSynonLib : public Form {
   int FoundRow() const { return foundRow_; }
   /// False after loading and saving.
   bool Changed() const { return changed_; }
-  void setChanged(bool changed) { changed_ = changed; }
 
  private:
   void Open();

@@ -391,6 +391,20 @@ TEST_F(RoadTest, MenusOfADataSheetHoldTheGridsCommands) {
   EXPECT_GT(cells.zoom(), 100);
 }
 
+TEST_F(RoadTest, KeysGoThroughTheStagesAndHideTheirPanel) {
+  ASSERT_TRUE(window.start());
+  window.activateWindow();
+  settle();
+  for (int stage = 4; stage >= 0; --stage) {
+    QTest::keyClick(&window, static_cast<Qt::Key>(Qt::Key_1 + stage), Qt::ControlModifier);
+    QTRY_COMPARE(shell().stages.stage(), stage);
+  }
+  QTest::keyClick(&window, Qt::Key_F11);
+  EXPECT_FALSE(shell().stages.picCalc.visible());
+  QTest::keyClick(&window, Qt::Key_F11);
+  EXPECT_TRUE(shell().stages.picCalc.visible());
+}
+
 TEST_F(RoadTest, DroppedFilesOpen) {
   ASSERT_TRUE(window.start());
   QMimeData dropped;

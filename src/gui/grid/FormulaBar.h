@@ -17,7 +17,6 @@ class FormulaBar : public QWidget {
   void showCell(const QString& address, const QString& entry, bool editable);
   /// What is being typed in the cell itself.
   void showTyping(const QString& text);
-  QLineEdit* entryLine() const { return entry_; }
 
  signals:
   /// An address or a block ("B7", "B7:D9") was typed.

@@ -26,7 +26,6 @@ class GridActions : public QObject {
  public:
   explicit GridActions(WorksheetView& view);
 
-  QList<QAction*> all() const { return actions_; }
   QAction* named(const QString& name) const;
   /// Enables what the sheet permits and checks what the active cell's format has.
   void update();

@@ -86,7 +86,6 @@ void WorksheetView::connectTable() {
     showFormula();
     selectionTimer_.start();
     actions_->update();
-    emit selectionChanged();
   });
   connect(table_, &GridTable::cellPressed, this, &WorksheetView::cellClicked);
   connect(table_, &GridTable::menuRequested, this, &WorksheetView::showMenu);
@@ -354,11 +353,7 @@ void WorksheetView::editHeading(Qt::Orientation orientation, int index) {
 }
 
 void WorksheetView::showMenu(const QPoint& global, int row, int column) {
-  emit contextMenu(global, row, column);
-  if (!builtInMenu_) return;
   QMenu menu(this);
-  menu.addActions(windowActions_);
-  if (!windowActions_.isEmpty()) menu.addSeparator();
   actions_->fillContextMenu(menu, row, column);
   menu.exec(global);
 }
@@ -371,16 +366,8 @@ void WorksheetView::showTabMenu(const QPoint& pos) {
   menu.exec(tabs_->mapToGlobal(pos));
 }
 
-QList<QAction*> WorksheetView::gridActions() const {
-  return actions_->all();
-}
-
 QAction* WorksheetView::gridAction(const QString& name) const {
   return actions_->named(name);
-}
-
-void WorksheetView::addMenuActions(const QList<QAction*>& actions) {
-  windowActions_ += actions;
 }
 
 void WorksheetView::setShowFormulaBar(bool show) {
@@ -413,7 +400,6 @@ int WorksheetView::zoom() const {
 void WorksheetView::setZoom(int percent) {
   finishEditing();
   table_->setZoom(percent);
-  emit zoomChanged(zoom());
 }
 
 }  // namespace lodex

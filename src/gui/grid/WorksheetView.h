@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QList>
 #include <QTimer>
 #include <QWidget>
 #include <memory>
@@ -30,7 +29,6 @@ class WorksheetView : public QWidget {
   Q_PROPERTY(bool showSheetTabs READ showSheetTabs WRITE setShowSheetTabs)
   Q_PROPERTY(bool showHeaders READ showHeaders WRITE setShowHeaders)
   Q_PROPERTY(bool readOnly READ readOnly WRITE setReadOnly)
-  Q_PROPERTY(bool builtInMenu READ builtInMenu WRITE setBuiltInMenu)
   Q_PROPERTY(int zoom READ zoom WRITE setZoom)
  public:
   explicit WorksheetView(QWidget* parent = nullptr);
@@ -50,14 +48,10 @@ class WorksheetView : public QWidget {
   EditHistory& history() { return *history_; }
   GridTable& table() { return *table_; }
 
-  /// The commands, for menus and tool bars of a window. They act on this view.
-  QList<QAction*> gridActions() const;
   /// A command by its object name, such as "actCopy"; null for an unknown one.
   QAction* gridAction(const QString& name) const;
-  /// Fills menus of a window.
+  /// The commands, which act on this view; they also fill menus of a window.
   const GridActions& actions() const { return *actions_; }
-  /// Commands of the window that the context menu shows first.
-  void addMenuActions(const QList<QAction*>& actions);
 
   bool showFormulaBar() const { return showFormulaBar_; }
   void setShowFormulaBar(bool show);
@@ -68,9 +62,6 @@ class WorksheetView : public QWidget {
   void setShowHeaders(bool show);
   bool readOnly() const { return readOnly_; }
   void setReadOnly(bool readOnly);
-  /// Without it a right click only tells of itself by `contextMenu`.
-  bool builtInMenu() const { return builtInMenu_; }
-  void setBuiltInMenu(bool builtIn) { builtInMenu_ = builtIn; }
   int zoom() const;
   void setZoom(int percent);
 
@@ -92,15 +83,12 @@ class WorksheetView : public QWidget {
  signals:
   /// A cell was clicked; row or column 0 for a click on a heading.
   void cellClicked(int row, int column);
-  void selectionChanged();
   /// The worksheet was changed by its user, or by undo and redo.
   void edited();
-  void contextMenu(const QPoint& global, int row, int column);
   /// Count, sum and average of the selection for a status bar.
   void statusText(const QString& text);
   /// Why an edit was refused.
   void refused(const QString& reason);
-  void zoomChanged(int percent);
   void sheetShown(int sheet);
 
  protected:
@@ -135,12 +123,10 @@ class WorksheetView : public QWidget {
   QTabBar* tabs_;
   GridActions* actions_;
   QTimer selectionTimer_;
-  QList<QAction*> windowActions_;
   bool showFormulaBar_ = true;
   bool showSheetTabs_ = true;
   bool showHeaders_ = true;
   bool readOnly_ = false;
-  bool builtInMenu_ = true;
   bool fillingTabs_ = false;
 };
 

@@ -59,7 +59,6 @@ class MainWindow : public QMainWindow {
   QString topicInFront() const;
   bool isWorking() const;
   void showHelp(const QString& topic);
-  void popUp(const char* list, const QStringList& entries);
   void listWindows();
   void followProgress();
   void followShell();

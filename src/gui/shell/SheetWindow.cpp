@@ -24,16 +24,8 @@ SheetWindow::SheetWindow(Form& form, QWidget* parent) : QMdiSubWindow(parent), f
     if (auto* window = qobject_cast<QMainWindow*>(content)) addGridMenus(*window, *grid);
   }
   follow();
-  const QPointer<SheetWindow> self(this);
-  form.onChange([self] {
-    if (self) self->follow();
-  });
-  form.onDestroy([self] {
-    if (!self) return;
-    self->form_ = nullptr;
-    self->hide();
-    self->deleteLater();
-  });
+  followForm(
+      form, *this, [this] { follow(); }, [this] { form_ = nullptr; });
   connect(this, &QMdiSubWindow::aboutToActivate, this, [this] {
     if (form_) form_->activate();
   });
