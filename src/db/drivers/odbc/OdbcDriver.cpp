@@ -7,6 +7,7 @@
 #include "basic/Error.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
+#include "db/drivers/WriteStatements.h"
 #include "db/drivers/odbc/OdbcSchema.h"
 #include "db/drivers/odbc/OdbcStatement.h"
 #include "db/sql/JetSql.h"
@@ -79,17 +80,8 @@ class OdbcWriter : public RecordWriter {
   const std::string& table() const override { return table_; }
 
   FieldValue add(const std::vector<FieldChange>& changes, Row& row) override {
-    std::string columns;
-    std::string marks;
     Row values;
-    for (const FieldChange& change : changes) {
-      columns += (columns.empty() ? "" : ", ") + quoted(change.column);
-      marks += marks.empty() ? "?" : ", ?";
-      values.push_back(change.value);
-    }
-    const std::string sql =
-        "INSERT INTO " + quoted(table_) +
-        (changes.empty() ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + marks + ")");
+    const std::string sql = insertStatement(table_, changes, SqlTarget::Server, values);
     if (isPostgres(*link_)) {
       read(sql + " RETURNING " + fieldList(), values, row);
       return {};
@@ -101,12 +93,8 @@ class OdbcWriter : public RecordWriter {
 
   void change(const FieldValue&, const Row& former,
               const std::vector<FieldChange>& changes) override {
-    std::string sql = "UPDATE " + quoted(table_) + " SET ";
     Row values;
-    for (const FieldChange& change : changes) {
-      sql += (values.empty() ? "" : ", ") + quoted(change.column) + " = ?";
-      values.push_back(change.value);
-    }
+    const std::string sql = updateStatement(table_, changes, SqlTarget::Server, values);
     runOnOne(sql, values, former);
   }
 

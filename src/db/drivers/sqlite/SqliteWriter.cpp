@@ -2,6 +2,7 @@
 
 #include "basic/Error.h"
 #include "db/Errors.h"
+#include "db/drivers/WriteStatements.h"
 #include "db/drivers/sqlite/SqliteStatement.h"
 #include "db/sql/JetSql.h"
 
@@ -29,20 +30,9 @@ class SqliteWriter : public RecordWriter {
 
   FieldValue add(const std::vector<FieldChange>& changes, Row& row) override {
     const auto file = openFile();
-    std::string columns;
-    std::string marks;
     Row values;
-    for (const FieldChange& change : changes) {
-      columns += (columns.empty() ? "" : ", ") + quoted(change.column);
-      marks += marks.empty() ? "?" : ", ?";
-      values.push_back(change.value);
-    }
-    SqliteStatement(
-        file,
-        "INSERT INTO " + quoted(table_) +
-            (changes.empty() ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + marks + ")"),
-        values)
-        .run();
+    const std::string sql = insertStatement(table_, changes, SqlTarget::Sqlite, values);
+    SqliteStatement(file, sql, values).run();
     const FieldValue record = std::int64_t{sqlite3_last_insert_rowid(file->handle)};
     SqliteStatement stored(file, readSql_, {record});
     if (stored.step()) {
@@ -53,12 +43,8 @@ class SqliteWriter : public RecordWriter {
 
   void change(const FieldValue& record, const Row&,
               const std::vector<FieldChange>& changes) override {
-    std::string sql = "UPDATE " + quoted(table_) + " SET ";
     Row values;
-    for (const FieldChange& change : changes) {
-      sql += (values.empty() ? "" : ", ") + quoted(change.column) + " = ?";
-      values.push_back(change.value);
-    }
+    const std::string sql = updateStatement(table_, changes, SqlTarget::Sqlite, values);
     values.push_back(record);
     runOnOne(sql + " WHERE _rowid_ = ?", values);
   }
