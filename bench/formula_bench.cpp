@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "worksheet/A1.h"
+#include "basic/A1.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {

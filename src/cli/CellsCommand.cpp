@@ -4,10 +4,10 @@
 #include <memory>
 #include <ostream>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
 #include "cli/Commands.h"
-#include "worksheet/A1.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {

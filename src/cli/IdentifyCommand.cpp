@@ -5,12 +5,12 @@
 #include <memory>
 #include <ostream>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "cli/ImportConsole.h"
 #include "cli/TextTable.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

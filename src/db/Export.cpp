@@ -4,13 +4,13 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "basic/Limits.h"
 #include "basic/Text.h"
 #include "db/Connection.h"
 #include "db/Dates.h"
 #include "db/ExportTexts.h"
 #include "db/FieldValues.h"
 #include "db/Recordset.h"
-#include "worksheet/Limits.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {

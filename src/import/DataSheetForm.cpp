@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
@@ -10,7 +11,6 @@
 #include "import/SheetPaint.h"
 #include "import/StructureEdit.h"
 #include "import/frmSplitDialog.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

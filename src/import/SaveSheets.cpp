@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
@@ -12,7 +13,6 @@
 #include "db/FieldValues.h"
 #include "db/Recordset.h"
 #include "db/SchemaOperations.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cctype>
 
+#include "basic/A1.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "modal/MineralData.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

@@ -58,6 +58,14 @@ std::string lastFilesIni(const SessionRecord& record) {
 
 }  // namespace
 
+void Session::notice(const Findings& noticed) {
+  found.append(noticed);
+  for (const Finding& finding : noticed.all()) {
+    const bool isError = finding.severity == Severity::Error;
+    log.LisaaLog(describe(finding), isError ? LogKind::Both : LogKind::Log);
+  }
+}
+
 std::string Session::ExpandPath(std::string_view path, std::string_view otherwise) const {
   std::string expanded(path);
   const auto prefixed = [&](const std::string& base) {

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "form/Dialogs.h"
 #include "form/EventPump.h"
 #include "session/Log.h"
@@ -69,6 +70,11 @@ class Session {
   frmLog log{*this};
   Progress progress;
   frmLoad splash;
+  /// What the commands of this session noticed, for the report and the exit status.
+  Findings found;
+
+  /// Adds to `found` and to the log: errors to both panes, the rest to the log alone.
+  void notice(const Findings& noticed);
 
   Dialogs& dialogs() { return services_.dialogs; }
   Clipboard& clipboard() { return services_.clipboard; }

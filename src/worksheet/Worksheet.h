@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Limits.h"
 #include "worksheet/CellFormat.h"
 #include "worksheet/CellStore.h"
 #include "worksheet/Clipboard.h"
-#include "worksheet/Limits.h"
 #include "worksheet/Value.h"
 #include "worksheet/formula/RecalcReport.h"
 

@@ -3,9 +3,9 @@
 
 #include <filesystem>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Files.h"
-#include "worksheet/A1.h"
 #include "worksheet/SampleTable.h"
 #include "worksheet/Worksheet.h"
 

@@ -9,9 +9,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "basic/A1.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {

@@ -6,11 +6,11 @@
 #include <iostream>
 #include <map>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/files/TextReader.h"
 

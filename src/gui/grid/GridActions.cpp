@@ -7,6 +7,7 @@
 #include <QInputDialog>
 #include <QMenu>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "gui/QtText.h"
 #include "gui/grid/GridCursor.h"
@@ -16,7 +17,6 @@
 #include "gui/grid/NumberFormatDialog.h"
 #include "gui/grid/SortDialog.h"
 #include "gui/grid/WorksheetView.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

@@ -7,10 +7,10 @@
 #include <QPrinter>
 #include <cmath>
 
+#include "basic/A1.h"
 #include "form/SheetEditorBlock.h"
 #include "gui/QtText.h"
 #include "gui/grid/GridPaint.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

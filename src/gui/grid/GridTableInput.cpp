@@ -7,10 +7,10 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 
+#include "basic/A1.h"
 #include "gui/grid/GridDelegate.h"
 #include "gui/grid/GridHeader.h"
 #include "gui/grid/GridTable.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 

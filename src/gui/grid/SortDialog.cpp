@@ -6,8 +6,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
+#include "basic/A1.h"
 #include "gui/QtText.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

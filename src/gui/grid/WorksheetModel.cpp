@@ -1,8 +1,8 @@
 #include "gui/grid/WorksheetModel.h"
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "gui/QtText.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 

@@ -10,6 +10,7 @@
 #include <QToolTip>
 #include <QVBoxLayout>
 
+#include "basic/A1.h"
 #include "basic/Text.h"
 #include "gui/QtText.h"
 #include "gui/grid/FindBar.h"
@@ -18,7 +19,6 @@
 #include "gui/grid/GridCursor.h"
 #include "gui/grid/GridTable.h"
 #include "gui/grid/WorksheetModel.h"
-#include "worksheet/A1.h"
 
 namespace lodex {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <bit>
 
-#include "worksheet/Limits.h"
+#include "basic/Limits.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex::formula {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "worksheet/Limits.h"
+#include "basic/Limits.h"
 #include "worksheet/formula/Functions.h"
 #include "worksheet/formula/Operand.h"
 #include "worksheet/formula/Parser.h"

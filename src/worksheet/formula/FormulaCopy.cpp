@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "worksheet/A1.h"
-#include "worksheet/Limits.h"
+#include "basic/A1.h"
+#include "basic/Limits.h"
 
 namespace lodex::formula {
 namespace {

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "basic/A1.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/Value.h"
 #include "worksheet/formula/NameBytes.h"
 #include "worksheet/formula/Parser.h"

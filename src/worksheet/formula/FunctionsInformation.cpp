@@ -1,6 +1,6 @@
 // What a value or a cell is.
+#include "basic/A1.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/NumberFormat.h"
 #include "worksheet/formula/FunctionHelp.h"
 

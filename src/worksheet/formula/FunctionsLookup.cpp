@@ -1,8 +1,8 @@
 // Finding values in tables, and references made while computing.
 #include <algorithm>
 
+#include "basic/A1.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/formula/Compare.h"
 #include "worksheet/formula/FunctionHelp.h"
 #include "worksheet/formula/Parser.h"

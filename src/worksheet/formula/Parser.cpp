@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
+#include "basic/A1.h"
+#include "basic/Limits.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
-#include "worksheet/Limits.h"
 #include "worksheet/Value.h"
 #include "worksheet/formula/NameBytes.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "worksheet/Limits.h"
+#include "basic/Limits.h"
 
 namespace lodex::formula {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <array>
 
+#include "basic/A1.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/files/xls/BiffFunctions.h"
 #include "worksheet/formula/Parser.h"
 

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
-#include "worksheet/A1.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/files/DateText.h"
 #include "worksheet/files/FormulaShift.h"

@@ -2,10 +2,10 @@
 #include <cmath>
 #include <cstdio>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
-#include "worksheet/A1.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/files/PlainDecimal.h"
 #include "worksheet/files/xlsx/XlsxParts.h"

@@ -1,8 +1,8 @@
-#include "worksheet/A1.h"
+#include "basic/A1.h"
 
 #include <algorithm>
 
-#include "worksheet/Limits.h"
+#include "basic/Limits.h"
 
 namespace lodex {
 
