@@ -19,11 +19,11 @@ enum class Severity {
 
 /// Where something was noticed. What does not apply is empty or 0; rows and columns count from 1.
 struct Place {
-  std::string file;    // or database
-  std::string sheet;   // or table
+  std::string file{};   // or database
+  std::string sheet{};  // or table
   int row = 0;
   int column = 0;
-  std::string record;  // sample identifier or key
+  std::string record{};  // sample identifier or key
 
   bool operator==(const Place&) const = default;
 };
@@ -82,8 +82,8 @@ enum class Ended { Done, Aborted, Failed };
 struct Outcome {
   Ended ended = Ended::Done;
   /// Aborted: after what, such as "after sample LX-1041, 212 of 2,000"; failed: why.
-  std::string reason;
-  Findings found;
+  std::string reason{};
+  Findings found{};
 
   bool done() const { return ended == Ended::Done; }
   bool aborted() const { return ended == Ended::Aborted; }
