@@ -106,7 +106,9 @@ void Connection::Open(std::string_view connectionString, const ServerIni& server
   if (!equalsNoCase(provider, kJetProvider)) {
     throw Error("The connection text names no known provider: " + provider, dberror::BadArgument);
   }
-  driver_ = isAccessFile(source) ? openAccessTwin(source, warnings_) : openSqliteFile(source);
+  Findings found;
+  driver_ = isAccessFile(source) ? openAccessTwin(source, found) : openSqliteFile(source);
+  for (const Finding& finding : found.all()) warnings_.push_back(finding.text);
   driver_->busyTimeout(kBusyTimeout);
 }
 

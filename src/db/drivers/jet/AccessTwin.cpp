@@ -184,7 +184,7 @@ bool runsAsQuery(Driver& driver, const std::string& name, const std::string& sql
 }
 
 // Queries may stand on each other, so those that fail are tried again while others succeed.
-void makeViews(Driver& driver, std::vector<std::string>& warnings) {
+void makeViews(Driver& driver, Findings& found) {
   struct Saved {
     std::string name, sql, reason;
   };
@@ -198,7 +198,7 @@ void makeViews(Driver& driver, std::vector<std::string>& warnings) {
       if (query.reason.empty()) {
         waiting.push_back(std::move(query));
       } else {
-        warnings.push_back("Query " + query.name + " is no view here: " + query.reason);
+        found.warn("Query " + query.name + " is no view here: " + query.reason);
       }
     }
   }
@@ -209,21 +209,20 @@ void makeViews(Driver& driver, std::vector<std::string>& warnings) {
       if (!runsAsQuery(driver, one.name, one.sql, one.reason)) return false;
       if (one.sql.starts_with("TRANSFORM") &&
           !readJetSql(one.sql, SqlTarget::Sqlite).pivotSql.empty()) {
-        warnings.push_back("Query " + one.name +
-                           " keeps the columns that it had when the file was brought in");
+        found.warn("Query " + one.name +
+                   " keeps the columns that it had when the file was brought in");
       }
       return true;
     });
   }
   for (const Saved& query : waiting) {
-    warnings.push_back("Query " + query.name + " is no view here: " + query.reason);
+    found.warn("Query " + query.name + " is no view here: " + query.reason);
   }
 }
 
 // Keeps a twin that its user changed under a name that is free. Of a twin without its record nobody
 // can tell.
-void keepChangedTwin(const fs::path& twin, const std::optional<Origin>& origin,
-                     std::vector<std::string>& warnings) {
+void keepChangedTwin(const fs::path& twin, const std::optional<Origin>& origin, Findings& found) {
   const bool changed =
       !origin || changeCount(twin) != origin->changes || fs::exists(twin.string() + "-wal");
   if (!changed) return;
@@ -232,7 +231,7 @@ void keepChangedTwin(const fs::path& twin, const std::optional<Origin>& origin,
     kept = fmt::format("{}.{}.sqlite", twin.string().substr(0, twin.string().size() - 7), number);
   }
   fs::rename(twin, kept);
-  warnings.push_back(
+  found.warn(
       "The Access file was brought in again, because it or the way of bringing it in has changed. "
       "The former copy has changes of its own, which are not in the new one; it was kept as " +
       kept.string() + ".");
@@ -255,7 +254,7 @@ void removeLeftovers(const fs::path& twin) {
 }
 
 void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& twin,
-              std::vector<std::string>& warnings) {
+              Findings& found) {
   removeLeftovers(twin);
   const Temporary temporary(twin.string() + "." + std::to_string(::getpid()) + ".tmp");
   HelperRun run =
@@ -267,15 +266,14 @@ void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& 
     throw FileError("Database " + access.string() + " cannot be brought in: " + reason,
                     dberror::Unspecified);
   }
-  warnings.push_back("Access files are only read. The content of " + access.string() +
-                     " was copied to " + twin.string() +
-                     "; all changes go to this copy, the Access file stays as it is.");
-  warnings.insert(warnings.end(), run.lines.begin(), run.lines.end());
+  found.note("Access files are only read. The content of " + access.string() + " was copied to " +
+             twin.string() + "; all changes go to this copy, the Access file stays as it is.");
+  for (const std::string& line : run.lines) found.warn(line);
   {
     const auto driver = openSqliteFile(temporary.path().string());
-    makeViews(*driver, warnings);
+    makeViews(*driver, found);
   }
-  if (fs::exists(twin)) keepChangedTwin(twin, readOrigin(twin), warnings);
+  if (fs::exists(twin)) keepChangedTwin(twin, readOrigin(twin), found);
   // A record without its twin does no harm; a twin of another record would.
   fs::remove(originPath(twin));
   fs::rename(temporary.path(), twin);
@@ -294,7 +292,7 @@ void setTwinFolder(std::string_view folder) {
   chosenFolder() = folder;
 }
 
-std::unique_ptr<Driver> openAccessTwin(std::string_view path, std::vector<std::string>& warnings) {
+std::unique_ptr<Driver> openAccessTwin(std::string_view path, Findings& found) {
   const fs::path access = nativePath(path);
   try {
     const fs::path twin = twinPath(access);
@@ -303,7 +301,7 @@ std::unique_ptr<Driver> openAccessTwin(std::string_view path, std::vector<std::s
       fs::create_directories(twin.parent_path());
       const FolderLock lock(twin.parent_path());
       // Another program may have made it meanwhile.
-      if (!isTwinOf(stamp, twin)) makeTwin(access, stamp, twin, warnings);
+      if (!isTwinOf(stamp, twin)) makeTwin(access, stamp, twin, found);
     }
     return openSqliteFile(twin.string());
   } catch (const fs::filesystem_error& failure) {

@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "basic/Findings.h"
 #include "db/Driver.h"
 
 namespace lodex {
@@ -22,8 +22,8 @@ void setTwinFolder(std::string_view folder);
 /// written: all changes go to the twin, and a twin with changes is kept under another name when the
 /// Access file changed too. Saved queries become views where they can.
 ///
-/// Adds to `warnings` what the user should be told, when a twin was made. Throws FileError when the
+/// Adds to `found` what the user should be told, when a twin was made. Throws FileError when the
 /// file cannot be brought in; no half-made twin stays behind.
-std::unique_ptr<Driver> openAccessTwin(std::string_view path, std::vector<std::string>& warnings);
+std::unique_ptr<Driver> openAccessTwin(std::string_view path, Findings& found);
 
 }  // namespace lodex
