@@ -166,14 +166,6 @@ void fillSources(const CalcOptions& options, ImportConsole& console, const Sourc
   buildSources(console.sheets().F1Ref, sheets, console.context().converter, sources);
 }
 
-void tell(std::ostream& err, const frmLog& log, const CalculationOutcome& outcome,
-          const Worksheet& results) {
-  for (const std::string& line : split(log.txtErr.text(), "\r\n")) {
-    if (!line.empty()) err << "lodex: " << trimBlanks(line) << '\n';
-  }
-  err << countLine(outcome, results) << '\n';
-}
-
 void runCalc(const CalcOptions& options, CommandContext& context) {
   requireGoodTarget(options.out);
   requireOtherFile(options.out, options.files);
@@ -202,7 +194,8 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
       group, methods, sheets, console.sheets().F1Ref, console.context().converter, results};
   const int mostSamples = extensionOf(options.out) == "xls" ? mostXlsSamples : maxRows;
   const CalculationOutcome outcome = calculate(request, mostSamples, session, context.err);
-  tell(context.err, session.log, outcome, results);
+  console.printLines(session.log.txtErr.text(), "lodex: ");
+  context.err << countLine(outcome, results) << '\n';
   if (outcome.samples == 0) throw Error("There are no samples in what was opened");
   if (options.out.empty()) {
     print(context.out, results);

@@ -6,9 +6,21 @@
 
 namespace lodex {
 
-void CliSession::printLines(const TextBox& pane, std::string_view prefix) const {
-  for (const std::string& line : split(pane.text(), "\r\n")) {
-    if (!line.empty()) err_ << prefix << line << '\n';
+CliSession::CliSession(CommandContext& context)
+    : context_(context),
+      dialogs_(context.err, context.answers),
+      session_(Services{dialogs_, events_, clipboard_}) {
+  session_.ReadSession(context.appFolder, true, true);
+}
+
+CliSession::~CliSession() {
+  context_.found.append(session_.found);
+}
+
+void CliSession::printLines(std::string_view pane, std::string_view prefix) const {
+  for (const std::string& line : split(pane, "\r\n")) {
+    if (line.empty() || session_.wroteAsFinding(line)) continue;
+    context_.err << prefix << line << '\n';
   }
 }
 

@@ -10,19 +10,20 @@ namespace lodex {
 /// to standard error.
 class CliSession {
  public:
-  explicit CliSession(CommandContext& context)
-      : err_(context.err),
-        dialogs_(context.err, context.answers),
-        session_(Services{dialogs_, events_, clipboard_}) {
-    session_.ReadSession(context.appFolder, true, true);
-  }
+  explicit CliSession(CommandContext& context);
+  /// Hands what the session noticed to the command's findings.
+  ~CliSession();
+  CliSession(const CliSession&) = delete;
+  CliSession& operator=(const CliSession&) = delete;
+
   Session& session() { return session_; }
 
-  /// Prints a pane of the log to standard error, each line behind `prefix`.
-  void printLines(const TextBox& pane, std::string_view prefix = "lodex: ") const;
+  /// Prints the text of a pane of the log to standard error, `prefix` before each line. Findings
+  /// are left out: they are printed when the command has ended.
+  void printLines(std::string_view pane, std::string_view prefix = "lodex: ") const;
 
  private:
-  std::ostream& err_;
+  CommandContext& context_;
   ConsoleDialogs dialogs_;
   NoEvents events_;
   MemoryClipboard clipboard_;

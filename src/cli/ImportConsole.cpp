@@ -154,12 +154,6 @@ void ImportConsole::identify() {
   sheets_.chkUseThes.setChecked(useThesaurus);
 }
 
-void ImportConsole::printLines(const std::string& pane, const std::string& prefix) const {
-  for (const std::string& line : split(pane, "\r\n")) {
-    if (!line.empty()) context_.err << prefix << line << '\n';
-  }
-}
-
 void requireAllOpened(int failed, size_t files) {
   if (failed == 0) return;
   throw Error(std::to_string(failed) + " of " + std::to_string(files) +

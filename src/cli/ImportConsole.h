@@ -43,8 +43,10 @@ class ImportConsole {
   /// headings is joined to them first. Sheets that were identified and saved before keep what their
   /// system rows say of marked columns.
   void identify();
-  /// Prints a pane of the log to standard error, each line behind `prefix`.
-  void printLines(const std::string& pane, const std::string& prefix) const;
+  /// Prints the text of a pane of the log as CliSession does.
+  void printLines(std::string_view pane, std::string_view prefix) const {
+    console_.printLines(pane, prefix);
+  }
 
   Session& session() { return console_.session(); }
   ImportContext& context() { return import_; }

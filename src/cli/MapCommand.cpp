@@ -46,7 +46,7 @@ void runMap(const MapOptions& options, CommandContext& context) {
   const bool mayBeOld = !options.refresh && isMapOlder(options.database);
   const MapRequest request{true, !options.refresh, options.refresh};
   const MapResult result = MapDatabase(session, database, request);
-  console.printLines(session.log.txtErr);
+  console.printLines(session.log.txtErr.text());
   if (result != MapResult::Mapped) throw Error("Error in opening database " + options.database);
   if (mayBeOld) {
     context.err

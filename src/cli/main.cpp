@@ -39,14 +39,17 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
     std::cout.flush();
-    return std::cout ? 0 : 1;
+    const int status = printFindings(context);
+    return std::cout ? status : 1;
   } catch (const CLI::ParseError& wrong) {
     const int status = app.exit(wrong);
     return status == 0 ? 0 : 2;
   } catch (const std::bad_alloc&) {
+    printFindings(context);
     std::cerr << "lodex: there is not enough memory for this\n";
     return 1;
   } catch (const std::exception& failure) {
+    printFindings(context);
     std::cerr << "lodex: " << failure.what() << '\n';
     return 1;
   }

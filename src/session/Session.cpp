@@ -62,7 +62,9 @@ void Session::notice(const Findings& noticed) {
   found.append(noticed);
   for (const Finding& finding : noticed.all()) {
     const bool isError = finding.severity == Severity::Error;
-    log.LisaaLog(describe(finding), isError ? LogKind::Both : LogKind::Log);
+    const std::string line = describe(finding);
+    log.LisaaLog(line, isError ? LogKind::Both : LogKind::Log);
+    findingLines_.insert(line);
   }
 }
 

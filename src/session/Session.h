@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,6 +76,8 @@ class Session {
 
   /// Adds to `found` and to the log: errors to both panes, the rest to the log alone.
   void notice(const Findings& noticed);
+  /// Whether notice() wrote this line of the log, so that it need not be shown a second time.
+  bool wroteAsFinding(std::string_view logLine) const { return findingLines_.contains(logLine); }
 
   Dialogs& dialogs() { return services_.dialogs; }
   Clipboard& clipboard() { return services_.clipboard; }
@@ -93,6 +96,7 @@ class Session {
   void readDatabases(std::string_view app);
 
   Services services_;
+  std::set<std::string, std::less<>> findingLines_;
 };
 
 /// Up to ten last files of a kind, newest first, in lastfiles.ini of the user's ini folder.

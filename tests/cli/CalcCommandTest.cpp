@@ -47,7 +47,7 @@ TEST_F(CalcCommand, RunsWorkbooksAndItsResultsOpenAgain) {
   writeMethod("New.xlsx", FileType::Xlsx);
   writeFileWhole((folder / "a.txt").string(), "Sample\tCu ppm\tCu_ICP ppm\nB2\t50\t\nB1\t100\t7\n");
   const std::string common = "calc " + quoted("a.txt") + "--group " + quoted("group");
-  const Outcome all = runLodex(common + "--out " + quoted("r.xls") + "2>&1");
+  const CommandRun all = runLodex(common + "--out " + quoted("r.xls") + "2>&1");
   EXPECT_EQ(all.status, 0) << all.text;
   EXPECT_THAT(all.text, HasSubstr("2 samples found, 2 calculated, 2 result sheets, 0 errors"));
   Worksheet saved;
@@ -55,7 +55,7 @@ TEST_F(CalcCommand, RunsWorkbooksAndItsResultsOpenAgain) {
   ASSERT_EQ(saved.SheetNumber("Old"), 2);
   EXPECT_EQ(saved.TextSRC(2, 6, 2), "B1");
   EXPECT_EQ(saved.NumberSRC(2, 6, 3), 0.02);
-  const Outcome asked = runLodex("--answer 2 " + common + "--method old --ask-refs 2>/dev/null");
+  const CommandRun asked = runLodex("--answer 2 " + common + "--method old --ask-refs 2>/dev/null");
   EXPECT_THAT(asked.text, HasSubstr("\tB1\t0.0014\n\tB2\t"));
   EXPECT_THAT(runLodex("methods --group " + quoted("group")).text,
               HasSubstr("  Old\n    Inputs: Cu %\n    Outputs: Copper\n"));
@@ -67,10 +67,10 @@ TEST_F(CalcCommand, ReadsDecimalCommasWhenAsked) {
                  "Mine X, 2021;;\nProbe;Cu %;LOI\nA;0,52;1,5\nB;1.5;\nC;<0,01;\n1,5;2;\n");
   const std::string common =
       "calc " + quoted("a.csv") + "--header-row 2 --group " + quoted("group");
-  const Outcome plain = runLodex(common + "2>&1");
+  const CommandRun plain = runLodex(common + "2>&1");
   EXPECT_THAT(plain.text, HasSubstr("a: 2 values with a comma, such as \"0,52\", are text"));
   EXPECT_THAT(plain.text, HasSubstr("\tA\t#VALUE!\n\tB\t3\n"));
-  const Outcome asked = runLodex(common + "--decimal-comma 2>/dev/null");
+  const CommandRun asked = runLodex(common + "--decimal-comma 2>/dev/null");
   EXPECT_THAT(asked.text, HasSubstr("\t1,5\t4\n\tA\t1.04\n\tB\t3\n\tC\t#VALUE!\n"));
 }
 
@@ -83,10 +83,10 @@ TEST_F(CalcCommand, ResultsGoIntoADatabase) {
     const std::string database = quoted(std::string(results) + ".db");
     runLodex("calc " + quoted("a.txt") + "--group " + quoted("group") + "--out " + quoted(results) +
              "2>&1");
-    const Outcome described = runLodex("identify " + quoted(results));
+    const CommandRun described = runLodex("identify " + quoted(results));
     EXPECT_THAT(described.text, HasSubstr("2 data rows, first data row 13, ID column B"));
     EXPECT_THAT(described.text, testing::ContainsRegex("C  *Copper  *New  *Copper  *DOUBLE"));
-    const Outcome saved = runLodex("save " + quoted(results) + "--db " + database + "2>&1");
+    const CommandRun saved = runLodex("save " + quoted(results) + "--db " + database + "2>&1");
     EXPECT_EQ(saved.status, 0) << saved.text;
     for (const char* table : {"Old", "New"}) {
       const std::string query = std::string("'SELECT [Sample], [Copper] FROM [") + table + "]'";
@@ -164,7 +164,7 @@ TEST_F(CalcCommand, TakesSamplesFromADatabase) {
            Case{"--table NONE", 1, "The database has no table NONE; it has: "},
            Case{"--filter Poor", 1, "The database has no filter Poor; it has: Rich"},
        }) {
-    const Outcome outcome =
+    const CommandRun outcome =
         runLodex("calc --db " + database + "--group " + quoted("group") + c.options + " 2>&1");
     EXPECT_EQ(outcome.status, c.status) << c.options;
     EXPECT_THAT(outcome.text, HasSubstr(c.text)) << c.options;
@@ -193,7 +193,7 @@ TEST_F(CalcCommand, SaysWhatIsWrong) {
            Case{file + group + "--out " + quoted("a.txt"), 1, "is what the calculation reads"},
            Case{"--answer 3 " + file + group + "--ask-refs", 1, "is no choice among 1, 2"},
        }) {
-    const Outcome outcome = runLodex(c.arguments + " 2>&1");
+    const CommandRun outcome = runLodex(c.arguments + " 2>&1");
     EXPECT_EQ(outcome.status, c.status) << c.arguments;
     EXPECT_THAT(outcome.text, HasSubstr(c.text));
   }

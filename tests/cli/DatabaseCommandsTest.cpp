@@ -20,7 +20,7 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   writeFileWhole((folder / "good.txt").string(), "Sample\tFe_XRF %\nS1\t5.5\nS2\t6\n");
   writeFileWhole((folder / "bad.txt").string(), "Sample\tFe_XRF %\nS3\t<5\n");
   const std::string db = "--db " + quoted("a.mdb");
-  const Outcome saved = runLodex("save " + quoted("good.txt") + db + "--log");
+  const CommandRun saved = runLodex("save " + quoted("good.txt") + db + "--log");
   EXPECT_EQ(saved.status, 0);
   EXPECT_THAT(saved.text, HasSubstr("  -EXECUTED: CREATE TABLE [ANALYSES]"));
   EXPECT_EQ(runLodex("save " + quoted("bad.txt") + db + "2>/dev/null").status, 1);
@@ -29,7 +29,7 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   EXPECT_THAT(runLodex("save " + quoted("good.txt") + db + "--merge 2>&1").text,
               HasSubstr("0 records written in "));
   EXPECT_EQ(runLodex("save " + quoted("missing.txt") + db + "2>/dev/null").status, 1);
-  const Outcome map = runLodex("map --refresh " + quoted("a.mdb"));
+  const CommandRun map = runLodex("map --refresh " + quoted("a.mdb"));
   EXPECT_EQ(map.status, 0);
   EXPECT_THAT(map.text, HasSubstr("table\tANALYSES\tSample\tFe/XRF/%\n"));
   EXPECT_THAT(map.text, HasSubstr("key\tANALYSES\tSample\n"));
@@ -39,7 +39,7 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   EXPECT_THAT(runLodex("map " + quoted("a.mdb") + "2>&1 >/dev/null").text,
               HasSubstr("is older than the database"));
   EXPECT_EQ(runLodex("map " + quoted("missing.mdb") + "2>/dev/null").status, 1);
-  const Outcome combined = runLodex("combine " + quoted("a.mdb") + "--into " + quoted("b.mdb"));
+  const CommandRun combined = runLodex("combine " + quoted("a.mdb") + "--into " + quoted("b.mdb"));
   EXPECT_EQ(combined.status, 0);
   EXPECT_THAT(combined.text, HasSubstr(" -3 records written in ANALYSES"));
   EXPECT_THAT(runLodex("combine " + quoted("a.mdb") + "--into " + quoted("a.mdb") + "2>&1").text,

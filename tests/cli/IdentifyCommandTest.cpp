@@ -31,7 +31,7 @@ TEST_F(IdentifyCommand, PrintsAndSavesWhatItFound) {
   const std::string comma = file("core.csv", "Hole No,SiO2_XRF %\n00123,50.10\n");
   const std::string aligned = file("pulp.lis", "Lab        Au ppb\nO'Brien        2\n");
   const std::string out = (folder / "out.xlsx").string();
-  const Outcome outcome = runLodex("identify " + comma + aligned + "--log --out '" + out + "'");
+  const CommandRun outcome = runLodex("identify " + comma + aligned + "--log --out '" + out + "'");
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.text, HasSubstr("Sheet core: 1 data rows, first data row 13, ID column B"));
   EXPECT_THAT(outcome.text, ContainsRegex("C  *SiO2_XRF %  *SiO2  *XRF  *%  *ANALYSES  *"
@@ -61,7 +61,7 @@ TEST_F(IdentifyCommand, CorrectionsInASavedSheetHold) {
   correct("FIELD", 3, "Iron");
   correct("TABLE", 4, "CORE");
   book.Write(path, FileType::Xlsx);
-  const Outcome again = runLodex("identify '" + path + "' 2>&1");
+  const CommandRun again = runLodex("identify '" + path + "' 2>&1");
   EXPECT_THAT(again.text, ContainsRegex("C  *Fe ppm  *Fe2O3  *%  *ANALYSES  *Iron  *SINGLE"));
   EXPECT_THAT(again.text, ContainsRegex("D  *Core depth  *CORE  *Core depth  *TEXT"));
 }
@@ -69,16 +69,16 @@ TEST_F(IdentifyCommand, CorrectionsInASavedSheetHold) {
 TEST_F(IdentifyCommand, GoesOnBehindAFileThatCannotBeOpened) {
   const std::string good = file("good.txt", "No\tFe %\n1\t5\n");
   const std::string missing = "'" + (folder / "missing.xls").string() + "' ";
-  const Outcome outcome = runLodex("identify " + missing + good + "2>/dev/null");
+  const CommandRun outcome = runLodex("identify " + missing + good + "2>/dev/null");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_THAT(outcome.text, HasSubstr("X(Fe)1/1"));
-  const Outcome messages = runLodex("identify " + missing + good + "2>&1 >/dev/null");
+  const CommandRun messages = runLodex("identify " + missing + good + "2>&1 >/dev/null");
   EXPECT_THAT(messages.text, HasSubstr("missing.xls"));
 }
 
 TEST_F(IdentifyCommand, TitlesAndUnitsAroundTheHeadings) {
   const std::string units = file("units.csv", "Sample,Cu,SiO2,Depth\n,ppm,wt%,m\nA,5,50,1\n");
-  const Outcome joined = runLodex("identify " + units + "2>&1");
+  const CommandRun joined = runLodex("identify " + units + "2>&1");
   EXPECT_THAT(joined.text, HasSubstr("row 2 holds units"));
   EXPECT_THAT(joined.text, HasSubstr("1 data rows"));
   EXPECT_THAT(joined.text, ContainsRegex("Cu ppm  *Cu  *ppm  *ANALYSES"));
@@ -88,7 +88,7 @@ TEST_F(IdentifyCommand, TitlesAndUnitsAroundTheHeadings) {
   const std::string titled = file("titled.csv", "Report,,\nMine,,\nNo,Fe %,Cu ppm\nA,5,6\n");
   EXPECT_THAT(runLodex("identify " + titled + "2>&1").text,
               HasSubstr("No column was understood: is row 1 the heading?"));
-  const Outcome told = runLodex("identify --header-row 3 " + titled + "2>&1");
+  const CommandRun told = runLodex("identify --header-row 3 " + titled + "2>&1");
   EXPECT_THAT(told.text, HasSubstr("X(Fe)1/1"));
   EXPECT_THAT(told.text, HasSubstr("1 data rows"));
   EXPECT_THAT(told.text, Not(HasSubstr("X(N)")));
@@ -98,7 +98,7 @@ TEST_F(IdentifyCommand, TitlesAndUnitsAroundTheHeadings) {
 TEST_F(IdentifyCommand, TellsAtTheEndWhichRowsAreLeftOut) {
   std::string rows = "No,Fe %\n";
   for (int i = 0; i < 16000; ++i) rows += "A" + std::to_string(i) + ",5\n";
-  const Outcome outcome = runLodex("identify " + file("long.csv", rows) + "2>&1 >/dev/null");
+  const CommandRun outcome = runLodex("identify " + file("long.csv", rows) + "2>&1 >/dev/null");
   EXPECT_TRUE(outcome.text.ends_with("long.csv: only 16000 of 16001 rows are used\n"))
       << outcome.text;
 }

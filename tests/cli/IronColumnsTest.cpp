@@ -74,8 +74,8 @@ class IronColumns : public testing::Test {
   std::string path(const std::string& name) const { return (folder / name).string(); }
 
   void calculate(const std::string& group) {
-    const Outcome outcome = runLodex("calc '" + path("rocks.txt") + "' --group " + group +
-                                     " --out '" + path("results.xls") + "' 2>&1");
+    const CommandRun outcome = runLodex("calc '" + path("rocks.txt") + "' --group " + group +
+                                        " --out '" + path("results.xls") + "' 2>&1");
     ASSERT_EQ(outcome.status, 0) << outcome.text;
     results.Read(path("results.xls"));
   }

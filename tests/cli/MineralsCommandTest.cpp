@@ -12,14 +12,14 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-struct Outcome {
+struct CommandRun {
   int status;
   std::string text;
 };
 
-Outcome runMinerals(const std::string& arguments) {
+CommandRun runMinerals(const std::string& arguments) {
   const std::string command = std::string(LODEX_BIN_DIR) + "/lodex minerals " + arguments + " 2>&1";
-  Outcome outcome{-1, ""};
+  CommandRun outcome{-1, ""};
   FILE* pipe = ::popen(command.c_str(), "r");
   if (!pipe) return outcome;
   char buffer[4096];

@@ -27,10 +27,10 @@ class ModalCommand : public testing::Test {
   }
   ~ModalCommand() override { fs::remove_all(folder_); }
 
-  Outcome run(const std::string& arguments) {
+  CommandRun run(const std::string& arguments) {
     const std::string command = "cd '" + folder_.string() +
                                 "' && HOME=. " LODEX_BIN_DIR "/lodex modal " + arguments + " 2>&1";
-    Outcome outcome{-1, ""};
+    CommandRun outcome{-1, ""};
     FILE* pipe = ::popen(command.c_str(), "r");
     if (!pipe) return outcome;
     char buffer[4096];
@@ -54,7 +54,7 @@ TEST_F(ModalCommand, CalculatesPrintsAndSaves) {
   writeFileWhole(path("two.mmq"), setUp);
   writeFileWhole(path("assays.txt"),
                  "Sample\tCu ppm\tSiO2 %\tFeOT\nA-1\t34625\t80\t3\nA-2\t\t50\t<1\n");
-  const Outcome done = run("--assays assays.txt --setup two.mmq");
+  const CommandRun done = run("--assays assays.txt --setup two.mmq");
   ASSERT_EQ(done.status, 0) << done.text;
   EXPECT_THAT(done.text, HasSubstr("SampleNo  Ccp %   Qz %  Total\n"
                                    "A-1       10.00  80.00  90.00\n"
@@ -99,8 +99,8 @@ TEST_F(ModalCommand, StoredSamplesGiveTheAmountsOfTheirFile) {
     const std::string database = path(row.name) + ".mdb";
     // Texts such as "<10" among numbers are refused, which does not stop the rest.
     runLodex("save '" + examples + row.assays + "' --db '" + database + "' 2>/dev/null");
-    const Outcome stored = run("--db '" + database + "' --setup " + setUpPath);
-    const Outcome file = run("--assays '" + examples + row.assays + "' --setup " + setUpPath);
+    const CommandRun stored = run("--db '" + database + "' --setup " + setUpPath);
+    const CommandRun file = run("--assays '" + examples + row.assays + "' --setup " + setUpPath);
     ASSERT_EQ(stored.status, 0) << stored.text;
     ASSERT_EQ(file.status, 0) << file.text;
     EXPECT_EQ(amountsIn(stored.text), amountsIn(file.text));
@@ -108,7 +108,7 @@ TEST_F(ModalCommand, StoredSamplesGiveTheAmountsOfTheirFile) {
   }
   const std::string ore = "'" + path("ore") + ".mdb'";
   runLodex("sql " + ore + " 'CREATE VIEW [f_Top] AS SELECT * FROM [Sample] WHERE [From] < 214'");
-  const Outcome top = run("--db " + ore + " --filter Top --setup '" + examples + "ore.mmq'");
+  const CommandRun top = run("--db " + ore + " --filter Top --setup '" + examples + "ore.mmq'");
   EXPECT_EQ(top.status, 0) << top.text;
   EXPECT_THAT(top.text, HasSubstr("LX-1042"));
   EXPECT_THAT(top.text, testing::Not(HasSubstr("LX-1043")));
@@ -116,7 +116,7 @@ TEST_F(ModalCommand, StoredSamplesGiveTheAmountsOfTheirFile) {
 
 TEST_F(ModalCommand, PrintsTheSetUp) {
   writeFileWhole(path("two.mmq"), setUp);
-  const Outcome report = run("--report --setup two.mmq");
+  const CommandRun report = run("--report --setup two.mmq");
   EXPECT_EQ(report.status, 0);
   EXPECT_THAT(report.text, StartsWith("**** Mineral quantification setup: ****\n"));
   EXPECT_THAT(report.text, HasSubstr("\n2\tM/Qz/1601\tSi (14) / <<First>>\t"));
@@ -150,7 +150,7 @@ TEST_F(ModalCommand, RefusesClearly) {
       {"--assays assays.txt --filter x --setup two.mmq", "--filter requires --db", 2},
   };
   for (const auto& row : rows) {
-    const Outcome outcome = run(row.arguments);
+    const CommandRun outcome = run(row.arguments);
     EXPECT_EQ(outcome.status, row.status) << row.arguments << '\n' << outcome.text;
     EXPECT_THAT(outcome.text, HasSubstr(row.reason)) << row.arguments;
   }

@@ -7,14 +7,14 @@
 
 namespace lodex {
 
-struct Outcome {
+struct CommandRun {
   int status = -1;
   std::string text;
 };
 
 /// Runs `lodex` with the arguments, as a shell would take them, and reads its standard output.
-inline Outcome runLodex(const std::string& arguments) {
-  Outcome outcome;
+inline CommandRun runLodex(const std::string& arguments) {
+  CommandRun outcome;
   FILE* pipe = ::popen((std::string(LODEX_BIN_DIR) + "/lodex " + arguments).c_str(), "r");
   if (!pipe) return outcome;
   char buffer[4096];

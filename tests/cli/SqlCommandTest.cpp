@@ -26,7 +26,7 @@ class SqlCommand : public testing::Test {
   }
   void TearDown() override { std::filesystem::remove(database_); }
 
-  Outcome run(const std::string& statement, const std::string& options = "") {
+  CommandRun run(const std::string& statement, const std::string& options = "") {
     return runLodex("sql " + database_ + " \"" + statement + "\" " + options + " 2>&1");
   }
 
@@ -48,18 +48,18 @@ TEST_F(SqlCommand, PrintsRecordsInEachFormatWhole) {
        "\n  {\"a, \\\"b\\\"\": \"Å\", \"n\": null, \"Ok\": false}\n]\n"},
   };
   for (const auto& row : rows) {
-    const Outcome outcome = run("SELECT * FROM [T]", row.options);
+    const CommandRun outcome = run("SELECT * FROM [T]", row.options);
     EXPECT_EQ(outcome.status, 0) << row.options;
     EXPECT_EQ(outcome.text, row.expected) << row.options;
   }
 }
 
 TEST_F(SqlCommand, RunsStatementsAndTellsFaults) {
-  const Outcome changed = run("DELETE * FROM [T] WHERE [n] Is Null");
+  const CommandRun changed = run("DELETE * FROM [T] WHERE [n] Is Null");
   EXPECT_EQ(changed.status, 0);
   EXPECT_EQ(changed.text, "");
   EXPECT_EQ(run("SELECT Count(*) AS c FROM [T]").text, "c\n1\n");
-  const Outcome wrong = run("SELECT * FORM [T]");
+  const CommandRun wrong = run("SELECT * FORM [T]");
   EXPECT_EQ(wrong.status, 1);
   EXPECT_THAT(wrong.text, HasSubstr("line 1, column 10"));
   EXPECT_EQ(run("SELECT 1", "--format xml").status, 2);

@@ -42,6 +42,20 @@ class SessionTest : public testing::Test {
   Session session_{Services{dialogs_, events_, clipboard_}};
 };
 
+TEST_F(SessionTest, KnowsWhichLinesOfTheLogAreFindings) {
+  Findings found;
+  found.warn("text counted as 0", {.sheet = "Cu", .row = 2, .column = 2});
+  found.error("a record was left out");
+  session_.notice(found);
+  session_.log.LisaaLog("Total");
+  EXPECT_EQ(session_.log.txtLog.text(),
+            "sheet Cu, B2: text counted as 0\r\na record was left out\r\nTotal");
+  EXPECT_EQ(session_.log.txtErr.text(), "a record was left out");
+  EXPECT_TRUE(session_.wroteAsFinding("sheet Cu, B2: text counted as 0"));
+  EXPECT_FALSE(session_.wroteAsFinding("Total"));
+  EXPECT_TRUE(session_.found.hasErrors());
+}
+
 TEST_F(SessionTest, IniLookupIgnoresCaseQuotesAndComments) {
   const std::string ini = mainIni();
   writeFileWhole(ini,
