@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "basic/Limits.h"
 #include "worksheet/CellFormat.h"
 #include "worksheet/CellStore.h"
@@ -231,9 +232,13 @@ class Worksheet {
 
   // --- Files ---
 
-  /// Loads a file into the whole workbook and returns its kind, told by content. Throws FileError
-  /// and keeps the former content when the file is missing, damaged or of no known kind.
+  /// Loads a file into the whole workbook and returns its type, detected from its content. Formulas
+  /// for which the file has no value are calculated. Throws FileError and keeps the former content
+  /// when the file is missing, damaged or of no known type. Where the rest of a damaged file is
+  /// worth having, what could not be read is an Error in ReadFindings.
   FileType Read(std::string_view path);
+  /// What the last Read noticed, in places that name file, sheet, row and column.
+  const Findings& ReadFindings() const { return readFindings_; }
   /// Writes the workbook, or for Text the current sheet; the file is replaced as a whole.
   void Write(std::string_view path, FileType type) const;
   /// A snapshot of the workbook in memory and back.
@@ -283,6 +288,7 @@ class Worksheet {
 
   // --- For file readers and writers and the formula engine ---
 
+  Findings& findingsForReader() { return readFindings_; }
   const CellStore& cells(int sheet) const { return data(sheet).cells; }
   /// Fetch it anew after a Recalc: the formulas learn of a change only through this call.
   CellStore& cellsForReader(int sheet);
@@ -321,6 +327,7 @@ class Worksheet {
   std::string displayed(const Cell& cell) const;
   void setContent(SheetData& target, int sheet, int row, int column, const Value& value);
   void formulasChange();
+  void calculateMissing();
   void blockChanges(int row1, int column1, int row2, int column2);
   enum class Rewrite { All, WithSheets };
   void rewriteFormulas(Rewrite which,
@@ -339,6 +346,7 @@ class Worksheet {
   std::unique_ptr<FormatTable> formats_;
   std::vector<DefinedName> names_;
   std::unique_ptr<FormulaEngine> engine_;  // from the first Recalc on
+  Findings readFindings_;
   GridPermissions permissions_;
   std::string title_;
   int current_ = 1;

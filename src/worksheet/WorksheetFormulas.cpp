@@ -91,6 +91,29 @@ void Worksheet::Recalc() {
   engine_->recalc(*this);
 }
 
+// Some programs write formulas without their values.
+void Worksheet::calculateMissing() {
+  std::vector<Place> missing;
+  for (int sheet = 1; sheet <= NumSheets(); ++sheet) {
+    data(sheet).cells.forEach([&](int row, int column, const Cell& cell) {
+      if (cell.kind != ValueKind::Formula || cell.formula->valueFromFile) return;
+      missing.push_back({"", SheetName(sheet), row, column, ""});
+    });
+  }
+  if (missing.empty()) return;
+  if (!engine_) engine_ = std::make_unique<FormulaEngine>();
+  engine_->calculateMissing(*this);
+  for (const Place& place : missing) {
+    const Cell& cell = data(SheetNumber(place.sheet)).cells.at(place.row, place.column);
+    if (cell.formula->notComputed) {
+      readFindings_.error("the formula has no value in the file and could not be calculated",
+                          place);
+    } else {
+      readFindings_.note("the formula has no value in the file and was calculated", place);
+    }
+  }
+}
+
 RecalcReport Worksheet::recalcReport() const {
   return engine_ ? engine_->report(*this) : RecalcReport();
 }

@@ -65,11 +65,13 @@ FileType Worksheet::Read(std::string_view path) {
   FileType type;
   try {
     type = readAny(bytes, book);
+    if (type != FileType::Text) book.calculateMissing();
   } catch (const Error& failure) {
     throw FileError("Cannot read " + std::string(path) + ": " + failure.what());
   } catch (const std::bad_alloc&) {
     throw FileError("Cannot read " + std::string(path) + ": it does not fit in memory");
   }
+  book.readFindings_.nameFile(path);
   if (book.Title().empty()) book.Title(titleOf(path));
   // What the user may do in the grid is no matter of the file, unless the file is our own.
   if (type != FileType::Native) book.permissions_ = permissions_;

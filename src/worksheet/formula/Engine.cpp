@@ -12,7 +12,6 @@ namespace lodex {
 using formula::Area;
 using formula::Code;
 using formula::Operand;
-using formula::Place;
 using formula::Tag;
 
 namespace {
@@ -31,9 +30,9 @@ bool agrees(const Value& before, const Value& after) {
 
 }  // namespace
 
-Place FormulaEngine::placeOf(const Entry& entry) const {
-  Place place{static_cast<int>(entry.sheet), static_cast<int>(entry.row),
-              static_cast<int>(entry.column)};
+formula::Place FormulaEngine::placeOf(const Entry& entry) const {
+  formula::Place place{static_cast<int>(entry.sheet), static_cast<int>(entry.row),
+                       static_cast<int>(entry.column)};
   if (entry.cell->array) {
     place.row = entry.cell->array->row;
     place.column = entry.cell->array->column;
@@ -158,7 +157,7 @@ void FormulaEngine::order(Worksheet& book) {
         chain.pop_back();
         continue;
       }
-      const Place place = placeOf(entry);
+      const formula::Place place = placeOf(entry);
       const Area area = references[frame.reference].at(place.sheet, place.row, place.column);
       if (!frame.started) {
         frame.started = true;
@@ -187,9 +186,7 @@ void FormulaEngine::order(Worksheet& book) {
 
 // --- Recalculation ---
 
-void FormulaEngine::recalc(Worksheet& book) {
-  const bool all = !planned_;
-  if (all) plan(book);
+void FormulaEngine::startPass(Worksheet& book) {
   if (++pass_ == 0) {
     for (const Entry& entry : entries_) {
       forBlock(book, entry, [](int, int, FormulaCell& cell) { cell.pass = 0; });
@@ -197,6 +194,35 @@ void FormulaEngine::recalc(Worksheet& book) {
     pass_ = 1;
   }
   evaluator_->newPass(book);
+}
+
+void FormulaEngine::calculateMissing(Worksheet& book) {
+  plan(book);
+  startPass(book);
+  std::vector<size_t> missing;
+  for (size_t i = 0; i < entries_.size(); ++i) {
+    bool complete = true;
+    size_t cells = 0;
+    forBlock(book, entries_[i], [&](int, int, FormulaCell& cell) {
+      cells += cell.valueFromFile ? 0 : 1;
+      complete = complete && cell.valueFromFile;
+    });
+    withoutValue_ += cells;
+    if (complete) {
+      passBy(book, entries_[i]);
+    } else {
+      missing.push_back(i);
+    }
+  }
+  for (const size_t index : missing) evaluate(book, index);
+  // The next recalculation evaluates all.
+  invalidate();
+}
+
+void FormulaEngine::recalc(Worksheet& book) {
+  const bool all = !planned_;
+  if (all) plan(book);
+  startPass(book);
   for (size_t i = 0; i < entries_.size(); ++i) {
     const Entry& entry = entries_[i];
     if (entry.cell->pass == pass_) continue;
@@ -210,7 +236,7 @@ void FormulaEngine::recalc(Worksheet& book) {
 }
 
 bool FormulaEngine::precedentsChanged(const Entry& entry) {
-  const Place place = placeOf(entry);
+  const formula::Place place = placeOf(entry);
   for (const formula::CompiledReference& reference : entry.cell->code->references) {
     const Area area = reference.at(place.sheet, place.row, place.column);
     if (area.isCell() ? changes_.isMarked(area.sheet, area.row1, area.column1)
@@ -280,7 +306,7 @@ void FormulaEngine::store(Worksheet& book, const Entry& entry, const Operand& re
     entry.cell->notComputed = false;
     return storeValue(entry, *entry.cell, result);
   }
-  const Place origin = placeOf(entry);
+  const formula::Place origin = placeOf(entry);
   forBlock(book, entry, [&](int row, int column, FormulaCell& cell) {
     Entry place = entry;
     place.row = static_cast<std::uint64_t>(row) & 0x1FFFFF;
@@ -337,6 +363,7 @@ void FormulaEngine::storeValue(const Entry& place, FormulaCell& cell, const Oper
 RecalcReport FormulaEngine::report(const Worksheet& book) const {
   RecalcReport report;
   report.changed = changedFromFile_;
+  report.withoutValue = withoutValue_;
   for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
     book.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
       if (cell.kind != ValueKind::Formula) return;
@@ -352,8 +379,8 @@ RecalcReport FormulaEngine::report(const Worksheet& book) const {
 std::string FormulaEngine::problemOf(const Worksheet& book, int sheet, int row, int column) {
   const Cell& cell = book.cells(sheet).at(row, column);
   if (cell.kind != ValueKind::Formula || !cell.formula->notComputed) return {};
-  const auto code = formula::compileFormula(cell.formula->text, Place{sheet, row, column}, book,
-                                            cell.formula->array != nullptr);
+  const auto code = formula::compileFormula(cell.formula->text, formula::Place{sheet, row, column},
+                                            book, cell.formula->array != nullptr);
   for (const formula::Instruction& in : code->instructions) {
     if (in.op == formula::Op::Unknown) return code->texts[in.index];
   }

@@ -31,6 +31,9 @@ class FormulaEngine {
   /// Brings all formulas up to date.
   void recalc(Worksheet& book);
 
+  /// Calculates only the formulas that have no value yet, from the values that all others have.
+  void calculateMissing(Worksheet& book);
+
   /// Formulas, sheets or names change: all is compiled and evaluated anew next time.
   void invalidate() { planned_ = false; }
 
@@ -53,6 +56,7 @@ class FormulaEngine {
   struct Frame;
 
   void plan(Worksheet& book);
+  void startPass(Worksheet& book);
   void collect(Worksheet& book);
   void compile(const Worksheet& book, Entry& entry, const Entry& above);
   void order(Worksheet& book);
@@ -70,6 +74,7 @@ class FormulaEngine {
   bool planned_ = false;
   std::uint32_t pass_ = 0;
   size_t changedFromFile_ = 0;
+  size_t withoutValue_ = 0;
   std::vector<Entry> entries_;  // in the order of evaluation
   std::unordered_map<std::string, std::unique_ptr<formula::Code>> codes_;
   formula::ChangeMap changes_;
