@@ -29,10 +29,10 @@ TableLink linkAt(const Worksheet& links, int row) {
 }
 
 // Where a field name occurs in the map.
-struct Place {
+struct FieldPlace {
   int row;
   int column;
-  auto operator<=>(const Place&) const = default;
+  auto operator<=>(const FieldPlace&) const = default;
 };
 
 }  // namespace
@@ -116,7 +116,7 @@ void DatabaseMap::MakeLinks() {
   }
   // A name's places come in rising order, so that what lies behind a place is a later table.
   const int count = tableCount();
-  std::unordered_map<std::string, std::vector<Place>> places;
+  std::unordered_map<std::string, std::vector<FieldPlace>> places;
   for (int row = 1; row <= count; ++row) {
     int column = 2;
     for (const std::string& field : fields(row)) {
@@ -124,10 +124,10 @@ void DatabaseMap::MakeLinks() {
     }
   }
   for (int row = 1; row <= count && last < maxLinks; ++row) {
-    std::vector<std::pair<Place, std::string>> partners;
+    std::vector<std::pair<FieldPlace, std::string>> partners;
     for (const std::string& field : fields(row)) {
-      const std::vector<Place>& all = places[toUpper(field)];
-      auto later = std::upper_bound(all.begin(), all.end(), Place{row, maxColumns});
+      const std::vector<FieldPlace>& all = places[toUpper(field)];
+      auto later = std::upper_bound(all.begin(), all.end(), FieldPlace{row, maxColumns});
       const auto room = static_cast<std::ptrdiff_t>(maxLinks - last);
       const auto end = later + std::min(room, all.end() - later);
       for (; later != end; ++later) partners.emplace_back(*later, field);

@@ -8,7 +8,7 @@
 namespace lodex {
 namespace {
 
-struct Place {
+struct CellPlace {
   int row = 0;
   int column = 0;
 };
@@ -16,16 +16,16 @@ struct Place {
 // The first cell, taken row by row, that holds each of the texts. One walk over the cells that
 // exist: searching for them one by one would format every number of the sheet each time.
 template <size_t Count>
-std::array<Place, Count> firstPlaces(const Worksheet& sheet,
-                                     const std::array<std::string_view, Count>& texts) {
-  std::array<Place, Count> places;
+std::array<CellPlace, Count> firstPlaces(const Worksheet& sheet,
+                                         const std::array<std::string_view, Count>& texts) {
+  std::array<CellPlace, Count> places;
   sheet.cells(sheet.Sheet()).forEach([&](int row, int column, const Cell& cell) {
     if (cell.kind == ValueKind::Empty || cell.kind == ValueKind::Number) return;
     const Value value = CellStore::valueOf(cell);
     if (!value.isText()) return;
     for (size_t i = 0; i < Count; ++i) {
       if (value.textView() != texts[i]) continue;
-      Place& first = places[i];
+      CellPlace& first = places[i];
       const bool earlier = row < first.row || (row == first.row && column < first.column);
       if (first.row == 0 || earlier) first = {row, column};
     }
@@ -110,7 +110,7 @@ void findMarkedIdColumn(const DescribedSheet& sheet) {
 }
 
 void findMineralColumn(const DescribedSheet& sheet, LogLines& log) {
-  const Place place = firstPlaces<1>(sheet.cells, {"Mineral"})[0];
+  const CellPlace place = firstPlaces<1>(sheet.cells, {"Mineral"})[0];
   if (place.row == 0) return;
   log.push_back("Mineral column found: column " + std::to_string(place.column));
   sheet.structure.mineralColumn = place.column;
