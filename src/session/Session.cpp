@@ -59,6 +59,7 @@ std::string lastFilesIni(const SessionRecord& record) {
 }  // namespace
 
 void Session::notice(const Findings& noticed) {
+  if (noticed.empty()) return;
   found.append(noticed);
   for (const Finding& finding : noticed.all()) {
     const bool isError = finding.severity == Severity::Error;
@@ -66,6 +67,7 @@ void Session::notice(const Findings& noticed) {
     log.LisaaLog(line, isError ? LogKind::Both : LogKind::Log);
     findingLines_.insert(line);
   }
+  if (onNotice) onNotice(noticed);
 }
 
 std::string Session::ExpandPath(std::string_view path, std::string_view otherwise) const {

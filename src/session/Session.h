@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -78,6 +79,8 @@ class Session {
   void notice(const Findings& noticed);
   /// Whether notice() wrote this line of the log, so that it need not be shown a second time.
   bool wroteAsFinding(std::string_view logLine) const { return findingLines_.contains(logLine); }
+  /// Called by `notice` with what is not empty; the report listens here.
+  std::function<void(const Findings&)> onNotice{};
 
   Dialogs& dialogs() { return services_.dialogs; }
   Clipboard& clipboard() { return services_.clipboard; }
