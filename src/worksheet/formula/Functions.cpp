@@ -2,6 +2,8 @@
 
 #include <unordered_map>
 
+#include "basic/Text.h"
+
 namespace lodex::formula {
 namespace {
 
@@ -9,7 +11,7 @@ constexpr FunctionList (*lists[])() = {
     mathFunctions,         aggregateFunctions,   conditionalFunctions, statisticalFunctions,
     distributionFunctions, regressionFunctions,  lookupFunctions,      textFunctions,
     logicalFunctions,      informationFunctions, dateFunctions,        matrixFunctions,
-    engineeringFunctions,  databaseFunctions,    financialFunctions};
+    engineeringFunctions,  databaseFunctions,    financialFunctions,   uncalculatedFunctions};
 
 struct Index {
   std::unordered_map<std::string_view, const FunctionInfo*> byName;
@@ -18,7 +20,7 @@ struct Index {
     for (const auto list : lists) {
       for (const FunctionInfo& function : list()) {
         byName.emplace(function.name, &function);
-        if (function.xlsNumber >= 0) byNumber.emplace(function.xlsNumber, &function);
+        if (function.stored >= 0) byNumber.emplace(function.stored, &function);
       }
     }
   }
@@ -39,6 +41,35 @@ const FunctionInfo* findFunction(std::string_view name) {
 const FunctionInfo* findFunctionByXlsNumber(int number) {
   const auto hit = functionIndex().byNumber.find(number);
   return hit == functionIndex().byNumber.end() ? nullptr : hit->second;
+}
+
+std::vector<const FunctionInfo*> allFunctions() {
+  std::vector<const FunctionInfo*> all;
+  for (const auto list : lists) {
+    for (const FunctionInfo& function : list()) all.push_back(&function);
+  }
+  return all;
+}
+
+Operand notCalculated(Evaluator&, Arguments) {
+  return ErrorCode::Name;
+}
+
+std::string_view xlsPrefix(const FunctionInfo& function) {
+  return function.stored == since2007 ? "_xlfn." : xlsxPrefix(function);
+}
+
+std::string_view xlsxPrefix(const FunctionInfo& function) {
+  if (function.stored == newerSheet) return "_xlfn._xlws.";
+  return function.stored == newer ? "_xlfn." : "";
+}
+
+std::string_view withoutPrefix(std::string_view nameInFile) {
+  std::string_view name = nameInFile;
+  for (const std::string_view prefix : {"_xlfn.", "_xlws."}) {
+    if (startsWithNoCase(name, prefix)) name.remove_prefix(prefix.size());
+  }
+  return findFunction(toUpper(name)) == nullptr ? nameInFile : name;
 }
 
 char parameterLetter(const FunctionInfo& function, int index) {

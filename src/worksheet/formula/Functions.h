@@ -2,6 +2,7 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "worksheet/formula/Operand.h"
 
@@ -14,7 +15,16 @@ using Routine = Operand (*)(Evaluator&, Arguments);
 
 inline constexpr int anyNumber = 255;
 
-/// One worksheet function.
+/// How files store a function: by its number in .xls files, from 0, or by its name in one of these
+/// ways.
+enum Stored : int {
+  addIn = -1,       ///< .xls: as a function of the add-in "Analysis ToolPak"; .xlsx: the bare name
+  since2007 = -2,   ///< .xls: with "_xlfn." in front; .xlsx: the bare name
+  newer = -3,       ///< .xls and .xlsx: with "_xlfn." in front
+  newerSheet = -4,  ///< .xls and .xlsx: with "_xlfn._xlws." in front
+};
+
+/// One worksheet function: its row holds all that the program knows of it.
 ///
 /// `parameters` has a letter for each argument; the last one repeats, or what follows a "*":
 ///   N number, T text, B truth value, V any single value: the evaluator has converted the
@@ -28,18 +38,32 @@ struct FunctionInfo {
   std::string_view name;
   int minArguments;
   int maxArguments;
-  int xlsNumber;  // of the function in .xls files; -1 where they know it as an add-in only
+  int stored;  // a number in .xls files, or one of Stored
   std::string_view parameters;
   Routine routine;          // null for those that choose which arguments to evaluate
   bool isVolatile = false;  // its result may change though no argument does
   bool isDynamic = false;   // reads cells that its arguments do not name
 };
 
+/// The routine of a function that files may hold but that is not calculated.
+Operand notCalculated(Evaluator&, Arguments);
+
 /// The function of a name in upper case; null if there is none.
 const FunctionInfo* findFunction(std::string_view name);
 
 /// The function of a number in .xls files; null if there is none.
 const FunctionInfo* findFunctionByXlsNumber(int number);
+
+/// All functions, one class after the other.
+std::vector<const FunctionInfo*> allFunctions();
+
+/// What stands before the function's name in files; "" for most.
+std::string_view xlsPrefix(const FunctionInfo& function);
+std::string_view xlsxPrefix(const FunctionInfo& function);
+
+/// A function's name as users write it, from its name in a file. The prefix of a function that is
+/// not known here stays, so that a file written again keeps it.
+std::string_view withoutPrefix(std::string_view nameInFile);
 
 /// The parameter letter of argument `index`, from 0.
 char parameterLetter(const FunctionInfo& function, int index);
@@ -61,5 +85,6 @@ FunctionList matrixFunctions();
 FunctionList engineeringFunctions();
 FunctionList databaseFunctions();
 FunctionList financialFunctions();
+FunctionList uncalculatedFunctions();
 
 }  // namespace lodex::formula

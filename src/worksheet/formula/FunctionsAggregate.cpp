@@ -360,13 +360,13 @@ constexpr FunctionInfo table[] = {
      [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, false); }},
     {"VARP", 1, anyNumber, 194, "R",
      [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, false); }},
-    {"STDEV.S", 1, anyNumber, -1, "R",
+    {"STDEV.S", 1, anyNumber, newer, "R",
      [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, true); }},
-    {"STDEV.P", 1, anyNumber, -1, "R",
+    {"STDEV.P", 1, anyNumber, newer, "R",
      [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, true); }},
-    {"VAR.S", 1, anyNumber, -1, "R",
+    {"VAR.S", 1, anyNumber, newer, "R",
      [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, false); }},
-    {"VAR.P", 1, anyNumber, -1, "R",
+    {"VAR.P", 1, anyNumber, newer, "R",
      [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, false); }},
     {"STDEVA", 1, anyNumber, 366, "R",
      [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Sample, true); }},
@@ -390,7 +390,7 @@ constexpr FunctionInfo table[] = {
        return sumOfPairs(ev, a, [](double x, double y) { return (x - y) * (x - y); });
      }},
     {"SUBTOTAL", 2, anyNumber, 344, "NR", fnSubtotal},
-    {"AGGREGATE", 3, anyNumber, -1, "NNA", fnAggregate},
+    {"AGGREGATE", 3, anyNumber, newer, "NNA", fnAggregate},
 };
 
 }  // namespace

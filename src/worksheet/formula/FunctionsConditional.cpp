@@ -184,21 +184,21 @@ Operand gatherIfs(Evaluator& ev, Arguments a, Gather what) {
 
 constexpr FunctionInfo table[] = {
     {"COUNTIF", 2, 2, 346, "RE", fnCountIf},
-    {"COUNTIFS", 2, anyNumber, -1, "*RE",
+    {"COUNTIFS", 2, anyNumber, since2007, "*RE",
      [](Evaluator& ev, Arguments a) {
        return a.size() % 2 == 0 ? fnCountIf(ev, a) : Operand(ErrorCode::Value);
      }},
     {"SUMIF", 2, 3, 345, "RER",
      [](Evaluator& ev, Arguments a) { return gatherIf(ev, a, Gather::Sum); }},
-    {"AVERAGEIF", 2, 3, -1, "RER",
+    {"AVERAGEIF", 2, 3, since2007, "RER",
      [](Evaluator& ev, Arguments a) { return gatherIf(ev, a, Gather::Average); }},
-    {"SUMIFS", 3, anyNumber, -1, "R*RE",
+    {"SUMIFS", 3, anyNumber, since2007, "R*RE",
      [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Sum); }},
-    {"AVERAGEIFS", 3, anyNumber, -1, "R*RE",
+    {"AVERAGEIFS", 3, anyNumber, since2007, "R*RE",
      [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Average); }},
-    {"MAXIFS", 3, anyNumber, -1, "R*RE",
+    {"MAXIFS", 3, anyNumber, newer, "R*RE",
      [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Largest); }},
-    {"MINIFS", 3, anyNumber, -1, "R*RE",
+    {"MINIFS", 3, anyNumber, newer, "R*RE",
      [](Evaluator& ev, Arguments a) { return gatherIfs(ev, a, Gather::Smallest); }},
 };
 

@@ -316,70 +316,70 @@ Operand fnConvert(Evaluator&, Arguments a) {
 }
 
 constexpr FunctionInfo table[] = {
-    {"BIN2DEC", 1, 1, -1, "T", toDecimal<2>},
-    {"OCT2DEC", 1, 1, -1, "T", toDecimal<8>},
-    {"HEX2DEC", 1, 1, -1, "T", toDecimal<16>},
-    {"DEC2BIN", 1, 2, -1, "Nn", fromDecimal<2>},
-    {"DEC2OCT", 1, 2, -1, "Nn", fromDecimal<8>},
-    {"DEC2HEX", 1, 2, -1, "Nn", fromDecimal<16>},
-    {"BIN2HEX", 1, 2, -1, "Tn", betweenBases<2, 16>},
-    {"BIN2OCT", 1, 2, -1, "Tn", betweenBases<2, 8>},
-    {"OCT2BIN", 1, 2, -1, "Tn", betweenBases<8, 2>},
-    {"OCT2HEX", 1, 2, -1, "Tn", betweenBases<8, 16>},
-    {"HEX2BIN", 1, 2, -1, "Tn", betweenBases<16, 2>},
-    {"HEX2OCT", 1, 2, -1, "Tn", betweenBases<16, 8>},
-    {"COMPLEX", 2, 3, -1, "NNt", fnComplex},
-    {"IMREAL", 1, 1, -1, "T",
+    {"BIN2DEC", 1, 1, addIn, "T", toDecimal<2>},
+    {"OCT2DEC", 1, 1, addIn, "T", toDecimal<8>},
+    {"HEX2DEC", 1, 1, addIn, "T", toDecimal<16>},
+    {"DEC2BIN", 1, 2, addIn, "Nn", fromDecimal<2>},
+    {"DEC2OCT", 1, 2, addIn, "Nn", fromDecimal<8>},
+    {"DEC2HEX", 1, 2, addIn, "Nn", fromDecimal<16>},
+    {"BIN2HEX", 1, 2, addIn, "Tn", betweenBases<2, 16>},
+    {"BIN2OCT", 1, 2, addIn, "Tn", betweenBases<2, 8>},
+    {"OCT2BIN", 1, 2, addIn, "Tn", betweenBases<8, 2>},
+    {"OCT2HEX", 1, 2, addIn, "Tn", betweenBases<8, 16>},
+    {"HEX2BIN", 1, 2, addIn, "Tn", betweenBases<16, 2>},
+    {"HEX2OCT", 1, 2, addIn, "Tn", betweenBases<16, 8>},
+    {"COMPLEX", 2, 3, addIn, "NNt", fnComplex},
+    {"IMREAL", 1, 1, addIn, "T",
      [](Evaluator&, Arguments a) {
        return ofComplex(a, [](const ComplexText& z) { return Operand(z.value.real()); });
      }},
-    {"IMAGINARY", 1, 1, -1, "T",
+    {"IMAGINARY", 1, 1, addIn, "T",
      [](Evaluator&, Arguments a) {
        return ofComplex(a, [](const ComplexText& z) { return Operand(z.value.imag()); });
      }},
-    {"IMABS", 1, 1, -1, "T",
+    {"IMABS", 1, 1, addIn, "T",
      [](Evaluator&, Arguments a) {
        return ofComplex(a, [](const ComplexText& z) { return Operand(std::abs(z.value)); });
      }},
-    {"IMARGUMENT", 1, 1, -1, "T",
+    {"IMARGUMENT", 1, 1, addIn, "T",
      [](Evaluator&, Arguments a) {
        return ofComplex(a, [](const ComplexText& z) {
          return z.value == 0.0 ? Operand(ErrorCode::DivisionByZero) : Operand(std::arg(z.value));
        });
      }},
-    {"IMCONJUGATE", 1, 1, -1, "T",
+    {"IMCONJUGATE", 1, 1, addIn, "T",
      [](Evaluator& ev, Arguments a) {
        return ofComplex(
            a, [&](const ComplexText& z) { return complexText(ev, std::conj(z.value), z.unit); });
      }},
-    {"IMEXP", 1, 1, -1, "T",
+    {"IMEXP", 1, 1, addIn, "T",
      [](Evaluator& ev, Arguments a) {
        return ofComplex(
            a, [&](const ComplexText& z) { return complexText(ev, std::exp(z.value), z.unit); });
      }},
-    {"IMLN", 1, 1, -1, "T", fnImLn},
-    {"IMSQRT", 1, 1, -1, "T",
+    {"IMLN", 1, 1, addIn, "T", fnImLn},
+    {"IMSQRT", 1, 1, addIn, "T",
      [](Evaluator& ev, Arguments a) {
        return ofComplex(
            a, [&](const ComplexText& z) { return complexText(ev, std::sqrt(z.value), z.unit); });
      }},
-    {"IMSUM", 1, anyNumber, -1, "R",
+    {"IMSUM", 1, anyNumber, addIn, "R",
      [](Evaluator& ev, Arguments a) {
        return foldComplex(ev, a, 0, std::plus<std::complex<double>>());
      }},
-    {"IMPRODUCT", 1, anyNumber, -1, "R",
+    {"IMPRODUCT", 1, anyNumber, addIn, "R",
      [](Evaluator& ev, Arguments a) {
        return foldComplex(ev, a, 1, std::multiplies<std::complex<double>>());
      }},
-    {"DELTA", 1, 2, -1, "NN",
+    {"DELTA", 1, 2, addIn, "NN",
      [](Evaluator&, Arguments a) {
        return Operand((a.size() > 1 ? a[1].number : 0) == a[0].number ? 1.0 : 0.0);
      }},
-    {"GESTEP", 1, 2, -1, "NN",
+    {"GESTEP", 1, 2, addIn, "NN",
      [](Evaluator&, Arguments a) {
        return Operand(a[0].number >= (a.size() > 1 ? a[1].number : 0) ? 1.0 : 0.0);
      }},
-    {"CONVERT", 3, 3, -1, "NTT", fnConvert},
+    {"CONVERT", 3, 3, addIn, "NTT", fnConvert},
 };
 
 }  // namespace

@@ -302,21 +302,21 @@ constexpr FunctionInfo table[] = {
     {"NPV", 2, anyNumber, 11, "NR", fnNpv},
     {"IRR", 1, 2, 62, "Rn", fnIrr},
     {"MIRR", 3, 3, 61, "RNN", fnMirr},
-    {"XNPV", 3, 3, -1, "NRR", fnXnpv},
-    {"XIRR", 2, 3, -1, "RRn", fnXirr},
-    {"CUMIPMT", 6, 6, -1, "N", [](Evaluator&, Arguments a) { return cumulative(a, true); }},
-    {"CUMPRINC", 6, 6, -1, "N", [](Evaluator&, Arguments a) { return cumulative(a, false); }},
+    {"XNPV", 3, 3, addIn, "NRR", fnXnpv},
+    {"XIRR", 2, 3, addIn, "RRn", fnXirr},
+    {"CUMIPMT", 6, 6, addIn, "N", [](Evaluator&, Arguments a) { return cumulative(a, true); }},
+    {"CUMPRINC", 6, 6, addIn, "N", [](Evaluator&, Arguments a) { return cumulative(a, false); }},
     {"ISPMT", 4, 4, 350, "N",
      [](Evaluator&, Arguments a) {
        return Operand(a[3].number * a[0].number * (a[1].number / a[2].number - 1));
      }},
-    {"EFFECT", 2, 2, -1, "N",
+    {"EFFECT", 2, 2, addIn, "N",
      [](Evaluator&, Arguments a) {
        const double periods = std::trunc(a[1].number);
        if (a[0].number <= 0 || periods < 1) return Operand(ErrorCode::Num);
        return Operand(std::pow(1 + a[0].number / periods, periods) - 1);
      }},
-    {"NOMINAL", 2, 2, -1, "N",
+    {"NOMINAL", 2, 2, addIn, "N",
      [](Evaluator&, Arguments a) {
        const double periods = std::trunc(a[1].number);
        if (a[0].number <= 0 || periods < 1) return Operand(ErrorCode::Num);

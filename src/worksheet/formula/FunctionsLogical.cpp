@@ -14,7 +14,7 @@ Operand Evaluator::segment(const Code& code, const Instruction& in, int index, O
 
 Operand Evaluator::choose(const Code& code, const Instruction& in, Operand* stack) {
   constexpr int numberOfIf = 1;
-  if (in.function->xlsNumber == numberOfIf) return chooseIf(code, in, stack);
+  if (in.function->stored == numberOfIf) return chooseIf(code, in, stack);
   const std::string_view name = in.function->name;
   if (name == "CHOOSE") return chooseIndex(code, in, stack);
   if (name == "IFS") return chooseIfs(code, in, stack);
@@ -206,12 +206,18 @@ Operand fnFalse(Evaluator&, Arguments) {
 }
 
 constexpr FunctionInfo table[] = {
-    {"IF", 1, 3, 1, "VR", nullptr},          {"CHOOSE", 2, anyNumber, 100, "VR", nullptr},
-    {"IFERROR", 2, 2, -1, "V", nullptr},     {"IFNA", 2, 2, -1, "V", nullptr},
-    {"IFS", 2, anyNumber, -1, "V", nullptr}, {"SWITCH", 3, anyNumber, -1, "V", nullptr},
-    {"AND", 1, anyNumber, 36, "R", fnAnd},   {"OR", 1, anyNumber, 37, "R", fnOr},
-    {"XOR", 1, anyNumber, -1, "R", fnXor},   {"NOT", 1, 1, 38, "B", fnNot},
-    {"TRUE", 0, 0, 34, "", fnTrue},          {"FALSE", 0, 0, 35, "", fnFalse},
+    {"IF", 1, 3, 1, "VR", nullptr},
+    {"CHOOSE", 2, anyNumber, 100, "VR", nullptr},
+    {"IFERROR", 2, 2, since2007, "V", nullptr},
+    {"IFNA", 2, 2, newer, "V", nullptr},
+    {"IFS", 2, anyNumber, newer, "V", nullptr},
+    {"SWITCH", 3, anyNumber, newer, "V", nullptr},
+    {"AND", 1, anyNumber, 36, "R", fnAnd},
+    {"OR", 1, anyNumber, 37, "R", fnOr},
+    {"XOR", 1, anyNumber, newer, "R", fnXor},
+    {"NOT", 1, 1, 38, "B", fnNot},
+    {"TRUE", 0, 0, 34, "", fnTrue},
+    {"FALSE", 0, 0, 35, "", fnFalse},
 };
 
 }  // namespace

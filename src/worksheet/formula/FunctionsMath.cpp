@@ -292,7 +292,7 @@ constexpr FunctionInfo table[] = {
      [](Evaluator&, Arguments a) {
        return a[0].number < 0 ? Operand(ErrorCode::Num) : Operand(std::sqrt(a[0].number));
      }},
-    {"SQRTPI", 1, 1, -1, "N",
+    {"SQRTPI", 1, 1, addIn, "N",
      [](Evaluator&, Arguments a) {
        return a[0].number < 0 ? Operand(ErrorCode::Num) : Operand(std::sqrt(a[0].number * pi));
      }},
@@ -356,29 +356,30 @@ constexpr FunctionInfo table[] = {
      [](Evaluator&, Arguments a) {
        return Operand(roundDecimalDown(a[0].number, digitsOf(a[1].number)));
      }},
-    {"MROUND", 2, 2, -1, "N", fnMround},
+    {"MROUND", 2, 2, addIn, "N", fnMround},
     {"CEILING", 1, 2, 288, "Nn", [](Evaluator&, Arguments a) { return ceilingOrFloor(a, true); }},
     {"FLOOR", 1, 2, 285, "Nn", [](Evaluator&, Arguments a) { return ceilingOrFloor(a, false); }},
-    {"CEILING.MATH", 1, 3, -1, "Nnn",
+    {"CEILING.MATH", 1, 3, newer, "Nnn",
      [](Evaluator&, Arguments a) { return multipleMath(a, true); }},
-    {"FLOOR.MATH", 1, 3, -1, "Nnn", [](Evaluator&, Arguments a) { return multipleMath(a, false); }},
+    {"FLOOR.MATH", 1, 3, newer, "Nnn",
+     [](Evaluator&, Arguments a) { return multipleMath(a, false); }},
     {"EVEN", 1, 1, 279, "N", fnEven},
     {"ODD", 1, 1, 298, "N", fnOdd},
     {"MOD", 2, 2, 39, "N", fnMod},
-    {"QUOTIENT", 2, 2, -1, "N",
+    {"QUOTIENT", 2, 2, addIn, "N",
      [](Evaluator&, Arguments a) {
        if (a[1].number == 0) return Operand(ErrorCode::DivisionByZero);
        return Operand(std::trunc(a[0].number / a[1].number));
      }},
     {"FACT", 1, 1, 184, "N", fnFact},
-    {"FACTDOUBLE", 1, 1, -1, "N", fnFactDouble},
+    {"FACTDOUBLE", 1, 1, addIn, "N", fnFactDouble},
     {"COMBIN", 2, 2, 276, "N", fnCombin},
     {"PERMUT", 2, 2, 299, "N", fnPermut},
-    {"GCD", 1, anyNumber, -1, "R", fnGcd},
-    {"LCM", 1, anyNumber, -1, "R", fnLcm},
-    {"MULTINOMIAL", 1, anyNumber, -1, "R", fnMultinomial},
+    {"GCD", 1, anyNumber, addIn, "R", fnGcd},
+    {"LCM", 1, anyNumber, addIn, "R", fnLcm},
+    {"MULTINOMIAL", 1, anyNumber, addIn, "R", fnMultinomial},
     {"RAND", 0, 0, 63, "", fnRand, true},
-    {"RANDBETWEEN", 2, 2, -1, "N", fnRandBetween, true},
+    {"RANDBETWEEN", 2, 2, addIn, "N", fnRandBetween, true},
     {"ROMAN", 1, 2, 354, "NR", fnRoman},
 };
 

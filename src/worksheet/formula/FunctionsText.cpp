@@ -301,7 +301,7 @@ constexpr FunctionInfo table[] = {
     {"REPT", 2, 2, 30, "TN", fnRept},
     {"CHAR", 1, 1, 111, "N", fnChar},
     {"CODE", 1, 1, 121, "T", fnCode},
-    {"UNICHAR", 1, 1, -1, "N",
+    {"UNICHAR", 1, 1, newer, "N",
      [](Evaluator& ev, Arguments a) {
        int code = 0;
        if (!wholeBetween(a[0].number, 1, 0x10FFFF, code) || (code >= 0xD800 && code < 0xE000)) {
@@ -311,7 +311,7 @@ constexpr FunctionInfo table[] = {
        appendUtf8(out, static_cast<char32_t>(code));
        return ev.text(std::move(out));
      }},
-    {"UNICODE", 1, 1, -1, "T",
+    {"UNICODE", 1, 1, newer, "T",
      [](Evaluator&, Arguments a) {
        const std::u32string text = decodeUtf8(a[0].view().substr(0, bytesOf(a[0].view(), 1)));
        return text.empty() ? Operand(ErrorCode::Value) : Operand(static_cast<double>(text[0]));
@@ -319,9 +319,9 @@ constexpr FunctionInfo table[] = {
     {"EXACT", 2, 2, 117, "T",
      [](Evaluator&, Arguments a) { return Operand::boolean(a[0].view() == a[1].view()); }},
     {"CONCATENATE", 1, anyNumber, 336, "T", fnConcatenate},
-    {"CONCAT", 1, anyNumber, -1, "R",
+    {"CONCAT", 1, anyNumber, newer, "R",
      [](Evaluator& ev, Arguments a) { return joinValues(ev, a, "", true); }},
-    {"TEXTJOIN", 3, anyNumber, -1, "TBR",
+    {"TEXTJOIN", 3, anyNumber, newer, "TBR",
      [](Evaluator& ev, Arguments a) {
        return joinValues(ev, a.subspan(2), a[0].view(), a[1].number != 0);
      }},
@@ -330,7 +330,7 @@ constexpr FunctionInfo table[] = {
     {"DOLLAR", 1, 2, 13, "Nn", fnDollar},
     {"USDOLLAR", 1, 2, 204, "Nn", fnDollar},
     {"VALUE", 1, 1, 33, "V", fnValue},
-    {"NUMBERVALUE", 1, 3, -1, "Ttt", fnNumberValue},
+    {"NUMBERVALUE", 1, 3, newer, "Ttt", fnNumberValue},
     {"T", 1, 1, 130, "R", fnT},
 };
 

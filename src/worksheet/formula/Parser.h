@@ -71,7 +71,7 @@ enum class NodeKind : std::uint8_t {
   Array,       // children: constants row by row, `columns` in each row
   Reference,   // reference
   Name,        // text; reference.sheets is its prefix
-  Function,    // text: name in upper case without "_xlfn."; children: arguments
+  Function,    // text: name in upper case; children: arguments
   Unary,       // op, one child
   Binary,      // op, two children
   Parentheses  // one child; kept so that text and file tokens stay as they were written

@@ -1,361 +1,91 @@
 #include "worksheet/files/xls/BiffFunctions.h"
 
 #include <algorithm>
-#include <array>
-#include <unordered_map>
+#include <vector>
 
 namespace lodex::biff {
 namespace {
 
-// Numbers, argument counts and classes after "The Microsoft Excel File Format" by Daniel Rentz and
-// [MS-XLS], section on Ftab values. Functions of macro sheets stand here as far as defined names
-// use them.
-constexpr Function functions[] = {
-    {0, "COUNT", 0, 30, 'V', "R"},
-    {1, "IF", 2, 3, 'R', "VR"},
-    {2, "ISNA", 1, 1, 'V', "V"},
-    {3, "ISERROR", 1, 1, 'V', "V"},
-    {4, "SUM", 0, 30, 'V', "R"},
-    {5, "AVERAGE", 1, 30, 'V', "R"},
-    {6, "MIN", 1, 30, 'V', "R"},
-    {7, "MAX", 1, 30, 'V', "R"},
-    {8, "ROW", 0, 1, 'V', "R"},
-    {9, "COLUMN", 0, 1, 'V', "R"},
-    {10, "NA", 0, 0, 'V', ""},
-    {11, "NPV", 2, 30, 'V', "VR"},
-    {12, "STDEV", 1, 30, 'V', "R"},
-    {13, "DOLLAR", 1, 2, 'V', "V"},
-    {14, "FIXED", 2, 3, 'V', "V"},
-    {15, "SIN", 1, 1, 'V', "V"},
-    {16, "COS", 1, 1, 'V', "V"},
-    {17, "TAN", 1, 1, 'V', "V"},
-    {18, "ATAN", 1, 1, 'V', "V"},
-    {19, "PI", 0, 0, 'V', ""},
-    {20, "SQRT", 1, 1, 'V', "V"},
-    {21, "EXP", 1, 1, 'V', "V"},
-    {22, "LN", 1, 1, 'V', "V"},
-    {23, "LOG10", 1, 1, 'V', "V"},
-    {24, "ABS", 1, 1, 'V', "V"},
-    {25, "INT", 1, 1, 'V', "V"},
-    {26, "SIGN", 1, 1, 'V', "V"},
-    {27, "ROUND", 2, 2, 'V', "V"},
-    {28, "LOOKUP", 2, 3, 'V', "VR"},
-    {29, "INDEX", 2, 4, 'R', "RV"},
-    {30, "REPT", 2, 2, 'V', "V"},
-    {31, "MID", 3, 3, 'V', "V"},
-    {32, "LEN", 1, 1, 'V', "V"},
-    {33, "VALUE", 1, 1, 'V', "V"},
-    {34, "TRUE", 0, 0, 'V', ""},
-    {35, "FALSE", 0, 0, 'V', ""},
-    {36, "AND", 1, 30, 'V', "R"},
-    {37, "OR", 1, 30, 'V', "R"},
-    {38, "NOT", 1, 1, 'V', "V"},
-    {39, "MOD", 2, 2, 'V', "V"},
-    {40, "DCOUNT", 3, 3, 'V', "R"},
-    {41, "DSUM", 3, 3, 'V', "R"},
-    {42, "DAVERAGE", 3, 3, 'V', "R"},
-    {43, "DMIN", 3, 3, 'V', "R"},
-    {44, "DMAX", 3, 3, 'V', "R"},
-    {45, "DSTDEV", 3, 3, 'V', "R"},
-    {46, "VAR", 1, 30, 'V', "R"},
-    {47, "DVAR", 3, 3, 'V', "R"},
-    {48, "TEXT", 2, 2, 'V', "V"},
-    {49, "LINEST", 1, 4, 'A', "RRV"},
-    {50, "TREND", 1, 4, 'A', "RRRV"},
-    {51, "LOGEST", 1, 4, 'A', "RRV"},
-    {52, "GROWTH", 1, 4, 'A', "RRRV"},
-    {56, "PV", 3, 5, 'V', "V"},
-    {57, "FV", 3, 5, 'V', "V"},
-    {58, "NPER", 3, 5, 'V', "V"},
-    {59, "PMT", 3, 5, 'V', "V"},
-    {60, "RATE", 3, 6, 'V', "V"},
-    {61, "MIRR", 3, 3, 'V', "RV"},
-    {62, "IRR", 1, 2, 'V', "RV"},
-    {63, "RAND", 0, 0, 'V', ""},
-    {64, "MATCH", 2, 3, 'V', "VR"},
-    {65, "DATE", 3, 3, 'V', "V"},
-    {66, "TIME", 3, 3, 'V', "V"},
-    {67, "DAY", 1, 1, 'V', "V"},
-    {68, "MONTH", 1, 1, 'V', "V"},
-    {69, "YEAR", 1, 1, 'V', "V"},
-    {70, "WEEKDAY", 1, 2, 'V', "V"},
-    {71, "HOUR", 1, 1, 'V', "V"},
-    {72, "MINUTE", 1, 1, 'V', "V"},
-    {73, "SECOND", 1, 1, 'V', "V"},
-    {74, "NOW", 0, 0, 'V', ""},
-    {75, "AREAS", 1, 1, 'V', "R"},
-    {76, "ROWS", 1, 1, 'V', "R"},
-    {77, "COLUMNS", 1, 1, 'V', "R"},
-    {78, "OFFSET", 3, 5, 'R', "RV"},
-    {79, "ABSREF", 2, 2, 'R', "VR"},
-    {80, "RELREF", 2, 2, 'V', "R"},
-    {82, "SEARCH", 2, 3, 'V', "V"},
-    {83, "TRANSPOSE", 1, 1, 'A', "A"},
-    {86, "TYPE", 1, 1, 'V', "V"},
-    {89, "CALLER", 0, 0, 'R', ""},
-    {90, "DEREF", 1, 1, 'V', "R"},
-    {91, "WINDOWS", 0, 2, 'V', "V"},
-    {93, "DOCUMENTS", 0, 2, 'V', "V"},
-    {94, "ACTIVE.CELL", 0, 0, 'R', ""},
-    {95, "SELECTION", 0, 0, 'R', ""},
-    {97, "ATAN2", 2, 2, 'V', "V"},
-    {98, "ASIN", 1, 1, 'V', "V"},
-    {99, "ACOS", 1, 1, 'V', "V"},
-    {100, "CHOOSE", 2, 30, 'R', "VR"},
-    {101, "HLOOKUP", 3, 4, 'V', "VRRV"},
-    {102, "VLOOKUP", 3, 4, 'V', "VRRV"},
-    {105, "ISREF", 1, 1, 'V', "R"},
-    {106, "GET.FORMULA", 1, 1, 'V', "R"},
-    {107, "GET.NAME", 1, 2, 'V', "V"},
-    {109, "LOG", 1, 2, 'V', "V"},
-    {111, "CHAR", 1, 1, 'V', "V"},
-    {112, "LOWER", 1, 1, 'V', "V"},
-    {113, "UPPER", 1, 1, 'V', "V"},
-    {114, "PROPER", 1, 1, 'V', "V"},
-    {115, "LEFT", 1, 2, 'V', "V"},
-    {116, "RIGHT", 1, 2, 'V', "V"},
-    {117, "EXACT", 2, 2, 'V', "V"},
-    {118, "TRIM", 1, 1, 'V', "V"},
-    {119, "REPLACE", 4, 4, 'V', "V"},
-    {120, "SUBSTITUTE", 3, 4, 'V', "V"},
-    {121, "CODE", 1, 1, 'V', "V"},
-    {124, "FIND", 2, 3, 'V', "V"},
-    {125, "CELL", 1, 2, 'V', "VR"},
-    {126, "ISERR", 1, 1, 'V', "V"},
-    {127, "ISTEXT", 1, 1, 'V', "V"},
-    {128, "ISNUMBER", 1, 1, 'V', "V"},
-    {129, "ISBLANK", 1, 1, 'V', "V"},
-    {130, "T", 1, 1, 'V', "R"},
-    {131, "N", 1, 1, 'V', "R"},
-    {140, "DATEVALUE", 1, 1, 'V', "V"},
-    {141, "TIMEVALUE", 1, 1, 'V', "V"},
-    {142, "SLN", 3, 3, 'V', "V"},
-    {143, "SYD", 4, 4, 'V', "V"},
-    {144, "DDB", 4, 5, 'V', "V"},
-    {145, "GET.DEF", 1, 3, 'V', "V"},
-    {146, "REFTEXT", 1, 2, 'V', "RV"},
-    {147, "TEXTREF", 1, 2, 'R', "V"},
-    {148, "INDIRECT", 1, 2, 'R', "V"},
-    {150, "CALL", 1, 30, 'V', "VR"},
-    {162, "CLEAN", 1, 1, 'V', "V"},
-    {163, "MDETERM", 1, 1, 'V', "A"},
-    {164, "MINVERSE", 1, 1, 'A', "A"},
-    {165, "MMULT", 2, 2, 'A', "A"},
-    {166, "FILES", 0, 2, 'V', "V"},
-    {167, "IPMT", 4, 6, 'V', "V"},
-    {168, "PPMT", 4, 6, 'V', "V"},
-    {169, "COUNTA", 0, 30, 'V', "R"},
-    {183, "PRODUCT", 0, 30, 'V', "R"},
-    {184, "FACT", 1, 1, 'V', "V"},
-    {185, "GET.CELL", 1, 2, 'V', "VR"},
-    {186, "GET.WORKSPACE", 1, 1, 'V', "V"},
-    {187, "GET.WINDOW", 1, 2, 'V', "V"},
-    {188, "GET.DOCUMENT", 1, 2, 'V', "V"},
-    {189, "DPRODUCT", 3, 3, 'V', "R"},
-    {190, "ISNONTEXT", 1, 1, 'V', "V"},
-    {191, "GET.NOTE", 0, 3, 'V', "RV"},
-    {193, "STDEVP", 1, 30, 'V', "R"},
-    {194, "VARP", 1, 30, 'V', "R"},
-    {195, "DSTDEVP", 3, 3, 'V', "R"},
-    {196, "DVARP", 3, 3, 'V', "R"},
-    {197, "TRUNC", 1, 2, 'V', "V"},
-    {198, "ISLOGICAL", 1, 1, 'V', "V"},
-    {199, "DCOUNTA", 3, 3, 'V', "R"},
-    {204, "USDOLLAR", 1, 2, 'V', "V"},
-    {205, "FINDB", 2, 3, 'V', "V"},
-    {206, "SEARCHB", 2, 3, 'V', "V"},
-    {207, "REPLACEB", 4, 4, 'V', "V"},
-    {208, "LEFTB", 1, 2, 'V', "V"},
-    {209, "RIGHTB", 1, 2, 'V', "V"},
-    {210, "MIDB", 3, 3, 'V', "V"},
-    {211, "LENB", 1, 1, 'V', "V"},
-    {212, "ROUNDUP", 2, 2, 'V', "V"},
-    {213, "ROUNDDOWN", 2, 2, 'V', "V"},
-    {214, "ASC", 1, 1, 'V', "V"},
-    {215, "DBCS", 1, 1, 'V', "V"},
-    {216, "RANK", 2, 3, 'V', "VRV"},
-    {219, "ADDRESS", 2, 5, 'V', "V"},
-    {220, "DAYS360", 2, 3, 'V', "V"},
-    {221, "TODAY", 0, 0, 'V', ""},
-    {222, "VDB", 5, 7, 'V', "V"},
-    {227, "MEDIAN", 1, 30, 'V', "R"},
-    {228, "SUMPRODUCT", 1, 30, 'V', "A"},
-    {229, "SINH", 1, 1, 'V', "V"},
-    {230, "COSH", 1, 1, 'V', "V"},
-    {231, "TANH", 1, 1, 'V', "V"},
-    {232, "ASINH", 1, 1, 'V', "V"},
-    {233, "ACOSH", 1, 1, 'V', "V"},
-    {234, "ATANH", 1, 1, 'V', "V"},
-    {235, "DGET", 3, 3, 'V', "R"},
-    {244, "INFO", 1, 1, 'V', "V"},
-    {247, "DB", 4, 5, 'V', "V"},
-    {252, "FREQUENCY", 2, 2, 'A', "R"},
-    {257, "EVALUATE", 1, 1, 'R', "V"},
-    {261, "ERROR.TYPE", 1, 1, 'V', "V"},
-    {267, "REGISTER.ID", 2, 3, 'V', "V"},
-    {268, "GET.WORKBOOK", 1, 2, 'V', "V"},
-    {269, "AVEDEV", 1, 30, 'V', "R"},
-    {270, "BETADIST", 3, 5, 'V', "V"},
-    {271, "GAMMALN", 1, 1, 'V', "V"},
-    {272, "BETAINV", 3, 5, 'V', "V"},
-    {273, "BINOMDIST", 4, 4, 'V', "V"},
-    {274, "CHIDIST", 2, 2, 'V', "V"},
-    {275, "CHIINV", 2, 2, 'V', "V"},
-    {276, "COMBIN", 2, 2, 'V', "V"},
-    {277, "CONFIDENCE", 3, 3, 'V', "V"},
-    {278, "CRITBINOM", 3, 3, 'V', "V"},
-    {279, "EVEN", 1, 1, 'V', "V"},
-    {280, "EXPONDIST", 3, 3, 'V', "V"},
-    {281, "FDIST", 3, 3, 'V', "V"},
-    {282, "FINV", 3, 3, 'V', "V"},
-    {283, "FISHER", 1, 1, 'V', "V"},
-    {284, "FISHERINV", 1, 1, 'V', "V"},
-    {285, "FLOOR", 2, 2, 'V', "V"},
-    {286, "GAMMADIST", 4, 4, 'V', "V"},
-    {287, "GAMMAINV", 3, 3, 'V', "V"},
-    {288, "CEILING", 2, 2, 'V', "V"},
-    {289, "HYPGEOMDIST", 4, 4, 'V', "V"},
-    {290, "LOGNORMDIST", 3, 3, 'V', "V"},
-    {291, "LOGINV", 3, 3, 'V', "V"},
-    {292, "NEGBINOMDIST", 3, 3, 'V', "V"},
-    {293, "NORMDIST", 4, 4, 'V', "V"},
-    {294, "NORMSDIST", 1, 1, 'V', "V"},
-    {295, "NORMINV", 3, 3, 'V', "V"},
-    {296, "NORMSINV", 1, 1, 'V', "V"},
-    {297, "STANDARDIZE", 3, 3, 'V', "V"},
-    {298, "ODD", 1, 1, 'V', "V"},
-    {299, "PERMUT", 2, 2, 'V', "V"},
-    {300, "POISSON", 3, 3, 'V', "V"},
-    {301, "TDIST", 3, 3, 'V', "V"},
-    {302, "WEIBULL", 4, 4, 'V', "V"},
-    {303, "SUMXMY2", 2, 2, 'V', "A"},
-    {304, "SUMX2MY2", 2, 2, 'V', "A"},
-    {305, "SUMX2PY2", 2, 2, 'V', "A"},
-    {306, "CHITEST", 2, 2, 'V', "A"},
-    {307, "CORREL", 2, 2, 'V', "A"},
-    {308, "COVAR", 2, 2, 'V', "A"},
-    {309, "FORECAST", 3, 3, 'V', "VA"},
-    {310, "FTEST", 2, 2, 'V', "A"},
-    {311, "INTERCEPT", 2, 2, 'V', "A"},
-    {312, "PEARSON", 2, 2, 'V', "A"},
-    {313, "RSQ", 2, 2, 'V', "A"},
-    {314, "STEYX", 2, 2, 'V', "A"},
-    {315, "SLOPE", 2, 2, 'V', "A"},
-    {316, "TTEST", 4, 4, 'V', "AAV"},
-    {317, "PROB", 3, 4, 'V', "AAV"},
-    {318, "DEVSQ", 1, 30, 'V', "R"},
-    {319, "GEOMEAN", 1, 30, 'V', "R"},
-    {320, "HARMEAN", 1, 30, 'V', "R"},
-    {321, "SUMSQ", 0, 30, 'V', "R"},
-    {322, "KURT", 1, 30, 'V', "R"},
-    {323, "SKEW", 1, 30, 'V', "R"},
-    {324, "ZTEST", 2, 3, 'V', "RV"},
-    {325, "LARGE", 2, 2, 'V', "RV"},
-    {326, "SMALL", 2, 2, 'V', "RV"},
-    {327, "QUARTILE", 2, 2, 'V', "RV"},
-    {328, "PERCENTILE", 2, 2, 'V', "RV"},
-    {329, "PERCENTRANK", 2, 3, 'V', "RV"},
-    {330, "MODE", 1, 30, 'V', "A"},
-    {331, "TRIMMEAN", 2, 2, 'V', "RV"},
-    {332, "TINV", 2, 2, 'V', "V"},
-    {336, "CONCATENATE", 0, 30, 'V', "V"},
-    {337, "POWER", 2, 2, 'V', "V"},
-    {342, "RADIANS", 1, 1, 'V', "V"},
-    {343, "DEGREES", 1, 1, 'V', "V"},
-    {344, "SUBTOTAL", 2, 30, 'V', "VR"},
-    {345, "SUMIF", 2, 3, 'V', "RVR"},
-    {346, "COUNTIF", 2, 2, 'V', "RV"},
-    {347, "COUNTBLANK", 1, 1, 'V', "R"},
-    {350, "ISPMT", 4, 4, 'V', "V"},
-    {351, "DATEDIF", 3, 3, 'V', "V"},
-    {352, "DATESTRING", 1, 1, 'V', "V"},
-    {353, "NUMBERSTRING", 2, 2, 'V', "V"},
-    {354, "ROMAN", 1, 2, 'V', "V"},
-    {358, "GETPIVOTDATA", 2, 30, 'A', "VAV"},
-    {359, "HYPERLINK", 1, 2, 'V', "V"},
-    {360, "PHONETIC", 1, 1, 'V', "R"},
-    {361, "AVERAGEA", 1, 30, 'V', "R"},
-    {362, "MAXA", 1, 30, 'V', "R"},
-    {363, "MINA", 1, 30, 'V', "R"},
-    {364, "STDEVPA", 1, 30, 'V', "R"},
-    {365, "VARPA", 1, 30, 'V', "R"},
-    {366, "STDEVA", 1, 30, 'V', "R"},
-    {367, "VARA", 1, 30, 'V', "R"},
-    {368, "BAHTTEXT", 1, 1, 'V', "V"},
-    {369, "THAIDAYOFWEEK", 1, 1, 'V', "V"},
-    {370, "THAIDIGIT", 1, 1, 'V', "V"},
-    {371, "THAIMONTHOFYEAR", 1, 1, 'V', "V"},
-    {372, "THAINUMSOUND", 1, 1, 'V', "V"},
-    {373, "THAINUMSTRING", 1, 1, 'V', "V"},
-    {374, "THAISTRINGLENGTH", 1, 1, 'V', "V"},
-    {375, "ISTHAIDIGIT", 1, 1, 'V', "V"},
-    {376, "ROUNDBAHTDOWN", 1, 1, 'V', "V"},
-    {377, "ROUNDBAHTUP", 1, 1, 'V', "V"},
-    {378, "THAIYEAR", 1, 1, 'V', "V"},
-    {379, "RTD", 3, 30, 'A', "V"},
+struct TokenClasses {
+  int number;
+  char result;
+  std::string_view classes;  // a letter per argument, the last one for all further arguments
 };
 
-constexpr std::string_view toolPak[] = {
-    "ACCRINT",    "ACCRINTM",    "AMORDEGRC",   "AMORLINC",  "BESSELI", "BESSELJ",   "BESSELK",
-    "BESSELY",    "BIN2DEC",     "BIN2HEX",     "BIN2OCT",   "COMPLEX", "CONVERT",   "COUPDAYBS",
-    "COUPDAYS",   "COUPDAYSNC",  "COUPNCD",     "COUPNUM",   "COUPPCD", "CUMIPMT",   "CUMPRINC",
-    "DEC2BIN",    "DEC2HEX",     "DEC2OCT",     "DELTA",     "DISC",    "DOLLARDE",  "DOLLARFR",
-    "DURATION",   "EDATE",       "EFFECT",      "EOMONTH",   "ERF",     "ERFC",      "FACTDOUBLE",
-    "FVSCHEDULE", "GCD",         "GESTEP",      "HEX2BIN",   "HEX2DEC", "HEX2OCT",   "IMABS",
-    "IMAGINARY",  "IMARGUMENT",  "IMCONJUGATE", "IMCOS",     "IMDIV",   "IMEXP",     "IMLN",
-    "IMLOG10",    "IMLOG2",      "IMPOWER",     "IMPRODUCT", "IMREAL",  "IMSIN",     "IMSQRT",
-    "IMSUB",      "IMSUM",       "INTRATE",     "ISEVEN",    "ISODD",   "LCM",       "MDURATION",
-    "MROUND",     "MULTINOMIAL", "NETWORKDAYS", "NOMINAL",   "OCT2BIN", "OCT2DEC",   "OCT2HEX",
-    "ODDFPRICE",  "ODDFYIELD",   "ODDLPRICE",   "ODDLYIELD", "PRICE",   "PRICEDISC", "PRICEMAT",
-    "QUOTIENT",   "RANDBETWEEN", "RECEIVED",    "SERIESSUM", "SQRTPI",  "TBILLEQ",   "TBILLPRICE",
-    "TBILLYIELD", "WEEKNUM",     "WORKDAY",     "XIRR",      "XNPV",    "YEARFRAC",  "YIELD",
-    "YIELDDISC",  "YIELDMAT"};
+// Where what a function gives or wants differs from what follows from its parameters. After "The
+// Microsoft Excel File Format" by Daniel Rentz and [MS-XLS], section on Ftab values.
+constexpr TokenClasses exceptions[] = {
+    {1, 'R', "VR"},      // IF
+    {28, 'V', "VR"},     // LOOKUP
+    {29, 'R', "RV"},     // INDEX
+    {49, 'A', "RRV"},    // LINEST
+    {50, 'A', "RRRV"},   // TREND
+    {51, 'A', "RRV"},    // LOGEST
+    {52, 'A', "RRRV"},   // GROWTH
+    {64, 'V', "VR"},     // MATCH
+    {76, 'V', "R"},      // ROWS
+    {77, 'V', "R"},      // COLUMNS
+    {78, 'R', "RV"},     // OFFSET
+    {79, 'R', "VR"},     // ABSREF
+    {83, 'A', "A"},      // TRANSPOSE
+    {86, 'V', "V"},      // TYPE
+    {89, 'R', ""},       // CALLER
+    {94, 'R', ""},       // ACTIVE.CELL
+    {95, 'R', ""},       // SELECTION
+    {100, 'R', "VR"},    // CHOOSE
+    {101, 'V', "VRRV"},  // HLOOKUP
+    {102, 'V', "VRRV"},  // VLOOKUP
+    {147, 'R', "V"},     // TEXTREF
+    {148, 'R', "V"},     // INDIRECT
+    {164, 'A', "A"},     // MINVERSE
+    {165, 'A', "A"},     // MMULT
+    {252, 'A', "R"},     // FREQUENCY
+    {257, 'R', "V"},     // EVALUATE
+    {285, 'V', "V"},     // FLOOR
+    {288, 'V', "V"},     // CEILING
+    {354, 'V', "V"},     // ROMAN
+    {358, 'A', "VAV"},   // GETPIVOTDATA
+    {379, 'A', "V"},     // RTD
+};
 
-constexpr std::string_view later[] = {
-    "ACOT",      "ACOTH",        "AGGREGATE", "ARABIC",    "AVERAGEIF", "AVERAGEIFS", "BASE",
-    "BITAND",    "BITLSHIFT",    "BITOR",     "BITRSHIFT", "BITXOR",    "COMBINA",    "CONCAT",
-    "COT",       "COTH",         "COUNTIFS",  "CSC",       "CSCH",      "DAYS",       "DECIMAL",
-    "FILTER",    "FORMULATEXT",  "GAMMA",     "GAUSS",     "IFERROR",   "IFNA",       "IFS",
-    "ISFORMULA", "ISOWEEKNUM",   "LET",       "MAXIFS",    "MINIFS",    "MUNIT",      "NUMBERVALUE",
-    "PDURATION", "PERMUTATIONA", "PHI",       "RRI",       "SEC",       "SECH",       "SEQUENCE",
-    "SHEET",     "SHEETS",       "SORT",      "SUMIFS",    "SWITCH",    "TEXTJOIN",   "UNICHAR",
-    "UNICODE",   "UNIQUE",       "XLOOKUP",   "XMATCH",    "XOR"};
+constexpr int highestNumber = 379;
 
-template <size_t n>
-bool isListed(const std::string_view (&list)[n], std::string_view name) {
-  return std::find(std::begin(list), std::end(list), name) != std::end(list);
+std::vector<Function> makeFunctions() {
+  std::vector<Function> functions(highestNumber + 1);
+  for (const formula::FunctionInfo* info : formula::allFunctions()) {
+    if (info->stored < 0) continue;
+    Function& function = functions[static_cast<size_t>(info->stored)];
+    function.info = info;
+    function.arguments = static_cast<size_t>(info->minArguments);
+    function.hasFixedArguments = info->minArguments == info->maxArguments;
+  }
+  for (const TokenClasses& exception : exceptions) {
+    Function& function = functions[static_cast<size_t>(exception.number)];
+    function.result = exception.result;
+    function.classes = exception.classes;
+  }
+  // These may leave out more arguments here than in .xls files.
+  for (const char* name : {"CEILING", "FLOOR", "FIXED"}) {
+    Function& function = functions[static_cast<size_t>(formula::findFunction(name)->stored)];
+    function.arguments = 2;
+    function.hasFixedArguments = function.info->maxArguments == 2;
+  }
+  return functions;
 }
 
 }  // namespace
 
 char Function::argumentClass(size_t argument) const {
-  return classes.empty() ? 'V' : classes[std::min(argument, classes.size() - 1)];
+  if (!classes.empty()) return classes[std::min(argument, classes.size() - 1)];
+  const char letter = formula::parameterLetter(*info, static_cast<int>(argument));
+  return letter == 'R' || letter == 'A' ? letter : 'V';
 }
 
 const Function* functionByIndex(int index) {
-  const auto hit = std::lower_bound(
-      std::begin(functions), std::end(functions), index,
-      [](const Function& function, int wanted) { return function.index < wanted; });
-  return hit != std::end(functions) && hit->index == index ? hit : nullptr;
-}
-
-const Function* functionByName(std::string_view name) {
-  static const auto byName = [] {
-    std::unordered_map<std::string_view, const Function*> table;
-    for (const Function& function : functions) table.emplace(function.name, &function);
-    return table;
-  }();
-  const auto hit = byName.find(name);
-  return hit == byName.end() ? nullptr : hit->second;
-}
-
-bool isToolPakFunction(std::string_view name) {
-  return isListed(toolPak, name);
-}
-
-bool isLaterFunction(std::string_view name) {
-  // Of the later names nearly all that are not listed have a dot: STDEV.S, NORM.DIST ...
-  return isListed(later, name) || name.find('.') != std::string_view::npos;
+  static const std::vector<Function> functions = makeFunctions();
+  if (index < 0 || index > highestNumber) return nullptr;
+  const Function& function = functions[static_cast<size_t>(index)];
+  return function.info == nullptr ? nullptr : &function;
 }
 
 }  // namespace lodex::biff

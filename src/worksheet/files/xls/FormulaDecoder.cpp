@@ -238,7 +238,7 @@ class Decoder {
 
   bool fixedFunction() {
     const Function* known = functionByIndex(links_.version <= 3 ? in_.u8() : in_.u16());
-    return known != nullptr && function(known->name, known->minArguments);
+    return known != nullptr && function(known->info->name, known->arguments);
   }
 
   bool variableFunction() {
@@ -246,7 +246,7 @@ class Decoder {
     const unsigned index = links_.version <= 3 ? in_.u8() : in_.u16();
     if (index == userFunctionIndex) return userFunction(count);
     const Function* known = functionByIndex(static_cast<int>(index));
-    return known != nullptr && function(known->name, count);
+    return known != nullptr && function(known->info->name, count);
   }
 
   // The function's name is the first of its arguments.
@@ -256,7 +256,7 @@ class Decoder {
     std::string name = std::move(at->text);
     total_ -= name.size();
     stack_.erase(at);
-    if (startsWithNoCase(name, "_xlfn.")) name.erase(0, 6);
+    name = formula::withoutPrefix(name);
     return !name.empty() && function(name, count - 1);
   }
 

@@ -367,36 +367,38 @@ class Encoder {
   bool anyFunction(const Node& node, Class wanted) {
     const size_t count = node.children.size();
     if (count > maxArguments) return false;
-    const Function* known = functionByName(node.text);
-    if (known == nullptr) return userFunction(node, wanted);
-    // FIXED needs two arguments in the oldest files only.
-    const size_t least = known->name == "FIXED" ? 1 : known->minArguments;
-    if (count > known->maxArguments || count < least) return false;
+    const formula::FunctionInfo* info = formula::findFunction(node.text);
+    const Function* known = info == nullptr ? nullptr : functionByIndex(info->stored);
+    if (known == nullptr) return userFunction(node, info, wanted);
+    const auto least = static_cast<size_t>(info->minArguments);
+    if (known->hasFixedArguments ? count != known->arguments : count < least) return false;
+    if (count > static_cast<size_t>(info->maxArguments)) return false;
     for (size_t i = 0; i < count; ++i) {
       if (!encode(node.children[i], argumentClass(known->argumentClass(i), wanted))) return false;
     }
     const Class result = resultClass(known->result, wanted);
-    if (known->fixedArguments()) {
+    if (known->hasFixedArguments) {
       token(0x01, result);
     } else {
       token(0x02, result);
       u8(static_cast<unsigned>(count));
     }
-    u16(known->index);
+    u16(static_cast<unsigned>(info->stored));
     return true;
   }
 
-  bool userFunction(const Node& node, Class wanted) {
+  // `info` is null for a name that no function has.
+  bool userFunction(const Node& node, const formula::FunctionInfo* info, Class wanted) {
     if (node.children.size() + 1 > maxArguments) return false;
-    if (isToolPakFunction(node.text)) {
+    if (info != nullptr && info->stored == formula::addIn) {
       const auto [range, index] = links_.addInFunction(node.text);
       token(0x19, Class::Reference);
       u16(static_cast<unsigned>(range));
       u16(static_cast<unsigned>(index));
       u16(0);
     } else {
-      const std::string stored = (isLaterFunction(node.text) ? "_xlfn." : "") + node.text;
-      if (!nameToken(links_.laterFunction(stored), Class::Reference)) return false;
+      const std::string prefix(info == nullptr ? "" : formula::xlsPrefix(*info));
+      if (!nameToken(links_.laterFunction(prefix + node.text), Class::Reference)) return false;
     }
     for (const Node& argument : node.children) {
       if (!encode(argument, Class::Reference)) return false;

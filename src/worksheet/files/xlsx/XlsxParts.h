@@ -41,10 +41,11 @@ void readXlsxSheet(std::string_view document, const std::vector<Value>& strings,
 /// Text with the escapes "_x000D_" of spreadsheet documents replaced.
 std::string xlsxText(std::string_view text);
 
-/// A formula as users write it: without the prefixes that files put before newer functions.
+/// A formula as users write it: without the prefixes that files put before newer functions. Those
+/// of functions that are not known here stay.
 std::string xlsxFormula(std::string_view text);
 
-/// The reverse: a formula with the prefix that files put before functions younger than the format.
+/// The reverse: a formula with the prefix that files put before functions newer than the format.
 std::string xlsxFileFormula(std::string_view formula);
 
 }  // namespace lodex
