@@ -90,6 +90,48 @@ std::string storedNarrow(std::string_view latin1) {
   return "\xFF\xFE" + std::string(latin1);
 }
 
+std::string storedNumeric(bool negative, std::uint64_t low) {
+  const auto high = static_cast<std::uint32_t>(low >> 32);
+  return (negative ? "\x80" : std::string(1, '\0')) + std::string(8, '\0') + storedAs(high) +
+         storedAs(static_cast<std::uint32_t>(low));
+}
+
+std::string storedCalculated(const std::string& value) {
+  return std::string(16, '\x01') + storedAs(static_cast<std::uint32_t>(value.size())) + value +
+         std::string(3, '\0');
+}
+
+// The names of all properties come first, then the values of each field.
+std::string storedProperties(
+    const std::vector<std::pair<std::string, std::vector<std::array<std::string, 2>>>>& fields) {
+  const auto size = [](size_t count) { return storedAs(static_cast<std::uint16_t>(count)); };
+  const auto text = [&](const std::string& ascii) {
+    return size(2 * ascii.size()) + storedWide(ascii);
+  };
+  std::string names, rest;
+  size_t known = 0;
+  for (const auto& [field, list] : fields) {
+    std::string chunk = std::string(4, '\0') + text(field);
+    for (const auto& [name, content] : list) {
+      AccessType type = AccessType::Text;
+      std::string stored = storedWide(content);
+      if (name == "Required") {
+        type = AccessType::Boolean;
+        stored = std::string(1, content == "Yes");
+      } else if (name == "ResultType") {
+        type = AccessType::Byte;
+        stored = std::string(1, static_cast<char>(std::stoi(content)));
+      }
+      chunk += size(8 + stored.size()) + '\0' + static_cast<char>(type) + size(known++) +
+               size(stored.size()) + stored;
+      names += text(name);
+    }
+    rest += storedAs(static_cast<std::uint32_t>(6 + chunk.size())) + size(!field.empty()) + chunk;
+  }
+  return std::string("MR2\0", 4) + storedAs(static_cast<std::uint32_t>(6 + names.size())) +
+         storedAs(std::uint16_t{0x80}) + names + rest;
+}
+
 AccessMaker::AccessMaker(bool isJet3, int codePage) : isJet3_(isJet3), codePage_(codePage) {
   for (std::uint32_t i = 0; i <= kCatalogPage; ++i) newPage("");
 }
@@ -146,6 +188,7 @@ void AccessMaker::addRaw(const std::string& record, std::uint16_t flags) {
 
 void AccessMaker::addRecord(const std::vector<StoredCell>& cells, Place place, int known) {
   const std::string record = recordOf(cells, known);
+  if (place != Place::Deleted) ++open_->records;
   if (place != Place::Moved) return addRaw(record, place == Place::Deleted ? 0x8000 : 0);
   // The record's own page belongs to the table too, but there it is hidden.
   addRaw(record, 0x8000);
@@ -220,7 +263,7 @@ std::string AccessMaker::longField(const std::string& content, Long where) {
   return storedAs(size | flags) + storedAs(pointer) + std::string(4, '\0');
 }
 
-// A short map tells its pages by bits, a long one by pages of bits.
+// A short map lists its pages as bits, a long one as pages of bits.
 std::uint32_t AccessMaker::usageMap(const std::vector<std::uint32_t>& pages) {
   const auto setBit = [](std::string& bytes, size_t from, std::uint32_t bit) {
     bytes[from + bit / 8] = static_cast<char>(bytes[from + bit / 8] | 1 << bit % 8);
@@ -244,7 +287,8 @@ std::uint32_t AccessMaker::usageMap(const std::vector<std::uint32_t>& pages) {
   return addRow(mapPage_, map, 0, std::string(4, '\0'));
 }
 
-std::string AccessMaker::definition(const Table& table, std::uint32_t map) const {
+std::string AccessMaker::definition(const Open& open, std::uint32_t map) const {
+  const Table& table = open.table;
   const auto columnCount = static_cast<std::uint16_t>(table.columns.size());
   const auto indexCount = static_cast<std::uint32_t>(table.indexes.size());
   const size_t columnAt = isJet3_ ? 25 : 45;
@@ -252,6 +296,7 @@ std::string AccessMaker::definition(const Table& table, std::uint32_t map) const
   bytes.resize(isJet3_ ? 43 : 63);
   const auto variable = static_cast<std::uint16_t>(std::count_if(
       table.columns.begin(), table.columns.end(), [](const auto& one) { return !isFixed(one); }));
+  put(bytes, isJet3_ ? 12 : 16, open.records);
   bytes[isJet3_ ? 20 : 40] = 'N';
   put(bytes, columnAt - 4, static_cast<std::uint16_t>(table.firstNumber + columnCount));
   put(bytes, columnAt - 2, variable);
@@ -325,10 +370,16 @@ void AccessMaker::addLink(const std::string& name, const std::string& file) {
                       longField(text(file), Long::Inline)});
 }
 
+std::int32_t AccessMaker::addQuery(const std::string& name) {
+  const auto id = static_cast<std::int32_t>(0x80000000 + catalog_.size());
+  catalog_.push_back({storedAs(id), storedAs(std::uint16_t{5}), storedAs(0), text(name), {}, {}});
+  return id;
+}
+
 void AccessMaker::closeTable() {
   if (!open_) return;
-  std::string rest = definition(open_->table, usageMap(open_->pages));
-  // What does not fit the first page goes on in others, behind a header of eight bytes.
+  std::string rest = definition(*open_, usageMap(open_->pages));
+  // What does not fit the first page goes on in others, after a header of eight bytes.
   std::uint32_t page = open_->definitionPage;
   while (true) {
     std::string piece = rest.substr(0, pageSize());
@@ -374,8 +425,8 @@ void AccessMaker::write(const std::string& path) {
   closeTable();
   std::string& header = pages_[0];
   header.replace(0, 4, std::string("\0\1\0\0", 4));
-  header.replace(4, 15, "Standard Jet DB");
-  header[0x14] = isJet3_ ? 0 : 1;
+  header.replace(4, 15, isAce_ ? "Standard ACE DB" : "Standard Jet DB");
+  header[0x14] = isAce_ ? 3 : isJet3_ ? 0 : 1;
   put(header, 0x3C, static_cast<std::uint16_t>(codePage_));
   put(header, 0x3E, key_);
   applyCipher(kHeaderKey, header.data() + 0x18, isJet3_ ? 126 : 128);

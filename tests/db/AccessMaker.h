@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "db/drivers/jet/AccessTable.h"
@@ -25,8 +27,18 @@ std::string storedAs(T value) {
 std::string storedWide(std::string_view ascii);
 std::string storedNarrow(std::string_view latin1);
 
+/// A Numeric of four words, of which the lower two are given.
+std::string storedNumeric(bool negative, std::uint64_t low);
+/// The value of a calculated field, with its header.
+std::string storedCalculated(const std::string& value);
+/// Properties as the catalogue stores them: for each field ("" is the table itself) names and
+/// values. "Required" is a Boolean, "ResultType" a Byte, the others are texts.
+std::string storedProperties(
+    const std::vector<std::pair<std::string, std::vector<std::array<std::string, 2>>>>& fields);
+
 /// Writes small Access files page by page, so that tests and benchmarks need none made by Access.
-/// Tables are added one after the other, each with all of its records.
+/// Tables are added one after the other, each with all of its records. The layout of the pages is
+/// described at https://github.com/mdbtools/mdbtools/blob/dev/HACKING.md.
 class AccessMaker {
  public:
   struct Column {
@@ -67,13 +79,18 @@ class AccessMaker {
   /// Adds a table that lies in another file.
   void addLink(const std::string& name, const std::string& file);
 
-  /// The field of a memo or OLE object; the content goes where it is told.
+  /// Adds a saved query and returns the number under which MSysQueries holds its parts.
+  std::int32_t addQuery(const std::string& name);
+
+  /// The field of a memo or OLE object; `where` says on which pages the content goes.
   std::string longField(const std::string& content, Long where);
   /// The pointer to the row of a page of memos with this content.
   std::uint32_t addLongRow(const std::string& row);
 
   /// Encodes all pages but the first with the simple cipher of Jet.
   void encodeWith(std::uint32_t key) { key_ = key; }
+  /// Makes a file of Access 2010 instead of Jet 4.
+  void makeAce() { isAce_ = true; }
 
   /// Writes the file; nothing can be added afterwards.
   void write(const std::string& path);
@@ -84,12 +101,13 @@ class AccessMaker {
     std::uint32_t definitionPage = 0;
     std::uint32_t filling = 0;  // the page that takes records; 0 before the first
     std::vector<std::uint32_t> pages = {};
+    std::uint32_t records = 0;
   };
   size_t pageSize() const { return isJet3_ ? 2048 : 4096; }
   std::uint32_t newPage(std::string_view start);
   std::uint32_t addRow(std::uint32_t& page, std::string_view row, std::uint16_t flags,
                        std::string_view owner);
-  std::string definition(const Table& table, std::uint32_t map) const;
+  std::string definition(const Open& open, std::uint32_t map) const;
   std::uint32_t usageMap(const std::vector<std::uint32_t>& pages);
   std::string recordOf(const std::vector<StoredCell>& cells, int known) const;
   void closeTable();
@@ -97,6 +115,7 @@ class AccessMaker {
   std::string nameBytes(const std::string& name) const;
 
   bool isJet3_;
+  bool isAce_ = false;
   int codePage_;
   std::uint32_t key_ = 0;
   std::uint32_t longPage_ = 0;

@@ -23,6 +23,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 constexpr uid_t kNobody = 65534;
 
@@ -45,31 +46,81 @@ class AccessTwinTest : public testing::Test {
   std::string count(const fs::path& path) {
     Connection connection;
     connection.Open(ConnectionString(path.string(), "", ""));
-    warnings_ = connection.Warnings();
+    noticed_ = connection.Warnings();
     return connection.OpenRecordset("SELECT Count(*) FROM T")->Text(0);
   }
-  void change() const {
+  void change(const std::string& statement = "DELETE FROM T WHERE n = 0") const {
     Connection connection;
     connection.Open(ConnectionString(access_.string(), "", ""));
-    connection.Execute("DELETE FROM T WHERE n = 0");
+    connection.Execute(statement);
   }
 
   const fs::path folder_ = fs::temp_directory_path() / ("lodex_twin_" + std::to_string(::getpid()));
   const fs::path access_ = folder_ / "assays.mdb";
   const fs::path twin_ = folder_ / "assays.mdb.lodex.sqlite";
   const fs::path kept_ = folder_ / "assays.mdb.lodex.1.sqlite";
-  std::vector<std::string> warnings_;
+  std::vector<std::string> noticed_;
 };
 
 TEST_F(AccessTwinTest, IsUsedAgainWithItsChanges) {
   make(3);
   const std::string before = readFile(access_.string());
   EXPECT_EQ(count(access_), "3");
-  EXPECT_THAT(warnings_, ElementsAre(HasSubstr("all changes go to this copy")));
+  EXPECT_THAT(noticed_, ElementsAre(HasSubstr("all changes go to this copy")));
   change();
   EXPECT_EQ(count(access_), "2");
-  EXPECT_THAT(warnings_, IsEmpty());
+  EXPECT_THAT(noticed_, IsEmpty());
   EXPECT_EQ(readFile(access_.string()), before);
+}
+
+// Only its content counts, not the time that a copy or a tool gave it.
+TEST_F(AccessTwinTest, IsKeptWhenItsFileWasOnlyTouched) {
+  const auto touch = [&](int minutes) {
+    fs::last_write_time(access_, fs::file_time_type::clock::now() + std::chrono::minutes(minutes));
+  };
+  make(3);
+  count(access_);
+  touch(1);
+  EXPECT_EQ(count(access_), "3");
+  EXPECT_THAT(noticed_, IsEmpty());
+  change();
+  touch(2);
+  EXPECT_EQ(count(access_), "2");
+  EXPECT_THAT(noticed_, IsEmpty());
+
+  const fs::path folder = folder_ / "copied";
+  fs::create_directories(folder);
+  fs::copy_file(access_, folder / access_.filename());
+  fs::copy_file(twin_, folder / twin_.filename());
+  EXPECT_EQ(count(folder / access_.filename()), "2");
+  EXPECT_THAT(noticed_, IsEmpty());
+
+  // A touched twin without changes is still one without changes.
+  fs::remove(twin_);
+  count(access_);
+  touch(3);
+  count(access_);
+  make(4);
+  EXPECT_EQ(count(access_), "4");
+  EXPECT_FALSE(fs::exists(kept_));
+}
+
+TEST_F(AccessTwinTest, ReportsAtEveryOpeningWhatItLacks) {
+  AccessMaker maker;
+  maker.addTable({"T", {{"n", AccessType::LongInteger}, {"m", AccessType::Memo}}});
+  maker.addRecord({storedAs(1), "short"});
+  maker.addLink("Far", "far.mdb");
+  maker.addQuery("Empty");
+  maker.write(access_.string());
+  count(access_);
+  EXPECT_THAT(noticed_, UnorderedElementsAre(HasSubstr("all changes go to this copy"),
+                                             HasSubstr("field m could not be read"),
+                                             HasSubstr("in another database, far.mdb")));
+  for (int i = 0; i < 2; ++i) {
+    count(access_);
+    EXPECT_THAT(noticed_, UnorderedElementsAre(HasSubstr("field m could not be read"),
+                                               HasSubstr("in another database, far.mdb")));
+  }
 }
 
 TEST_F(AccessTwinTest, IsMadeOnceByProgramsThatStartTogether) {
@@ -102,7 +153,13 @@ TEST_F(AccessTwinTest, FollowsItsFileAndKeepsChanges) {
   } cases[] = {
       {"unchanged copy", [] {}, false},
       {"changed copy", [this] { change(); }, true},
-      {"copy without its record", [this] { fs::remove(twin_.string() + ".origin"); }, true},
+      {"copy without its record", [this] { change("DROP TABLE MSysLodexOrigin"); }, true},
+      {"another database",
+       [this] {
+         fs::remove(twin_);
+         createDatabase(twin_.string());
+       },
+       true},
   };
   for (const auto& row : cases) {
     fs::remove_all(folder_);
@@ -114,12 +171,11 @@ TEST_F(AccessTwinTest, FollowsItsFileAndKeepsChanges) {
     EXPECT_EQ(count(access_), "5") << row.name;
     EXPECT_EQ(fs::exists(kept_), row.kept) << row.name;
     if (row.kept) {
-      EXPECT_THAT(warnings_, Contains(HasSubstr(kept_.string()))) << row.name;
+      EXPECT_THAT(noticed_, Contains(HasSubstr(kept_.string()))) << row.name;
     }
     count(access_);
-    EXPECT_THAT(warnings_, IsEmpty()) << row.name;
+    EXPECT_THAT(noticed_, IsEmpty()) << row.name;
   }
-  EXPECT_EQ(count(kept_), "3");
 }
 
 TEST_F(AccessTwinTest, IsMadeAgainWhenItIsGone) {
@@ -151,7 +207,7 @@ TEST_F(AccessTwinTest, StaysAsItIsWhenTheNewFileIsDamaged) {
   EXPECT_TRUE(fs::exists(twin_));
   EXPECT_FALSE(fs::exists(kept_));
   EXPECT_EQ(count(twin_), "2");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 3);  // with the record of the twin
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 2);
 }
 
 TEST_F(AccessTwinTest, SinglesReadAsTheyWereEntered) {
@@ -185,10 +241,10 @@ TEST_F(AccessTwinTest, GoesToTheUsersFolderWhereItsOwnCannotBeWritten) {
     if (::access("/proc/self/exe", X_OK) != 0) ::_exit(2);
     try {
       setTwinFolder((home / "data").string());
-      const bool first = count(access_) == "3" && warnings_.size() == 1 &&
-                         warnings_[0].find((home / "data").string()) != std::string::npos;
+      const bool first = count(access_) == "3" && noticed_.size() == 1 &&
+                         noticed_[0].find((home / "data").string()) != std::string::npos;
       change();
-      ::_exit(first && count(access_) == "2" && warnings_.empty() ? 0 : 1);
+      ::_exit(first && count(access_) == "2" && noticed_.empty() ? 0 : 1);
     } catch (const Error& error) {
       std::fprintf(stderr, "%s\n", error.what());
       ::_exit(1);

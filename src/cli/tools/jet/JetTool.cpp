@@ -1,7 +1,7 @@
 // lodex-jet: copies an Access file into a new SQLite file, as a process of its own with limits on
-// what it may use, since Access files come from anywhere and may be damaged. A dot on standard
-// output tells that it goes on; warnings go to standard error, a line each, and so does the reason
-// when it fails, as the last line.
+// what it may use, since Access files come from anywhere and may be damaged. Dots on standard
+// output show that it goes on. What it noticed is in the new file; the reason of a failure is the
+// last line on standard error.
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -37,13 +37,9 @@ void limitMyself(const char* source) {
 #endif
 }
 
-class Report : public lodex::AccessCopyReport {
- public:
-  void warning(const std::string& text) override { std::cerr << text << std::endl; }
-  void progress() override {
-    if (::write(STDOUT_FILENO, ".", 1) < 0) ::_exit(1);
-  }
-};
+void showProgress() {
+  if (::write(STDOUT_FILENO, ".", 1) < 0) ::_exit(1);
+}
 
 }  // namespace
 
@@ -54,8 +50,7 @@ int main(int argc, char** argv) {
   }
   limitMyself(argv[1]);
   try {
-    Report report;
-    lodex::copyAccessFile(argv[1], argv[2], report);
+    lodex::copyAccessFile(argv[1], argv[2], showProgress);
     return 0;
   } catch (const std::bad_alloc&) {
     std::cerr << "it needs more memory than a sound file would" << std::endl;

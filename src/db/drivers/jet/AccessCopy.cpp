@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <set>
 #include <utility>
 #include <vector>
@@ -19,6 +20,7 @@ namespace lodex {
 namespace {
 
 constexpr std::uint32_t kCatalogPage = 2;
+constexpr std::string_view kAccessQueries = "MSysQueries";
 // Bits of the flags of a catalogue entry that mark what Access keeps for itself.
 constexpr std::uint32_t kSystemFlags = 0x80000002;
 enum ObjectType { kTableObject = 1, kOdbcLink = 4, kQueryObject = 5, kLink = 6 };
@@ -29,10 +31,14 @@ class SystemTable {
   SystemTable(const AccessFile& file, std::uint32_t page, const std::string& name)
       : table_(readAccessTable(file, page, name)), rows_(file, table_) {}
   bool next() { return rows_.next(); }
-  const AccessTable& table() const { return table_; }
-  const std::vector<AccessValue>& values() const { return rows_.values(); }
-  /// Records, or whole pages of them, that were left out because they are damaged.
-  int damaged() const { return rows_.damaged() + rows_.damagedPages(); }
+  const std::string& name() const { return table_.name; }
+  bool has(std::string_view column) const { return table_.find(column) >= 0; }
+  /// After the last record: how many values, records and pages of them cannot be read.
+  int damaged() const {
+    const auto& values = rows_.lostValues();
+    return std::accumulate(values.begin(), values.end(), rows_.damaged() + rows_.damagedPages());
+  }
+  bool isShort() const { return rows_.count() < table_.recordCount; }
   std::int64_t number(std::string_view column) const {
     const AccessValue* value = find(column);
     return value && value->kind == AccessValue::Whole ? value->whole : 0;
@@ -63,10 +69,20 @@ struct Object {
   std::uint32_t page() const { return id & 0xFFFFFF; }
 };
 
-std::vector<Object> readCatalog(const AccessFile& file, AccessCopyReport& report) {
+// Reports what could not be read of one of Access's own tables, after its last record.
+void reportDamage(const SystemTable& table, const std::string& consequence, Findings& found) {
+  const Place place{.sheet = table.name()};
+  const auto damaged = static_cast<size_t>(table.damaged());
+  found.add(Severity::Error, "A record could not be read: " + consequence, place, damaged);
+  if (damaged == 0 && table.isShort()) {
+    found.warn("The table has fewer records than it counts: " + consequence, place);
+  }
+}
+
+std::vector<Object> readCatalog(const AccessFile& file, Findings& found) {
   SystemTable catalog(file, kCatalogPage, "MSysObjects");
   for (const auto* column : {"Id", "Name", "Type", "Flags"}) {
-    if (catalog.table().find(column) < 0) throw FileError("its list of tables is damaged");
+    if (!catalog.has(column)) throw FileError("its list of tables is damaged");
   }
   std::vector<Object> objects;
   while (catalog.next()) {
@@ -84,10 +100,7 @@ std::vector<Object> readCatalog(const AccessFile& file, AccessCopyReport& report
     return object.type == kTableObject && object.page() == kCatalogPage;
   });
   if (!listsItself) throw FileError("its list of tables is damaged");
-  if (catalog.damaged() > 0) {
-    report.warning("The list of tables is damaged at " + std::to_string(catalog.damaged()) +
-                   " places: tables may be missing");
-  }
+  reportDamage(catalog, "tables may be missing", found);
   return objects;
 }
 
@@ -101,7 +114,8 @@ std::vector<Object>::const_iterator tableNamed(const std::vector<Object>& object
 // Which table holds the values of a field that takes several, by the field's table and its name.
 using FlatTables = std::map<std::pair<std::uint32_t, std::string>, std::uint32_t>;
 
-FlatTables readFlatTables(const AccessFile& file, const std::vector<Object>& objects) {
+FlatTables readFlatTables(const AccessFile& file, const std::vector<Object>& objects,
+                          Findings& found) {
   FlatTables result;
   const auto list = tableNamed(objects, "MSysComplexColumns");
   if (list == objects.end()) return result;
@@ -111,6 +125,7 @@ FlatTables readFlatTables(const AccessFile& file, const std::vector<Object>& obj
     result[{owner, toUpper(source.text("ColumnName"))}] =
         static_cast<std::uint32_t>(source.number("FlatTableID"));
   }
+  reportDamage(source, "fields with several values may be missing", found);
   return result;
 }
 
@@ -118,26 +133,34 @@ FlatTables readFlatTables(const AccessFile& file, const std::vector<Object>& obj
 class Tables {
  public:
   Tables(const AccessFile& file, const std::vector<Object>& objects, AccessTarget& target,
-         AccessCopyReport& report)
-      : file_(file), target_(target), report_(report) {
+         Findings& found)
+      : file_(file), target_(target), found_(found) {
     for (const Object& object : objects) names_.insert(toUpper(object.name));
     try {
-      flatTables_ = readFlatTables(file, objects);
-    } catch (const FileError&) {
-      report.warning("Fields with several values cannot be followed");
+      flatTables_ = readFlatTables(file, objects, found);
+    } catch (const FileError& error) {
+      found.error("The list of fields with several values cannot be read: " +
+                  std::string(error.what()));
     }
   }
 
   void copy(const Object& object) {
     try {
-      const AccessTable table = readAccessTable(file_, object.page(), nameInCopy(object.name));
+      AccessTable table = readAccessTable(file_, object.page(), nameInCopy(object.name));
+      const Place place{.sheet = table.name};
       if (table.columns.empty()) {
-        report_.warning("Table " + object.name + " has no fields and was left out");
+        found_.warn("The table has no fields and was left out", place);
         return;
       }
-      copyAccessTable(file_, table, propertiesOf(object), target_, report_);
+      const auto properties = propertiesOf(object, place);
+      for (const std::string& field : setCalculatedTypes(properties, table)) {
+        found_.warn(
+            "The type of the calculated field " + field + " is not known; its values may be wrong",
+            place);
+      }
+      copyAccessTable(file_, table, properties, target_, found_);
       for (const AccessColumn& column : table.columns) {
-        if (column.type == AccessType::Complex) copySeveralValues(object, column.name);
+        if (column.type == AccessType::Complex) copySeveralValues(object, column.name, place);
       }
     } catch (const FileError& error) {
       throw FileError("table " + object.name + ": " + error.what());
@@ -149,7 +172,7 @@ class Tables {
   std::string nameInCopy(const std::string& name) {
     if (!startsWithNoCase(name, "sqlite_")) return name;
     const std::string other = freeName("_" + name);
-    report_.warning("Table " + name + " is called " + other + " here");
+    found_.note("The table is called " + other + " in the copy", Place{.sheet = name});
     return other;
   }
 
@@ -158,53 +181,55 @@ class Tables {
     return name;
   }
 
-  std::map<std::string, AccessProperties> propertiesOf(const Object& object) {
+  std::map<std::string, AccessProperties> propertiesOf(const Object& object, const Place& place) {
     const std::string& stored = object.properties;
     try {
       return readAccessProperties(
           file_, {reinterpret_cast<const std::uint8_t*>(stored.data()), stored.size()});
     } catch (const FileError&) {
-      report_.warning("Table " + object.name + ": descriptions, defaults and rules are damaged");
+      found_.error("Descriptions, defaults and rules cannot be read and were left out", place);
       return {};
     }
   }
 
-  // The field itself holds a number for which the values stand in a table of their own.
-  void copySeveralValues(const Object& object, const std::string& field) {
-    const std::string what = "Table " + object.name + ": the values of field " + field;
+  // The field itself holds a number that leads to the values in a table of their own.
+  void copySeveralValues(const Object& object, const std::string& field, const Place& place) {
     const auto flat = flatTables_.find({object.id, toUpper(field)});
     if (flat == flatTables_.end()) {
-      report_.warning(what + ", which holds several, were not found");
+      found_.error("The values of field " + field + ", which holds several, were not found", place);
       return;
     }
     const std::string name = freeName(object.name + "_" + field);
     try {
       copyAccessTable(file_, readAccessTable(file_, flat->second & 0xFFFFFF, name), {}, target_,
-                      report_);
-      report_.warning(what + ", which holds several, stand in table " + name);
+                      found_);
+      found_.note("The values of field " + field + ", which holds several, are in table " + name,
+                  place);
     } catch (const FileError& error) {
       target_.tryRun("DROP TABLE IF EXISTS " + targetQuoted(name));
-      report_.warning(what + " cannot be read: " + error.what());
+      found_.error(
+          "The values of field " + field + ", which holds several, cannot be read: " + error.what(),
+          place);
     }
   }
 
   const AccessFile& file_;
   AccessTarget& target_;
-  AccessCopyReport& report_;
+  Findings& found_;
   FlatTables flatTables_;
   std::set<std::string> names_;
 };
 
 // The relationships go into a table of the same form.
 void copyRelationships(const AccessFile& file, const Object& object, AccessTarget& target,
-                       AccessCopyReport& report) {
+                       Findings& found) {
   AccessTable table = readAccessTable(file, object.page(), std::string(kRelationshipsTable));
   table.indexes.clear();
-  if (!table.columns.empty()) copyAccessTable(file, table, {}, target, report);
+  if (!table.columns.empty()) copyAccessTable(file, table, {}, target, found);
 }
 
 void copyQueries(const AccessFile& file, const std::vector<Object>& objects, const Object& table,
-                 AccessTarget& target) {
+                 AccessTarget& target, Findings& found) {
   std::map<std::uint32_t, std::vector<AccessQueryPart>> parts;
   SystemTable source(file, table.page(), table.name);
   while (source.next()) {
@@ -217,6 +242,7 @@ void copyQueries(const AccessFile& file, const std::vector<Object>& objects, con
     part.order = source.text("Order");
     parts[static_cast<std::uint32_t>(source.number("ObjectId"))].push_back(std::move(part));
   }
+  reportDamage(source, "saved queries may be missing or wrong", found);
   AccessInsertion insertion(target, kQueriesTable, 3);
   for (const Object& object : objects) {
     if (object.type != kQueryObject || object.name.starts_with("~")) continue;
@@ -227,44 +253,64 @@ void copyQueries(const AccessFile& file, const std::vector<Object>& objects, con
 
 // Relationships and queries are worth less than the tables: the copy goes on without them.
 void copySystemTable(const AccessFile& file, const std::vector<Object>& objects,
-                     const Object& table, AccessTarget& target, AccessCopyReport& report) {
+                     const Object& table, AccessTarget& target, Findings& found) {
   try {
-    if (table.name == "MSysRelationships") copyRelationships(file, table, target, report);
-    if (table.name == "MSysQueries") copyQueries(file, objects, table, target);
+    if (table.name == kRelationshipsTable) copyRelationships(file, table, target, found);
+    if (table.name == kAccessQueries) copyQueries(file, objects, table, target, found);
   } catch (const FileError& error) {
-    report.warning("The relationships or saved queries cannot be read: " +
-                   std::string(error.what()));
+    found.error("The relationships or saved queries cannot be read: " + std::string(error.what()),
+                Place{.sheet = table.name});
+  }
+}
+
+bool isUsersTable(const Object& object) {
+  return !object.isSystem && !object.name.starts_with("~") && object.name != kRelationshipsTable &&
+         object.name != kAccessQueries;
+}
+
+void keepFindings(const Findings& found, AccessTarget& target) {
+  target.run("CREATE TABLE " + targetQuoted(kLeftOutTable) +
+             " (severity INTEGER, table_name TEXT, text TEXT, count INTEGER)");
+  AccessInsertion insertion(target, kLeftOutTable, 4);
+  for (const Finding& finding : found.all()) {
+    insertion.add({wholeValue(static_cast<int>(finding.severity)),
+                   textValue(finding.places.front().sheet), textValue(finding.text),
+                   wholeValue(static_cast<std::int64_t>(finding.count))});
   }
 }
 
 }  // namespace
 
 void copyAccessFile(const std::string& source, const std::string& target,
-                    AccessCopyReport& report) {
+                    const AccessProgress& progress) {
   const AccessFile file(source);
-  const std::vector<Object> objects = readCatalog(file, report);
-  report.progress();
+  Findings found;
+  const std::vector<Object> objects = readCatalog(file, found);
+  progress();
   if (file.endsWithinPage()) {
-    report.warning("The Access file does not end with a whole page: it may have been cut short");
+    found.warn("The Access file does not end with a whole page: it may have been cut short");
   }
-  AccessTarget copy(target, report);
+  AccessTarget copy(target, progress);
   copy.run("CREATE TABLE " + targetQuoted(kQueriesTable) + " (name TEXT, sql TEXT, obstacle TEXT)");
+  copy.run("CREATE TABLE " + targetQuoted(kOriginTable) +
+           " (kind INTEGER, stamp TEXT, content TEXT, changes INTEGER)");
   copy.run(fieldsTableSql());
-  Tables tables(file, objects, copy, report);
+  Tables tables(file, objects, copy, found);
   for (const Object& object : objects) {
     // What else a link says may hold a password.
     if (object.type == kLink || object.type == kOdbcLink) {
-      report.warning("Table " + object.name + " lies in another database" +
-                     (object.file.empty() ? "" : ", " + object.file + ",") + " and was left out");
+      found.warn("The table is in another database" +
+                     (object.file.empty() ? "" : ", " + object.file + ",") + " and was left out",
+                 Place{.sheet = object.name});
     }
     if (object.type != kTableObject) continue;
-    const bool isUsers = !object.isSystem && !object.name.starts_with("~");
-    if (isUsers && !object.name.starts_with("MSys")) {
+    if (isUsersTable(object)) {
       tables.copy(object);
     } else {
-      copySystemTable(file, objects, object, copy, report);
+      copySystemTable(file, objects, object, copy, found);
     }
   }
+  keepFindings(found, copy);
   copy.run("COMMIT");
 }
 

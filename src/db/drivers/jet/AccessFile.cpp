@@ -84,6 +84,7 @@ void decodeUnicode(AccessBytes stored, std::string& out) {
       appendUnit(static_cast<std::uint16_t>(at[0] | at[1] << 8), high, out);
       at += 2;
     } else {
+      appendUtf8(out, 0xFFFD);
       break;
     }
   }
@@ -170,7 +171,7 @@ int AccessFile::rowCount(AccessBytes page) const {
 }
 
 AccessFile::Row AccessFile::row(AccessBytes page, int row) const {
-  if (row < 0 || row >= rowCount(page)) throw FileError("a record does not stand where it should");
+  if (row < 0 || row >= rowCount(page)) throw FileError("a record is not where it should be");
   const size_t place = (isJet3_ ? 10 : 14) + 2 * static_cast<size_t>(row);
   const std::uint16_t entry = page.u16(place);
   // Rows fill the page from its end; each ends where the one before it starts.

@@ -12,7 +12,7 @@ namespace lodex {
 /// True for the first bytes (20 are enough) of a file that Access wrote.
 bool isAccessHeader(std::string_view start);
 
-/// One page of the file in memory; `number` tells which, so that it is not read twice.
+/// One page of the file in memory, with its number, so that it is not read twice.
 struct AccessPage {
   std::uint32_t number = UINT32_MAX;
   std::vector<std::uint8_t> content;
@@ -22,7 +22,7 @@ struct AccessPage {
 
 /// An Access file as a row of numbered pages, opened for reading only. Jet 3 (Access 97), Jet 4
 /// (2000 to 2003) and ACE (2007 on); files encoded with the simple cipher of Jet are decoded, those
-/// with a real encryption throw FileError. What the fields of a page mean is told at
+/// with a real encryption throw FileError. The fields of a page are described at
 /// https://github.com/mdbtools/mdbtools/blob/dev/HACKING.md.
 class AccessFile {
  public:

@@ -71,7 +71,7 @@ pid_t start(const std::string& program, const std::vector<std::string>& argument
   return child;
 }
 
-// Takes what stands in a pipe; false at its end. Text beyond a limit is dropped.
+// Takes what is in a pipe; false at its end. Text beyond a limit is dropped.
 bool drain(int from, std::string* text) {
   std::array<char, 4096> piece;
   const ssize_t count = ::read(from, piece.data(), piece.size());

@@ -1,10 +1,7 @@
 #include "db/drivers/jet/AccessProperties.h"
 
-#include <vector>
-
 #include "basic/Error.h"
 #include "basic/Numbers.h"
-#include "db/drivers/jet/AccessTable.h"
 
 namespace lodex {
 
@@ -82,6 +79,23 @@ std::map<std::string, AccessProperties> readAccessProperties(const AccessFile& f
     }
   }
   return result;
+}
+
+std::vector<std::string> setCalculatedTypes(
+    const std::map<std::string, AccessProperties>& properties, AccessTable& table) {
+  std::vector<std::string> unknown;
+  for (AccessColumn& column : table.columns) {
+    if (!column.calculated) continue;
+    const auto own = properties.find(column.name);
+    const auto type = own == properties.end() ? std::nullopt
+                                              : parseInteger(propertyOf(own->second, "ResultType"));
+    if (type && isAccessType(*type)) {
+      column.type = static_cast<AccessType>(*type);
+    } else {
+      unknown.push_back(column.name);
+    }
+  }
+  return unknown;
 }
 
 const std::string& propertyOf(const AccessProperties& properties, std::string_view name) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "db/drivers/jet/AccessFile.h"
+#include "db/drivers/jet/AccessTable.h"
 
 namespace lodex {
 
@@ -15,6 +15,12 @@ using AccessProperties = std::map<std::string, std::string, std::less<>>;
 /// column LvProp of the catalogue keeps them. Throws FileError when they are damaged.
 std::map<std::string, AccessProperties> readAccessProperties(const AccessFile& file,
                                                              AccessBytes stored);
+
+/// Gives the calculated columns of a table the types of their values, which only the property
+/// ResultType names; the definition of the table may name others. Returns the names of those whose
+/// type is unknown.
+std::vector<std::string> setCalculatedTypes(
+    const std::map<std::string, AccessProperties>& properties, AccessTable& table);
 
 /// A property's value; "" if there is none.
 const std::string& propertyOf(const AccessProperties& properties, std::string_view name);

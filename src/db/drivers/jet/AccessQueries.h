@@ -14,7 +14,7 @@ struct AccessQueryPart {
   std::string expression;
   std::string name1;
   std::string name2;
-  std::string order;  ///< binary; the parts of a query stand in this order
+  std::string order;  ///< binary; the parts of a query come in this order
 };
 
 struct AccessQuery {

@@ -19,7 +19,7 @@ constexpr std::uint32_t kOnePage = 0x40000000;
 constexpr std::uint32_t kLengthBits = 0x3FFFFFFF;
 // A double holds every decimal number of so many digits.
 constexpr size_t kDoubleDigits = 15;
-// What calculated columns put before their value: a length stands at 16.
+// What calculated columns put before their value: its length is at 16.
 constexpr size_t kCalculatedLength = 16;
 constexpr size_t kCalculatedValue = 20;
 // A memo's field: its length with flags, a pointer, and four bytes without use.
@@ -196,10 +196,14 @@ struct AccessRows::Crack {
 };
 
 AccessRows::AccessRows(const AccessFile& file, const AccessTable& table)
-    : file_(file), table_(table), pages_(pagesOf(file, table)), values_(table.columns.size()) {}
+    : file_(file),
+      table_(table),
+      pages_(pagesOf(file, table)),
+      lostValues_(table.columns.size()),
+      values_(table.columns.size()) {}
 
 // A page that cannot be read ends the copy, since the file is cut short; one with something else on
-// it is passed over.
+// it is counted and left out.
 bool AccessRows::nextPage() {
   while (nextPage_ < pages_.size()) {
     file_.read(pages_[nextPage_++], page_);
@@ -223,7 +227,9 @@ bool AccessRows::next() {
   while (true) {
     if (row_ >= rowCount_ && !nextPage()) return false;
     try {
-      if (readRow()) return true;
+      if (!readRow()) continue;
+      ++count_;
+      return true;
     } catch (const FileError&) {
       ++damaged_;
     }
@@ -249,25 +255,39 @@ bool AccessRows::readRow() {
   if (maskSize > size) throw FileError("a record is too short");
   crack.mask = record.from(size - maskSize);
 
+  bool anyRead = false;
+  lostHere_.clear();
   for (size_t i = 0; i < table_.columns.size(); ++i) {
-    const AccessColumn& column = table_.columns[i];
-    AccessValue& value = values_[i];
-    value.kind = AccessValue::Null;
-    value.exact = false;
-    bool isNull = false;
-    AccessBytes bytes = stored(crack, column, isNull);
-    const bool isLong = column.type == AccessType::Memo || column.type == AccessType::Ole;
-    if (isLong && !isNull) isNull = !readLong(bytes);
-    if (column.type == AccessType::Boolean && !column.calculated) {
-      setWhole(isNull ? 0 : -1, value);
-    } else if (!isNull) {
-      decode(column, bytes, value);
+    try {
+      anyRead = readValue(crack, table_.columns[i], values_[i]) || anyRead;
+    } catch (const FileError&) {
+      values_[i].kind = AccessValue::Null;
+      lostHere_.push_back(i);
     }
   }
+  if (!anyRead && !lostHere_.empty()) throw FileError("no value of a record can be read");
+  for (const size_t place : lostHere_) ++lostValues_[place];
   return true;
 }
 
-// Offsets of the variable columns stand before the mask, the first one last. A record that is older
+// False for Null, and for a Boolean, which is stored in the null mask alone.
+bool AccessRows::readValue(Crack& crack, const AccessColumn& column, AccessValue& value) {
+  value.kind = AccessValue::Null;
+  value.exact = false;
+  bool isNull = false;
+  AccessBytes bytes = stored(crack, column, isNull);
+  if (column.type == AccessType::Boolean && !column.calculated) {
+    setWhole(isNull ? 0 : -1, value);
+    return false;
+  }
+  if (isNull) return false;
+  const bool isLong = column.type == AccessType::Memo || column.type == AccessType::Ole;
+  if (isLong && !bytes.empty()) bytes = longValue(bytes, longBytes_);
+  decode(column, bytes, value);
+  return value.kind != AccessValue::Null;
+}
+
+// The offsets of the variable columns precede the mask, the first one last. A record that is older
 // than the first of these columns has none.
 void AccessRows::readOffsets(const Crack& crack) {
   const AccessBytes record = crack.record;
@@ -317,25 +337,11 @@ AccessBytes AccessRows::stored(Crack& crack, const AccessColumn& column, bool& i
   return crack.record.part(static_cast<size_t>(start), static_cast<size_t>(end - start));
 }
 
-// Makes `bytes`, the field of a memo, its content; false where there is none. A memo that cannot be
-// read is lost alone, without the rest of its record.
-bool AccessRows::readLong(AccessBytes& bytes) {
-  if (bytes.empty()) return true;
-  try {
-    bytes = longValue(bytes, longBytes_);
-    return true;
-  } catch (const FileError&) {
-    ++lostMemos_;
-    return false;
-  }
-}
-
 void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value) {
   if (column.calculated) {
-    if (bytes.size() < kCalculatedValue) return;
-    const size_t length = bytes.u32(kCalculatedLength);
-    bytes = bytes.from(kCalculatedValue);
-    bytes = bytes.part(0, std::min(length, bytes.size()));
+    if (!bytes.empty()) bytes = bytes.part(kCalculatedValue, bytes.u32(kCalculatedLength));
+    const bool isText = column.type == AccessType::Text || column.type == AccessType::Memo;
+    if (bytes.empty() && !isText) return;  // what was calculated is Null
     if (column.type == AccessType::Boolean) return setWhole(bytes.u8(0) ? -1 : 0, value);
     if (column.type == AccessType::Numeric) return readCalculatedNumeric(bytes, value);
   }
@@ -381,19 +387,17 @@ void AccessRows::decode(const AccessColumn& column, AccessBytes bytes, AccessVal
   setBinary(bytes, value);
 }
 
-// A memo stands in its field, in a row of another page, or in a chain of such rows.
+// A memo is in its field, in a row of another page, or in a chain of such rows.
 AccessBytes AccessRows::longValue(AccessBytes field, std::string& whole) {
   const std::uint32_t header = field.u32(0);
   const size_t length = header & kLengthBits;
   if (header & kInline) {
-    const AccessBytes content = field.from(kLongHeader);
-    return content.part(0, std::min(length, content.size()));
+    return field.part(kLongHeader, length);
   }
   if (length == 0) return {};
   std::uint32_t pointer = field.u32(4);
   if (header & kOnePage) {
-    const AccessBytes row = file_.pointedRow(pointer, longPage_);
-    return row.size() > length ? row.part(0, length) : row;
+    return file_.pointedRow(pointer, longPage_).part(0, length);
   }
   if (length > std::uint64_t{file_.pageCount()} * file_.pageSize()) {
     throw FileError("a memo is longer than the file");

@@ -31,15 +31,18 @@ class AccessRows {
   /// file ends before it.
   bool next();
 
-  /// The values of the current record, in the order of the table's columns.
+  /// The values of the current record, in the order of the table's columns. A value that cannot be
+  /// read is Null, as long as another value of its record can be read.
   const std::vector<AccessValue>& values() const { return values_; }
 
-  /// Records that were left out because they are damaged.
+  /// Records that were left out because nothing of them can be read.
   int damaged() const { return damaged_; }
-  /// Pages of the table that hold no records of it.
+  /// Pages that were left out, with their records: they are damaged or belong to another table.
   int damagedPages() const { return damagedPages_; }
-  /// Memos and OLE objects that are Null in their records because they are damaged.
-  int lostMemos() const { return lostMemos_; }
+  /// For each column, how many values are Null because they cannot be read.
+  const std::vector<int>& lostValues() const { return lostValues_; }
+  /// Records read so far.
+  std::uint32_t count() const { return count_; }
 
  private:
   struct Crack;
@@ -47,7 +50,7 @@ class AccessRows {
   bool readRow();
   void readOffsets(const Crack& crack);
   AccessBytes stored(Crack& crack, const AccessColumn& column, bool& isNull);
-  bool readLong(AccessBytes& bytes);
+  bool readValue(Crack& crack, const AccessColumn& column, AccessValue& value);
   void decode(const AccessColumn& column, AccessBytes bytes, AccessValue& value);
   AccessBytes longValue(AccessBytes field, std::string& whole);
 
@@ -62,7 +65,9 @@ class AccessRows {
   int rowCount_ = 0;
   int damaged_ = 0;
   int damagedPages_ = 0;
-  int lostMemos_ = 0;
+  std::uint32_t count_ = 0;
+  std::vector<int> lostValues_;
+  std::vector<size_t> lostHere_;  // places of the values of the current record that are lost
   std::string longBytes_;
   std::vector<int> varOffsets_;
   std::vector<AccessValue> values_;

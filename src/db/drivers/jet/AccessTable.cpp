@@ -15,16 +15,17 @@ constexpr std::uint32_t kMostIndexes = 1024;
 constexpr size_t kMostDefinitionBytes = 16u << 20;
 constexpr std::uint16_t kNoColumn = 0xFFFF;
 
-// Where things stand in a definition; it differs by the age of the format.
+// The offsets of a definition, which differ by the age of the format.
 struct Layout {
-  size_t columnCount, indexCount, realIndexCount, usedPages, entries;
+  size_t recordCount, columnCount, indexCount, realIndexCount, usedPages, entries;
   size_t realIndexEntry;
   size_t columnEntry, number, varIndex, fixedOffset, size, flags, scale, moreFlags;
   size_t realIndex, realIndexStart, realIndexFlags;
   size_t index, indexReal, indexType;
 };
-constexpr Layout kJet3{25, 27, 31, 35, 43, 8, 18, 1, 3, 14, 16, 13, 0, 0, 39, 0, 38, 20, 4, 19};
-constexpr Layout kJet4{45, 47, 51, 55, 63, 12, 25, 5, 7, 21, 23, 15, 12, 16, 52, 4, 42, 28, 8, 23};
+constexpr Layout kJet3{12, 25, 27, 31, 35, 43, 8, 18, 1, 3, 14, 16, 13, 0, 0, 39, 0, 38, 20, 4, 19};
+constexpr Layout kJet4{16, 45, 47, 51, 55, 63, 12, 25, 5, 7, 21,
+                       23, 15, 12, 16, 52, 4,  42, 28, 8, 23};
 
 // A definition longer than a page goes on in others.
 std::vector<std::uint8_t> definitionBytes(const AccessFile& file, std::uint32_t first) {
@@ -37,7 +38,7 @@ std::vector<std::uint8_t> definitionBytes(const AccessFile& file, std::uint32_t 
     }
     file.read(number, page);
     const AccessBytes bytes = page.bytes();
-    if (bytes.u8(0) != 0x02) throw FileError("its definition does not stand where it should");
+    if (bytes.u8(0) != 0x02) throw FileError("its definition is not where it should be");
     all.insert(all.end(), page.content.begin() + (all.empty() ? 0 : 8), page.content.end());
     number = bytes.u32(4);
   }
@@ -129,13 +130,19 @@ void addBits(AccessBytes bits, std::uint32_t first, std::uint32_t pageCount,
       if (!(byte & 1 << bit)) continue;
       const std::uint64_t page = std::uint64_t{first} + i * 8 + static_cast<unsigned>(bit);
       if (page >= pageCount)
-        throw FileError("records lie behind the end of the file: it is cut short or damaged");
+        throw FileError("records lie beyond the end of the file: it is cut short or damaged");
       pages.push_back(static_cast<std::uint32_t>(page));
     }
   }
 }
 
 }  // namespace
+
+bool isAccessType(int number) {
+  constexpr int kFirst = static_cast<int>(AccessType::Boolean);
+  constexpr int kLast = static_cast<int>(AccessType::ExtendedDate);
+  return number >= kFirst && number <= kLast && number != 13 && number != 14 && number != 17;
+}
 
 int AccessTable::find(std::string_view column) const {
   for (size_t i = 0; i < columns.size(); ++i) {
@@ -157,6 +164,7 @@ AccessTable readAccessTable(const AccessFile& file, std::uint32_t page, const st
   AccessTable table;
   table.name = name;
   table.definitionPage = page;
+  table.recordCount = bytes.u32(layout.recordCount);
   table.usedPages = bytes.u32(layout.usedPages);
   size_t at = layout.entries + realCount * layout.realIndexEntry;
   for (std::uint32_t i = 0; i < columnCount; ++i, at += layout.columnEntry) {

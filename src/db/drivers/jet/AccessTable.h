@@ -29,18 +29,21 @@ enum class AccessType : std::uint8_t {
   ExtendedDate = 20
 };
 
+/// True for the number of a type that is known.
+bool isAccessType(int number);
+
 struct AccessColumn {
   std::string name;
   AccessType type = AccessType::Text;
   int number = 0;       ///< bit in the null mask
   int varIndex = 0;     ///< place among the columns of variable length
-  int fixedOffset = 0;  ///< bytes behind the column count of a record
+  int fixedOffset = 0;  ///< bytes after the column count of a record
   int size = 0;         ///< bytes; 0 for memos and the like
   int precision = 0;    ///< digits of a Numeric
   int scale = 0;        ///< how many of them are decimals
   bool fixed = false;
   bool counter = false;
-  bool calculated = false;
+  bool calculated = false;  ///< of variable length whatever its type, with a header
 };
 
 struct AccessIndex {
@@ -59,6 +62,9 @@ struct AccessTable {
   std::string name;
   std::uint32_t definitionPage = 0;
   std::uint32_t usedPages = 0;  ///< pointer to the map of its pages
+  /// How many records it has, as Access keeps count; in some sound files the count is not up to
+  /// date.
+  std::uint32_t recordCount = 0;
   std::vector<AccessColumn> columns;
   std::vector<AccessIndex> indexes;
 

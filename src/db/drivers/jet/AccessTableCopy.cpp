@@ -6,7 +6,6 @@
 
 #include "basic/Error.h"
 #include "basic/Text.h"
-#include "db/drivers/jet/AccessCopy.h"
 #include "db/drivers/jet/AccessRows.h"
 #include "db/drivers/jet/AccessRules.h"
 #include "db/drivers/sqlite/SqliteTables.h"
@@ -17,6 +16,7 @@ namespace {
 
 constexpr int kRecordsPerReport = 2000;
 constexpr int kMostDigits = 28;  // of a Numeric
+constexpr int kMostCharacters = 255;
 
 FieldType fieldType(const AccessFile& file, const AccessColumn& column) {
   switch (column.type) {
@@ -51,6 +51,7 @@ FieldType fieldType(const AccessFile& file, const AccessColumn& column) {
     case AccessType::Guid:
       return {FieldCode::VarText, 38};
     case AccessType::Text:
+      if (column.calculated) return {FieldCode::VarText, kMostCharacters};
       return {FieldCode::VarText, file.isJet3() ? column.size : column.size / 2};
     case AccessType::Binary:
     case AccessType::Ole:
@@ -69,7 +70,7 @@ std::string looseDeclaration(FieldType type) {
   return type.isNumber() ? declaration.substr(0, declaration.find(' ')) + " BLOB" : declaration;
 }
 
-// As opposed to a moment beyond the calendar, which comes as its number.
+// As opposed to a moment outside the calendar, which comes as its number.
 bool looksLikeDate(const AccessValue& value) {
   const std::string& text = value.bytes;
   return value.kind != AccessValue::Text || (text.size() >= 10 && text[4] == '-' && text[7] == '-');
@@ -98,8 +99,13 @@ class TableCopy {
  public:
   TableCopy(const AccessFile& file, const AccessTable& table,
             const std::map<std::string, AccessProperties>& properties, AccessTarget& target,
-            AccessCopyReport& report)
-      : file_(file), table_(table), properties_(properties), target_(target), report_(report) {
+            Findings& found)
+      : file_(file),
+        table_(table),
+        properties_(properties),
+        target_(target),
+        found_(found),
+        place_{.sheet = table.name} {
     for (const AccessColumn& column : table.columns) {
       Column plan{column.name, fieldType(file, column), &of(column.name)};
       plan.required = propertyOf(*plan.properties, "Required") == "Yes";
@@ -117,17 +123,6 @@ class TableCopy {
     while (!attempt()) target_.run("DROP TABLE " + targetQuoted(table_.name));
     createIndexes();
     numberCounters();
-    if (damagedPages_) {
-      warn(std::to_string(damagedPages_) + " damaged pages were left out, with their records");
-    }
-    if (damaged_) warn(std::to_string(damaged_) + " damaged records were left out");
-    if (lostMemos_) warn(std::to_string(lostMemos_) + " damaged memos or objects were left empty");
-    if (strangeNumbers_) {
-      warn(std::to_string(strangeNumbers_) + " values that are no numbers were left empty");
-    }
-    if (strangeDates_) {
-      warn(std::to_string(strangeDates_) + " dates beyond the calendar were kept as numbers");
-    }
   }
 
  private:
@@ -141,9 +136,17 @@ class TableCopy {
     bool loose = false;  // some values would not stay what they are, or break the type's demands
     std::string defaultValue = {};
     std::string rule = {};  // as a condition of the target
+    int strangeNumbers = 0;
+    int strangeDates = 0;
   };
 
-  void warn(const std::string& text) { report_.warning("Table " + table_.name + ": " + text); }
+  void note(const std::string& text) { found_.note(text, place_); }
+  void warn(const std::string& text, int count = 1) {
+    found_.add(Severity::Warning, text, place_, static_cast<size_t>(count));
+  }
+  void error(const std::string& text, int count) {
+    found_.add(Severity::Error, text, place_, static_cast<size_t>(count));
+  }
 
   const AccessProperties& of(const std::string& field) const {
     static const AccessProperties none;
@@ -157,19 +160,26 @@ class TableCopy {
     for (Column& column : columns_) {
       const std::string& value = propertyOf(*column.properties, "DefaultValue");
       if (value.empty() || column.counter) continue;
-      try {
-        column.defaultValue = "(" + translatedDefault(value) + ")";
-      } catch (const Error&) {
-        // It stays empty.
-      }
-      const bool works = !column.defaultValue.empty() &&
-                         target_.hasRecords("SELECT " + column.defaultValue) &&
-                         worksInTable("\"|default|\" DEFAULT " + column.defaultValue);
-      if (!works) {
-        column.defaultValue.clear();
-        warn("the default of field " + column.name + " works in Access only: " + value);
+      column.defaultValue = plannedDefault(value);
+      if (column.defaultValue.empty()) {
+        note("The default of field " + column.name + " works in Access only: " + value);
       }
     }
+  }
+
+  // "" for what has no counterpart.
+  std::string plannedDefault(const std::string& value) {
+    std::string expression;
+    try {
+      expression = "(" + translatedDefault(value) + ")";
+    } catch (const FileError&) {
+      throw;
+    } catch (const Error&) {
+      return {};
+    }
+    const bool works = target_.hasRecords("SELECT " + expression) &&
+                       worksInTable("\"|default|\" DEFAULT " + expression);
+    return works ? expression : "";
   }
 
   void planRules() {
@@ -188,14 +198,14 @@ class TableCopy {
     } catch (const FileError&) {
       throw;
     } catch (const Error&) {
-      // It has no counterpart.
+      // It has no counterpart, as one that the engine refuses.
     }
-    warnOfRule(field, "works in Access only", rule);
+    noteRule(field, "works in Access only", rule);
     return {};
   }
 
-  void warnOfRule(const std::string& field, const std::string& what, const std::string& rule) {
-    warn("the rule of " + (field.empty() ? "the table " : "field " + field + " ") + what + ": " +
+  void noteRule(const std::string& field, const std::string& what, const std::string& rule) {
+    note("The rule of " + (field.empty() ? "the table " : "field " + field + " ") + what + ": " +
          rule);
   }
 
@@ -258,10 +268,10 @@ class TableCopy {
                            propertyOf(*column.properties, "ValidationRule"));
   }
 
-  // What Access says beyond types and keys must not keep its records from coming over.
+  // What Access demands beyond types and keys must not keep its records from coming over.
   void create() {
     if (target_.tryRun(tableSql())) return;
-    warn("its defaults and rules could not be taken over");
+    note("The defaults and rules of the table could not be kept");
     tableRule_.clear();
     for (Column& column : columns_) {
       column.rule.clear();
@@ -273,12 +283,12 @@ class TableCopy {
   std::string tableSql() const {
     const AccessIndex* key = keyed_ ? primaryKey(table_) : nullptr;
     std::string lines;
-    bool keyStands = false;
+    bool keyIsWritten = false;
     for (size_t i = 0; i < columns_.size(); ++i) {
       lines += i ? ", " : "";
       if (isRowNumber(i)) {
         lines += targetQuoted(columns_[i].name) + " INTEGER PRIMARY KEY";
-        keyStands = true;
+        keyIsWritten = true;
         continue;
       }
       Column column = columns_[i];
@@ -287,7 +297,7 @@ class TableCopy {
       }
       lines += definition(column);
     }
-    if (key && !keyStands) lines += ", PRIMARY KEY (" + columnList(table_, *key) + ")";
+    if (key && !keyIsWritten) lines += ", PRIMARY KEY (" + columnList(table_, *key) + ")";
     if (!tableRule_.empty()) {
       lines += "," +
                check(tableRule_, propertyOf(of(""), "ValidationText"),
@@ -302,39 +312,58 @@ class TableCopy {
     AccessInsertion insertion(target_, table_.name, columns_.size());
     AccessRows rows(file_, table_);
     bool again = false;
-    strangeNumbers_ = 0;
-    strangeDates_ = 0;
+    for (Column& column : columns_) column.strangeNumbers = column.strangeDates = 0;
     for (int count = 0; rows.next(); ++count) {
-      if (count % kRecordsPerReport == 0) report_.progress();
+      if (count % kRecordsPerReport == 0) target_.progress();
       for (size_t i = 0; i < columns_.size(); ++i) {
         if (!suits(rows.values()[i], columns_[i])) again = true;
       }
       if (again) continue;
       if (!insertion.add(rows.values())) {
         if (!keyed_) throw FileError("a record of table " + table_.name + " cannot be stored");
-        warn("its primary key is not unique, it was brought in without it");
+        warn("The primary key is empty or not unique in some records, the copy has none");
         keyed_ = false;
         return false;
       }
     }
-    damagedPages_ = rows.damagedPages();
-    damaged_ = rows.damaged();
-    lostMemos_ = rows.lostMemos();
-    return !again && obeysRules();
+    if (again || !obeysRules()) return false;
+    reportValues(rows);
+    return true;
+  }
+
+  void reportValues(const AccessRows& rows) {
+    error("A page of records could not be read and was left out", rows.damagedPages());
+    error("A record could not be read and was left out", rows.damaged());
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      const Column& column = columns_[i];
+      const std::string kind = table_.columns[i].calculated ? "calculated field " : "field ";
+      error("A value of " + kind + column.name + " could not be read and is empty here",
+            rows.lostValues()[i]);
+      warn("A value of " + kind + column.name + " is not a number and is empty here",
+           column.strangeNumbers);
+      warn("A date of " + kind + column.name +
+               " is outside the years 100 to 9999 and was kept as its number",
+           column.strangeDates);
+    }
+    const std::uint32_t known = rows.count() + static_cast<std::uint32_t>(rows.damaged());
+    if (known < table_.recordCount && rows.damagedPages() == 0) {
+      warn("The table counts " + std::to_string(table_.recordCount) + " records, but only " +
+           std::to_string(known) + " were found");
+    }
   }
 
   // False when the value changes what its column can demand.
   bool suits(const AccessValue& value, Column& column) {
     const bool isNumber = value.kind == AccessValue::Number;
     const bool isNothing = isNumber && std::isnan(value.number);
-    if (isNothing) ++strangeNumbers_;
+    if (isNothing) ++column.strangeNumbers;
     if (column.required && (isNothing || value.kind == AccessValue::Null)) {
       column.required = false;
-      warn("field " + column.name + " is required but empty in some records; here it may be empty");
+      note("Field " + column.name + " is required but empty in some records; here it may be empty");
       return false;
     }
     const bool isNoDate = column.type.code == FieldCode::Date && !looksLikeDate(value);
-    if (isNoDate) ++strangeDates_;
+    if (isNoDate) ++column.strangeDates;
     if (column.loose) return true;
     const bool isTooLong = value.kind == AccessValue::Text && column.type.size > 0 &&
                            value.bytes.size() > static_cast<size_t>(column.type.size) &&
@@ -352,7 +381,7 @@ class TableCopy {
                                               " WHERE NOT (" + rule + ") LIMIT 1")) {
         return;
       }
-      warnOfRule(field, "is broken by some records and does not hold here", wording);
+      noteRule(field, "is broken by some records and does not hold here", wording);
       rule.clear();
       obeyed = false;
     };
@@ -366,15 +395,15 @@ class TableCopy {
   void createIndexes() {
     std::set<std::string> made;
     for (const AccessIndex& index : table_.indexes) {
-      report_.progress();
+      target_.progress();
       if (keyed_ && &index == primaryKey(table_)) continue;
       const std::string list = columnList(table_, index);
       if (!made.insert(toUpper(list) + (index.unique ? "!" : "")).second) continue;
       const std::string rest = "INDEX " + targetQuoted(table_.name + "|" + index.name) + " ON " +
                                targetQuoted(table_.name) + " (" + list + ")";
       if (index.unique && target_.tryRun("CREATE UNIQUE " + rest)) continue;
-      if (index.unique) warn("index " + index.name + " holds equal values, it is not unique here");
-      if (!target_.tryRun("CREATE " + rest)) warn("index " + index.name + " could not be made");
+      if (index.unique) warn("Index " + index.name + " has equal values, it is not unique here");
+      if (!target_.tryRun("CREATE " + rest)) warn("Index " + index.name + " could not be made");
     }
   }
 
@@ -390,15 +419,11 @@ class TableCopy {
   const AccessTable& table_;
   const std::map<std::string, AccessProperties>& properties_;
   AccessTarget& target_;
-  AccessCopyReport& report_;
+  Findings& found_;
+  const Place place_;
   std::vector<Column> columns_;
   std::string tableRule_;
   bool keyed_ = true;
-  int damagedPages_ = 0;
-  int damaged_ = 0;
-  int lostMemos_ = 0;
-  int strangeNumbers_ = 0;
-  int strangeDates_ = 0;
 };
 
 }  // namespace
@@ -411,8 +436,8 @@ std::string fieldsTableSql() {
 
 void copyAccessTable(const AccessFile& file, const AccessTable& table,
                      const std::map<std::string, AccessProperties>& properties,
-                     AccessTarget& target, AccessCopyReport& report) {
-  TableCopy(file, table, properties, target, report).run();
+                     AccessTarget& target, Findings& found) {
+  TableCopy(file, table, properties, target, found).run();
 }
 
 }  // namespace lodex

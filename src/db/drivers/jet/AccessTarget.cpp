@@ -4,7 +4,6 @@
 
 #include "basic/Error.h"
 #include "basic/Text.h"
-#include "db/drivers/jet/AccessCopy.h"
 
 namespace lodex {
 
@@ -13,16 +12,18 @@ namespace {
 constexpr int kStepsPerReport = 1'000'000;  // of the engine's machine
 
 int reportProgress(void* to) {
-  static_cast<AccessCopyReport*>(to)->progress();
+  (*static_cast<const AccessProgress*>(to))();
   return 0;
 }
 
 }  // namespace
 
-AccessTarget::AccessTarget(const std::string& path, AccessCopyReport& report) {
+AccessTarget::AccessTarget(const std::string& path, const AccessProgress& progress)
+    : progress_(progress) {
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   check(sqlite3_open_v2(path.c_str(), &handle_, flags, nullptr));
-  sqlite3_progress_handler(handle_, kStepsPerReport, reportProgress, &report);
+  sqlite3_progress_handler(handle_, kStepsPerReport, reportProgress,
+                           const_cast<AccessProgress*>(&progress));
   for (const auto* setting :
        {"journal_mode = MEMORY", "synchronous = OFF", "locking_mode = EXCLUSIVE",
         "cache_size = -65536", "temp_store = MEMORY", "ignore_check_constraints = ON"}) {
@@ -106,6 +107,13 @@ AccessValue textValue(const std::string& text) {
   AccessValue value;
   value.kind = AccessValue::Text;
   value.bytes = text;
+  return value;
+}
+
+AccessValue wholeValue(std::int64_t number) {
+  AccessValue value;
+  value.kind = AccessValue::Whole;
+  value.whole = number;
   return value;
 }
 

@@ -36,7 +36,7 @@ constexpr int kPatience = 20'000;  // milliseconds without progress
 constexpr std::chrono::minutes kLeftoverAge(10);
 constexpr size_t kStampBytes = 64 * 1024;
 // Counts up whenever twins are made in another way, so that old ones are made anew.
-constexpr int kTwinKind = 3;
+constexpr int kTwinKind = 4;
 
 std::string& chosenFolder() {
   static std::string folder;
@@ -54,8 +54,7 @@ fs::path twinFolder() {
 }
 
 // FNV-1a, 64 bits (Fowler, Noll and Vo).
-std::uint64_t hashOf(std::string_view bytes) {
-  std::uint64_t hash = 14695981039346656037u;
+std::uint64_t hashOf(std::string_view bytes, std::uint64_t hash = 14695981039346656037u) {
   for (const char byte : bytes) {
     hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211u;
   }
@@ -70,11 +69,23 @@ std::string firstBytes(const fs::path& path, size_t count) {
   return bytes;
 }
 
-// What tells whether an Access file changed: size, time, and its first pages.
+// A file with the same stamp is taken for unchanged: size, time, and its first pages.
 std::string stampOf(const fs::path& access) {
   const auto time = fs::last_write_time(access).time_since_epoch().count();
-  return fmt::format("{} {} {} {:016x}", kTwinKind, fs::file_size(access), time,
+  return fmt::format("{} {} {:016x}", fs::file_size(access), time,
                      hashOf(firstBytes(access, kStampBytes)));
+}
+
+// The whole content as a number, so that a file that was only touched is recognised.
+std::string contentOf(const fs::path& access) {
+  std::ifstream file(access, std::ios::binary);
+  std::string piece(kStampBytes, '\0');
+  std::uint64_t hash = hashOf("");
+  while (file) {
+    file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    hash = hashOf({piece.data(), static_cast<size_t>(file.gcount())}, hash);
+  }
+  return fmt::format("{} {:016x}", fs::file_size(access), hash);
 }
 
 bool canWriteIn(const fs::path& folder) {
@@ -100,26 +111,53 @@ std::uint32_t changeCount(const fs::path& database) {
   return count;
 }
 
-std::string originPath(const fs::path& twin) {
-  return twin.string() + ".origin";
-}
-
-// The record beside a twin: the stamp of its Access file and its own change count when it was made.
+// What a twin knows of its Access file, in its table kOriginTable, and whether it was changed
+// since.
 struct Origin {
   std::string stamp;
-  std::uint32_t changes = 0;
+  std::string content;
+  bool changed = false;
 };
 
+// Nothing for a twin that is missing, made in another way, or not a twin at all.
 std::optional<Origin> readOrigin(const fs::path& twin) {
-  std::ifstream file(originPath(twin));
-  Origin origin;
-  if (!std::getline(file, origin.stamp) || !(file >> origin.changes)) return std::nullopt;
-  return origin;
+  if (!fs::exists(twin)) return std::nullopt;
+  // Before it is opened, which may bring pending changes into the file.
+  const bool isPending = fs::exists(twin.string() + "-wal");
+  const std::int64_t changes = changeCount(twin);
+  try {
+    const auto driver = openSqliteFile(twin.string());
+    const auto rows = driver->query(
+        "SELECT stamp, content, changes FROM " + std::string(kOriginTable) + " WHERE kind = ?",
+        {std::int64_t{kTwinKind}});
+    Row row;
+    if (!rows->next(row)) return std::nullopt;
+    const bool changed = isPending || fieldText(row[2]) != std::to_string(changes);
+    return Origin{fieldText(row[0]), fieldText(row[1]), changed};
+  } catch (const Error& error) {
+    if (error.number() != dberror::BadStatement) throw;  // it is in use or damaged
+    return std::nullopt;
+  }
 }
 
-bool isTwinOf(const std::string& stamp, const fs::path& twin) {
-  const auto origin = readOrigin(twin);
-  return origin && origin->stamp == stamp && fs::exists(twin);
+// The change that stores the origin counts as one itself.
+void writeOrigin(const fs::path& twin, const std::string& stamp, const std::string& content) {
+  const std::int64_t changes = std::int64_t{changeCount(twin)} + 1;
+  openSqliteFile(twin.string())
+      ->execute("INSERT INTO " + std::string(kOriginTable) +
+                    " (kind, stamp, content, changes) VALUES (?, ?, ?, ?)",
+                {std::int64_t{kTwinKind}, stamp, content, changes});
+}
+
+// A twin that cannot be written, or is in use, is compared by content the next time, too.
+void renewStamp(const fs::path& twin, const std::string& stamp) {
+  try {
+    openSqliteFile(twin.string())
+        ->execute("UPDATE " + std::string(kOriginTable) + " SET stamp = ?, changes = changes + 1",
+                  {stamp});
+  } catch (const Error&) {
+    return;
+  }
 }
 
 fs::path helperPath() {
@@ -183,12 +221,24 @@ bool runsAsQuery(Driver& driver, const std::string& name, const std::string& sql
   return false;
 }
 
-// Queries may stand on each other, so those that fail are tried again while others succeed.
-void makeViews(Driver& driver, Findings& found) {
+// Adds what making the views noticed to what the copy left out.
+void keepFinding(Driver& driver, Severity severity, const std::string& query,
+                 const std::string& text) {
+  driver.execute("INSERT INTO " + std::string(kLeftOutTable) +
+                     " (severity, table_name, text, [count]) VALUES (?, ?, ?, 1)",
+                 {static_cast<std::int64_t>(severity), query, text});
+}
+
+// Queries may use each other, so those that fail are tried again while others succeed.
+void makeViews(Driver& driver) {
   struct Saved {
     std::string name, sql, reason;
   };
-  std::vector<Saved> waiting;
+  const auto leaveOut = [&](const Saved& query) {
+    keepFinding(driver, Severity::Warning, query.name,
+                "The saved query is not available as a view: " + query.reason);
+  };
+  std::vector<Saved> waiting, hopeless;
   {
     const auto rows =
         driver.query("SELECT name, sql, obstacle FROM " + std::string(kQueriesTable), {});
@@ -198,7 +248,7 @@ void makeViews(Driver& driver, Findings& found) {
       if (query.reason.empty()) {
         waiting.push_back(std::move(query));
       } else {
-        found.warn("Query " + query.name + " is no view here: " + query.reason);
+        hopeless.push_back(std::move(query));
       }
     }
   }
@@ -209,35 +259,45 @@ void makeViews(Driver& driver, Findings& found) {
       if (!runsAsQuery(driver, one.name, one.sql, one.reason)) return false;
       if (one.sql.starts_with("TRANSFORM") &&
           !readJetSql(one.sql, SqlTarget::Sqlite).pivotSql.empty()) {
-        found.warn("Query " + one.name +
-                   " keeps the columns that it had when the file was brought in");
+        keepFinding(driver, Severity::Note, one.name,
+                    "The crosstab keeps the columns that it had when the file was copied");
       }
       return true;
     });
   }
-  for (const Saved& query : waiting) {
-    found.warn("Query " + query.name + " is no view here: " + query.reason);
+  for (const Saved& query : hopeless) leaveOut(query);
+  for (const Saved& query : waiting) leaveOut(query);
+}
+
+// What the copy left out, from the table in the twin; notes only if they are asked for.
+void reportLeftOut(Driver& driver, const std::string& file, bool withNotes, Findings& found) {
+  const auto rows = driver.query(
+      "SELECT severity, table_name, text, [count] FROM " + std::string(kLeftOutTable), {});
+  for (Row row; rows->next(row);) {
+    const auto severity = static_cast<Severity>(static_cast<int>(fieldNumber(row[0])));
+    if (severity == Severity::Note && !withNotes) continue;
+    found.add(severity, fieldText(row[2]), Place{.file = file, .sheet = fieldText(row[1])},
+              static_cast<size_t>(fieldNumber(row[3])));
   }
 }
 
-// Keeps a twin that its user changed under a name that is free. Of a twin without its record nobody
-// can tell.
-void keepChangedTwin(const fs::path& twin, const std::optional<Origin>& origin, Findings& found) {
-  const bool changed =
-      !origin || changeCount(twin) != origin->changes || fs::exists(twin.string() + "-wal");
-  if (!changed) return;
+// Keeps a twin that its user changed, or that nothing is known of, under a name that is free.
+void keepChangedTwin(const fs::path& access, const fs::path& twin, Findings& found) {
+  const auto origin = readOrigin(twin);
+  if (!fs::exists(twin) || (origin && !origin->changed)) return;
   fs::path kept;
   for (int number = 1; kept.empty() || fs::exists(kept); ++number) {
     kept = fmt::format("{}.{}.sqlite", twin.string().substr(0, twin.string().size() - 7), number);
   }
   fs::rename(twin, kept);
   found.warn(
-      "The Access file was brought in again, because it or the way of bringing it in has changed. "
-      "The former copy has changes of its own, which are not in the new one; it was kept as " +
-      kept.string() + ".");
+      "The Access file was copied again, because it or the way of copying has changed. The former "
+      "copy has changes of its own, which are not in the new one; it was kept as " +
+          kept.string(),
+      Place{.file = access.string()});
 }
 
-// Temporary files carry the number of their process; those of one that was killed stay behind. The
+// Temporary files carry the number of their process; those of one that was killed remain. The
 // process may run on another machine, but then it writes now and then.
 void removeLeftovers(const fs::path& twin) {
   const std::string start = twin.filename().string() + ".";
@@ -256,28 +316,41 @@ void removeLeftovers(const fs::path& twin) {
 void makeTwin(const fs::path& access, const std::string& stamp, const fs::path& twin,
               Findings& found) {
   removeLeftovers(twin);
+  const std::string content = contentOf(access);
   const Temporary temporary(twin.string() + "." + std::to_string(::getpid()) + ".tmp");
   HelperRun run =
       runHelper(helperPath().string(), {access.string(), temporary.path().string()}, kPatience);
   if (run.status != 0) {
     std::string reason = "it is damaged";
     if (run.status == 1 && !run.lines.empty()) reason = run.lines.back();
-    if (run.stalled) reason = "it is damaged, reading it came to no end";
-    throw FileError("Database " + access.string() + " cannot be brought in: " + reason,
+    if (run.stalled) reason = "it is damaged, reading it did not come to an end";
+    throw FileError("Database " + access.string() + " cannot be read: " + reason,
                     dberror::Unspecified);
   }
-  found.note("Access files are only read. The content of " + access.string() + " was copied to " +
-             twin.string() + "; all changes go to this copy, the Access file stays as it is.");
-  for (const std::string& line : run.lines) found.warn(line);
-  {
-    const auto driver = openSqliteFile(temporary.path().string());
-    makeViews(*driver, found);
-  }
-  if (fs::exists(twin)) keepChangedTwin(twin, readOrigin(twin), found);
-  // A record without its twin does no harm; a twin of another record would.
-  fs::remove(originPath(twin));
+  makeViews(*openSqliteFile(temporary.path().string()));
+  writeOrigin(temporary.path(), stamp, content);
+  keepChangedTwin(access, twin, found);
   fs::rename(temporary.path(), twin);
-  writeFileWhole(originPath(twin), stamp + "\n" + std::to_string(changeCount(twin)) + "\n");
+  found.note("Access files are only read. The content was copied to " + twin.string() +
+                 "; all changes go to this copy, the Access file stays as it is",
+             Place{.file = access.string()});
+}
+
+// Makes the twin unless there is one with the content of the Access file; true if it did.
+bool ensureTwin(const fs::path& access, const fs::path& twin, Findings& found) {
+  const std::string stamp = stampOf(access);
+  auto origin = readOrigin(twin);
+  if (origin && origin->stamp == stamp) return false;
+  fs::create_directories(twin.parent_path());
+  const FolderLock lock(twin.parent_path());
+  origin = readOrigin(twin);  // another program may have made it meanwhile
+  if (origin && origin->stamp == stamp) return false;
+  if (origin && origin->content == contentOf(access)) {
+    renewStamp(twin, stamp);
+    return false;
+  }
+  makeTwin(access, stamp, twin, found);
+  return true;
 }
 
 }  // namespace
@@ -296,17 +369,13 @@ std::unique_ptr<Driver> openAccessTwin(std::string_view path, Findings& found) {
   const fs::path access = nativePath(path);
   try {
     const fs::path twin = twinPath(access);
-    const std::string stamp = stampOf(access);
-    if (!isTwinOf(stamp, twin)) {
-      fs::create_directories(twin.parent_path());
-      const FolderLock lock(twin.parent_path());
-      // Another program may have made it meanwhile.
-      if (!isTwinOf(stamp, twin)) makeTwin(access, stamp, twin, found);
-    }
-    return openSqliteFile(twin.string());
+    const bool isNew = ensureTwin(access, twin, found);
+    auto driver = openSqliteFile(twin.string());
+    reportLeftOut(*driver, access.string(), isNew, found);
+    return driver;
   } catch (const fs::filesystem_error& failure) {
     throw FileError(
-        "Database " + std::string(path) + " cannot be brought in: " + failure.code().message(),
+        "Database " + std::string(path) + " cannot be read: " + failure.code().message(),
         dberror::Unspecified);
   }
 }
