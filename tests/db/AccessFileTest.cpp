@@ -284,6 +284,7 @@ TEST_F(AccessFileTest, NamesMayHoldAnyLetters) {
                   {{"i\"1", {0, 1}, true, true}}});
   maker.addRecord({"\x01", "\x02"});
   maker.addLink("Far", "C:\\back.mdb");
+  maker.addTable({"Marked", {{"n", AccessType::Byte}}, {}, "", 0x80000000});
   maker.addTable({"sqlite_x", {{"rowid", AccessType::Byte}, {"_rowid_", AccessType::Byte}}});
   copy(maker);
   auto source = driver_->schema(SchemaKind::Columns);
@@ -292,6 +293,7 @@ TEST_F(AccessFileTest, NamesMayHoldAnyLetters) {
   EXPECT_THAT(
       names, ElementsAre("_sqlite_x/rowid", "_sqlite_x/_rowid_", name + "/x [y", name + "/select"));
   EXPECT_THAT(noticed_, UnorderedElementsAre(
+                            HasSubstr("Warning Marked: The table is marked as one of Access's"),
                             "Note sqlite_x: The table is called _sqlite_x in the copy",
                             "Warning Far: The table is in another database, C:\\back.mdb, and was "
                             "left out"));

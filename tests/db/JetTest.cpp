@@ -114,6 +114,9 @@ TEST(AccessQueries, ArePutTogetherFromTheirParts) {
             "c=No.e Or f <> True");
 
   EXPECT_THAT(buildAccessQuery("q", {{1, 5, "", "", "", ""}}).obstacle, HasSubstr("changes data"));
+  EXPECT_THAT(
+      buildAccessQuery("q", {{5, 0, "", "A", "", ""}, {7, 1, "A.x=B.x", "A", "B", ""}}).obstacle,
+      HasSubstr("joins do not fit"));
   EXPECT_THAT(buildAccessQuery("q", {{2, 8, "", "p", "", ""}}).obstacle, HasSubstr("parameters"));
 }
 

@@ -268,6 +268,15 @@ bool isUsersTable(const Object& object) {
          object.name != kAccessQueries;
 }
 
+// Access's own tables have names of its own; another one with their mark may be a user's, damaged.
+void reportStrangeMark(const Object& object, Findings& found) {
+  for (const auto* start : {"MSys", "USys", "f_", "~"}) {
+    if (object.name.starts_with(start)) return;
+  }
+  found.warn("The table is marked as one of Access's own and was left out",
+             Place{.sheet = object.name});
+}
+
 void keepFindings(const Findings& found, AccessTarget& target) {
   target.run("CREATE TABLE " + targetQuoted(kLeftOutTable) +
              " (severity INTEGER, table_name TEXT, text TEXT, count INTEGER)");
@@ -308,6 +317,7 @@ void copyAccessFile(const std::string& source, const std::string& target,
       tables.copy(object);
     } else {
       copySystemTable(file, objects, object, copy, found);
+      reportStrangeMark(object, found);
     }
   }
   keepFindings(found, copy);

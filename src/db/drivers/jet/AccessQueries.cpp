@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "basic/Error.h"
 #include "basic/Text.h"
 
 namespace lodex {
@@ -132,7 +133,9 @@ std::string fromClause(const Parts& parts) {
     };
     const auto left = holding(join->name1);
     const auto right = holding(join->name2);
-    if (left == sources.end() || right == sources.end() || left == right) return {};
+    if (left == sources.end() || right == sources.end() || left == right) {
+      throw Error("its joins do not fit its tables");
+    }
     std::string condition = "(" + join->expression + ")";
     for (const auto* other : joins) {
       if (equalsNoCase(other->name1, join->name1) && equalsNoCase(other->name2, join->name2) &&
@@ -212,27 +215,30 @@ std::string crosstabText(const Parts& parts) {
          pivot;
 }
 
+std::string textOf(const Parts& parts, int type) {
+  switch (type) {
+    case kSelect:
+      return selectText(parts);
+    case kUnion:
+      return unionText(parts);
+    case kCrosstab:
+      return crosstabText(parts);
+    default:
+      throw Error("it changes data or belongs to another database");
+  }
+}
+
 }  // namespace
 
 AccessQuery buildAccessQuery(const std::string& name, std::vector<AccessQueryPart> given) {
   const Parts parts(std::move(given));
   AccessQuery query{name, {}, {}};
-  const int type = parts.first(kType) ? parts.flag(kType) : kSelect;
-  switch (type) {
-    case kSelect:
-      query.sql = selectText(parts);
-      break;
-    case kUnion:
-      query.sql = unionText(parts);
-      break;
-    case kCrosstab:
-      query.sql = crosstabText(parts);
-      break;
-    default:
-      query.obstacle = "it changes data or belongs to another database";
-      return query;
+  try {
+    query.sql = textOf(parts, parts.first(kType) ? parts.flag(kType) : kSelect);
+    if (!parts.all(kParameter).empty()) query.obstacle = "it asks for parameters";
+  } catch (const Error& error) {
+    query.obstacle = error.what();
   }
-  if (!parts.all(kParameter).empty()) query.obstacle = "it asks for parameters";
   return query;
 }
 
