@@ -94,7 +94,7 @@ TEST_F(ConnectionTest, TellsWhyAFileCannotBeOpened) {
   } rows[] = {
       {"missing.mdb", "does not exist"},      {"folder.mdb", "is a folder"},
       {"text.mdb", "is no database"},         {"empty.mdb", "is no database"},
-      {"access.mdb", "cannot be brought in"}, {"accdb.mdb", "cannot be brought in"},
+      {"access.mdb", "cannot be read"}, {"accdb.mdb", "cannot be brought in"},
       {"damaged.mdb", "is damaged"},
   };
   for (const auto& row : rows) {
