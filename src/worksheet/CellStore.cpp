@@ -76,7 +76,7 @@ void CellStore::changeKind(Cell& cell, int row, int column, ValueKind kind) {
 }
 
 void CellStore::set(int row, int column, const Value& value) {
-  // A text without characters is no content: whoever reads it must see an empty cell.
+  // An empty text does not count as content: whoever reads it must see an empty cell.
   const bool blank = value.isText() && value.textView().empty();
   const ValueKind kind = blank ? ValueKind::Empty : value.kind();
   if (kind == ValueKind::Empty && at(row, column).kind == ValueKind::Empty) return;

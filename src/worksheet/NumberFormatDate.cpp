@@ -55,7 +55,11 @@ std::optional<std::string> dateText(double serial, const Section& section, bool 
   if (!(serial >= 0) || serial >= firstDayBeyond) return std::nullopt;
   int decimals = 0;
   bool halfDays = false;
+  bool allHours = false;
+  bool allSeconds = false;
   for (const Token& token : section.tokens) {
+    allHours = allHours || token.kind == TokenKind::ElapsedHours;
+    allSeconds = allSeconds || token.kind == TokenKind::ElapsedSeconds;
     if (token.kind == TokenKind::SubSecond) decimals = std::min(token.count, 6);
     halfDays = halfDays || token.kind == TokenKind::AmPm;
   }
@@ -85,20 +89,24 @@ std::optional<std::string> dateText(double serial, const Section& section, bool 
                                : padded(date.day, width);
         break;
       case TokenKind::Hour:
-        out += padded(halfDays ? (hour + 11) % 12 + 1 : hour, width);
+        // After "[h]" further hours count the whole time, too; so do seconds after "[s]".
+        out += padded(allHours   ? static_cast<long>(seconds / 3600)
+                      : halfDays ? (hour + 11) % 12 + 1
+                                 : hour,
+                      width);
         break;
       case TokenKind::Minute:
         out += padded(inDay / 60 % 60, width);
         break;
       case TokenKind::Second:
-        out += padded(inDay % 60, width);
+        out += padded(allSeconds ? static_cast<long>(seconds) : inDay % 60, width);
         break;
       case TokenKind::SubSecond:
         out += "." + padded(parts, decimals) +
                std::string(static_cast<size_t>(token.count - decimals), '0');
         break;
       case TokenKind::AmPm:
-        out += hour < 12 ? "A" : "P";
+        out += token.letter == 'a' ? (hour < 12 ? "a" : "p") : (hour < 12 ? "A" : "P");
         if (token.letter == 'M') out += "M";
         break;
       case TokenKind::ElapsedHours:

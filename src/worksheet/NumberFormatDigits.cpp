@@ -33,7 +33,7 @@ struct Decimal {
 
   void trim() { digits.erase(digits.find_last_not_of('0') + 1); }
 
-  // Half away from zero at `decimals` digits behind the point.
+  // Half away from zero at `decimals` digits after the point.
   void round(int decimals) {
     const int keep = exponent + decimals;
     if (keep >= static_cast<int>(digits.size())) return;
@@ -67,7 +67,7 @@ struct Decimal {
     return text;
   }
 
-  // The first `count` digits behind the point.
+  // The first `count` digits after the point.
   std::string fraction(int count) const {
     std::string text;
     for (int i = 0; i < count; ++i) {
@@ -103,7 +103,7 @@ std::string literalText(const Token& token) {
 }
 
 // Whole digits laid into the placeholders of [from, to) from the right; digits without a
-// placeholder stand before the first one.
+// placeholder go before the first one.
 std::string wholeText(const Tokens& tokens, size_t from, size_t to, const std::string& digits,
                       bool grouped) {
   std::string reversed;
@@ -134,7 +134,7 @@ std::string wholeText(const Tokens& tokens, size_t from, size_t to, const std::s
   return reversed;
 }
 
-// Digits behind the point, laid in from the left; zeros at the end give way to "#" and "?".
+// Digits after the point, filled in from the left; zeros at the end give way to "#" and "?".
 std::string fractionText(const Tokens& tokens, size_t from, size_t to, const std::string& digits) {
   const size_t significant = digits.find_last_not_of('0') + 1;
   std::string out;

@@ -88,6 +88,7 @@ class Parser {
   bool token() {
     if (takeStart("General")) return add(TokenKind::General), true;
     if (takeStart("AM/PM")) return add(TokenKind::AmPm, 'M'), true;
+    if (rest_.starts_with("a/p")) return rest_.remove_prefix(3), add(TokenKind::AmPm, 'a'), true;
     if (takeStart("A/P")) return add(TokenKind::AmPm, 'A'), true;
     if (takeStart("E+")) return add(TokenKind::Exponent, '+'), hasDigits();
     if (takeStart("E-")) return add(TokenKind::Exponent, '-'), hasDigits();
@@ -192,7 +193,7 @@ class Parser {
     return true;
   }
 
-  // Between digits commas ask for groups of three, behind the last one for division by 1000.
+  // Commas between digits ask for groups of three, after the last one for division by 1000.
   bool commas() {
     const bool afterDigit =
         !section_.tokens.empty() && section_.tokens.back().kind == TokenKind::Digit;
@@ -256,7 +257,7 @@ class Parser {
     return true;
   }
 
-  // An "m" means minutes behind hours and before seconds.
+  // An "m" means minutes after hours and next to seconds.
   void finishSection() {
     auto& tokens = section_.tokens;
     std::vector<size_t> parts;
@@ -269,12 +270,14 @@ class Parser {
     for (size_t p = 0; p < parts.size(); ++p) {
       Token& token = tokens[parts[p]];
       if (token.kind != TokenKind::Month || token.count > 2) continue;
+      const auto isSecond = [](TokenKind kind) {
+        return kind == TokenKind::Second || kind == TokenKind::ElapsedSeconds;
+      };
       const bool afterHours =
           p > 0 && (kindAt(p - 1) == TokenKind::Hour || kindAt(p - 1) == TokenKind::ElapsedHours);
-      const bool beforeSeconds =
-          p + 1 < parts.size() &&
-          (kindAt(p + 1) == TokenKind::Second || kindAt(p + 1) == TokenKind::ElapsedSeconds);
-      if (afterHours || beforeSeconds) token.kind = TokenKind::Minute;
+      const bool nextToSeconds =
+          (p > 0 && isSecond(kindAt(p - 1))) || (p + 1 < parts.size() && isSecond(kindAt(p + 1)));
+      if (afterHours || nextToSeconds) token.kind = TokenKind::Minute;
     }
   }
 

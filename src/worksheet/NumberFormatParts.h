@@ -10,7 +10,7 @@
 namespace lodex::numberformat {
 
 enum class TokenKind {
-  Literal,  // text as it stands
+  Literal,  // text, shown as it is
   Digit,    // one placeholder: '0', '#' or '?' in `letter`
   Point,
   Percent,
@@ -26,7 +26,7 @@ enum class TokenKind {
   Minute,
   Second,     // `count` letters
   SubSecond,  // `count` decimals of a second
-  AmPm,       // `letter` 'A' for "A/P", 'M' for "AM/PM"
+  AmPm,       // `letter` 'A' for "A/P", 'a' for "a/p", 'M' for "AM/PM"
   ElapsedHours,
   ElapsedMinutes,
   ElapsedSeconds,

@@ -65,7 +65,7 @@ void shiftKeys(std::map<int, T>& map, int at, int by, int last) {
   map = std::move(shifted);
 }
 
-// What InsertRange (direction 1) or DeleteRange (-1) does to the cells behind the block.
+// What InsertRange (direction 1) or DeleteRange (-1) does to the cells after the block.
 formula::Movement movementOf(int row1, int column1, int row2, int column2, Shift shift,
                              int direction) {
   const bool ofRows = shift == Shift::Rows || shift == Shift::Down;
@@ -187,11 +187,11 @@ void Worksheet::CopyRange(int row1, int column1, int row2, int column2, const Wo
   const bool repeats = rows % sourceRows == 0 && columns % sourceColumns == 0;
   const int copyRows = repeats ? rows : std::min(rows, sourceRows);
   const int copyColumns = repeats ? columns : std::min(columns, sourceColumns);
-  // Within one sheet the walk starts at the far end when the target lies behind the source, so
+  // Within one sheet the walk starts at the far end when the target comes after the source, so
   // that nothing is overwritten before it is read. A repeated block cannot be ordered that way.
   const bool sameSheet = &source == this;
   if (sameSheet && repeats && (rows > sourceRows || columns > sourceColumns)) {
-    // The copy stands where the source does, so that its formulas read the same.
+    // The copy keeps the place of the source, so that its formulas read the same.
     Worksheet copy;
     for (int row = sourceRow1; row <= sourceRow2; ++row) {
       for (int column = sourceColumn1; column <= sourceColumn2; ++column) {

@@ -116,6 +116,29 @@ TEST(CellStore, AgreesWithAPlainMapThroughARandomWalk) {
   }
 }
 
+TEST(CellStore, RowsAtTheEdgesOfBlocksMoveAndClear) {
+  constexpr int block = static_cast<int>(CellStore::blockRows);
+  for (const int row : {block - 1, block, 2 * block - 1, 2 * block}) {
+    SCOPED_TRACE(row);
+    CellStore store;
+    store.setNumber(row, 2, 7);
+    store.deleteRows(1, 1, 1, 3);
+    EXPECT_EQ(store.value(row - 1, 2), Value(7.0));
+    EXPECT_EQ(store.lastRow(), row - 1);
+    store.insertRows(row - 1, 1, 1, 3);
+    EXPECT_EQ(store.value(row, 2), Value(7.0));
+    EXPECT_EQ(store.usedInRow(row - 1), 0);
+    int seen = 0;
+    store.visit(row, 1, row, 3, [&](int, int, const Cell&) { return ++seen > 0; });
+    store.visit(1, 1, row - 1, 3, [&](int, int, const Cell&) { return ++seen > 0; });
+    EXPECT_EQ(seen, 1);
+    store.clear(1, 1, row - 1, 3, true);
+    EXPECT_EQ(store.lastRow(), row);
+    store.clear(row, 2, row, 2, true);
+    EXPECT_EQ(store.lastRow(), 0);
+  }
+}
+
 TEST(CellStore, FormatsMoveWithTheirCellsAndDoNotCount) {
   CellStore store;
   store.setFormat(5, 2, 3);
@@ -139,7 +162,7 @@ TEST(CellStore, TextsAreSharedAndReleased) {
   b.set(99, 1, Value::text(""));
   EXPECT_EQ(b.lastRow(), 100);
   b.set(100, 1, Value());
-  EXPECT_EQ(b.lastRow(), 98) << "an empty text is no content";
+  EXPECT_EQ(b.lastRow(), 98) << "an empty text does not count as content";
 }
 
 }  // namespace

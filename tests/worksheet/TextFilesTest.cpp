@@ -110,7 +110,7 @@ TEST(TextReader, SplitsCells) {
       {"quoted and empty", "\"\"\tb", "1,1=|1,2=b|"},
       {"quote inside", "5\" core\tb", "1,1=5\" core|1,2=b|"},
       {"quote that never closes", "\"a\tb\nc", "1,1=\"a|1,2=b|2,1=c|"},
-      {"text behind the closing quote", "\"a\" b\tc", "1,1=\"a\" b|1,2=c|"},
+      {"text after the closing quote", "\"a\" b\tc", "1,1=\"a\" b|1,2=c|"},
       {"tab at the very end", "a\t", "1,1=a|1,2=|"},
   };
   for (const Case& row : cases) {

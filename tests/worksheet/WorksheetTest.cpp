@@ -108,7 +108,7 @@ TEST(Worksheet, AnEntryReadsBackAsItself) {
   sheet.EntryRC(1, 1, "'=A1");
   EXPECT_EQ(sheet.TextRC(1, 1), "=A1");
   sheet.EntryRC(1, 1, "=");
-  EXPECT_EQ(sheet.TextRC(1, 1), "=") << "a lone sign is no formula";
+  EXPECT_EQ(sheet.TextRC(1, 1), "=") << "a lone sign is not a formula";
 }
 
 TEST(Worksheet, FormulaReadsWithoutItsSign) {

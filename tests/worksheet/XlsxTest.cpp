@@ -22,7 +22,7 @@ std::string relation(const std::string& id, const std::string& type, const std::
          target + "\"/>";
 }
 
-// A package with one sheet of the given rows, and whatever stands before them in the sheet.
+// A package with one sheet of the given rows, and whatever comes before them in the sheet.
 std::string packageOf(const std::string& rows, const std::string& before = "",
                       const std::string& workbookExtra = "") {
   return zipOf({
@@ -95,7 +95,7 @@ TEST(XlsxReader, ReadsEveryKindOfValue) {
   EXPECT_EQ(book.LastRow(), 4);
 }
 
-// What other writers leave behind: an empty table of texts, a module without a part among the
+// What other writers leave: an empty table of texts, a module without a part among the
 // sheets, and paths parted by "\\".
 TEST(XlsxReader, OpensUnusualPackages) {
   for (const std::string slash : {"/", "\\"}) {
@@ -183,8 +183,8 @@ TEST(XlsxReader, DamageIsAFileError) {
       {"cut in half", good.substr(0, good.size() / 2)},
       {"not nested", packageOf("<row r=\"1\"><c r=\"A1\"></row></c>")},
       {"ends early", packageOf("<row r=\"1\"><c")},
-      {"row beyond the sheet", packageOf("<row r=\"1048577\"/>")},
-      {"column beyond the sheet", packageOf("<row r=\"1\"><c r=\"XFE1\"/></row>")},
+      {"row outside the sheet", packageOf("<row r=\"1048577\"/>")},
+      {"column outside the sheet", packageOf("<row r=\"1\"><c r=\"XFE1\"/></row>")},
       {"address of nothing", packageOf("<row r=\"1\"><c r=\"7\"/></row>")},
       {"array over a wrong block",
        packageOf("<row r=\"5\"><c r=\"B5\"><f t=\"array\" ref=\"B5:A1\">1</f></c></row>")},
@@ -337,7 +337,7 @@ TEST(XlsxWriter, RefusesWhatTheFormatCannotHold) {
   book.SheetName(1, "Fine");
   book.ValueSRC(1, 1, 1, Value::text(std::string(40000, 'x')));
   EXPECT_THROW(book.Write(path, FileType::Xlsx), FileError);
-  EXPECT_FALSE(pathExists(path)) << "a failed write leaves no file behind";
+  EXPECT_FALSE(pathExists(path)) << "a failed write leaves no file";
 }
 
 }  // namespace

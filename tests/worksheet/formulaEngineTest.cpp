@@ -1,6 +1,8 @@
 // Recalculation: what is evaluated when, and how formulas follow moving cells and sheets.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "basic/Error.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/formula/FormulaCell.h"
@@ -172,6 +174,7 @@ TEST(FormulaEngine, WhatCannotBeComputedKeepsItsValueAndSaysWhy) {
   book.FormulaRC(5, 1, "MYFUNCTION(1)");
   book.FormulaRC(6, 1, "1+");
   book.FormulaRC(7, 1, "IF(TRUE,1,MYFUNCTION(1))");
+  book.FormulaRC(8, 1, "PRICE(1)");
   EXPECT_EQ(book.TextRC(3, 1), "84");
   book.Recalc();
   EXPECT_EQ(book.NumberRC(1, 1), 42);
@@ -182,12 +185,13 @@ TEST(FormulaEngine, WhatCannotBeComputedKeepsItsValueAndSaysWhy) {
   EXPECT_EQ(book.NumberRC(7, 1), 1);
   EXPECT_EQ(book.formulaProblem(1, 1, 1), "a reference to another workbook: [Other.xls]Sheet1!A1");
   EXPECT_EQ(book.formulaProblem(1, 5, 1), "an unknown function: MYFUNCTION");
+  EXPECT_EQ(book.formulaProblem(1, 8, 1), "a function that is not calculated: PRICE");
   EXPECT_EQ(book.formulaProblem(1, 6, 1), "not a formula: an operand is missing at position 3");
   EXPECT_EQ(book.formulaProblem(1, 3, 1), "");
   const RecalcReport report = book.recalcReport();
-  EXPECT_EQ(report.formulas, 7u);
+  EXPECT_EQ(report.formulas, 8u);
   EXPECT_EQ(report.changed, 1u);
-  EXPECT_EQ(report.notComputed, 4u);
+  EXPECT_EQ(report.notComputed, 5u);
   EXPECT_EQ(report.problems.at("an unknown function: MYFUNCTION"), 2u);
 }
 
@@ -204,7 +208,7 @@ TEST(FormulaEngine, ReferencesFollowCellsAndSheets) {
   const auto columnsOut = [](Worksheet& b) { b.DeleteRange(1, 2, 1, 2, Shift::Columns); };
   const auto cellsDown = [](Worksheet& b) { b.InsertRange(1, 1, 1, 2, Shift::Down); };
   const MoveCase cases[] = {
-      {"behind", "A5+$A$5+A2", "A7+$A$7+A2", rowsIn},
+      {"after", "A5+$A$5+A2", "A7+$A$7+A2", rowsIn},
       {"area grows", "SUM(A1:A9)", "SUM(A1:A11)", rowsIn},
       {"area moves", "SUM(A3:B4)", "SUM(A5:B6)", rowsIn},
       {"text stays", "A5 & \"A5\" + if( A5;1 )", "A7 & \"A5\" + if( A7;1 )", rowsIn},
@@ -332,6 +336,27 @@ TEST(FormulaCopy, KnowsACopyAndNothingElse) {
   }
 }
 
+// By hand hidden rows count for the numbers below 100, rows that the filter hides never do.
+TEST(FormulaEngine, SubtotalsLeaveOutHiddenRows) {
+  Worksheet book;
+  for (int row = 1; row <= 6; ++row) book.NumberRC(row, 1, std::pow(10, row - 1));
+  book.rowHidden(1, 3, true);
+  book.rowHidden(1, 6, true);
+  for (const auto& [row, entry] : {std::pair(1, "=SUBTOTAL(9,A1:A6)"),
+                                   {2, "=SUBTOTAL(109,A1:A6)"},
+                                   {3, "=AGGREGATE(9,5,A1:A6)"}}) {
+    book.EntryRC(row, 2, entry);
+  }
+  book.Recalc();
+  EXPECT_EQ(book.NumberRC(1, 2), 111111);
+  EXPECT_EQ(book.NumberRC(2, 2), 11011);
+  EXPECT_EQ(book.NumberRC(3, 2), 11011);
+  book.setDefinedNames({{"_xlnm._FilterDatabase", "Sheet1!$A$1:$A$4", 1, true}});
+  book.EntryRC(1, 2, "=SUBTOTAL(9,A1:A6)");
+  book.Recalc();
+  EXPECT_EQ(book.NumberRC(1, 2), 111011) << "row 3 is filtered out, row 6 hidden by hand";
+}
+
 TEST(FormulaParser, PrintsWhatItHasRead) {
   const char* texts[] = {"A1+$B$2*C$3-$D4",
                          "SUM(A1:B2,'My sheet'!C:C,3:$5)",
@@ -357,7 +382,7 @@ TEST(FormulaParser, PrintsWhatItHasRead) {
     ASSERT_TRUE(node) << text << ": " << problem;
     EXPECT_EQ(formula::formulaText(*node), text);
   }
-  // Blanks around a colon are no part of a name.
+  // Blanks around a colon are not part of a name.
   std::string problem;
   EXPECT_EQ(formula::formulaText(*formula::parseFormula("H:z:z :z", problem)), "H:Z:Z:Z");
   EXPECT_EQ(formula::formulaText(*formula::parseFormula("SUM(a1 : b2)", problem)), "SUM(A1:B2)");

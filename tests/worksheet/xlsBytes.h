@@ -59,7 +59,7 @@ inline Worksheet readBytes(std::string_view stream) {
   return sheet;
 }
 
-/// A version 5 or 8 stream of sheets with the given records; `globals` stand before the list of
+/// A version 5 or 8 stream of sheets with the given records; `globals` come before the list of
 /// sheets.
 struct Tab {
   std::string name;

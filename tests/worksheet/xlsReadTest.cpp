@@ -169,7 +169,7 @@ TEST(XlsVersion8, ReadsASharedStringTableAcrossRecords) {
   EXPECT_EQ(book.TextRC(2, 1), "de");
   EXPECT_EQ(book.TextRC(3, 1), "fg\xCE\xB1h");
   EXPECT_EQ(book.TextRC(4, 1), "z");
-  EXPECT_EQ(book.LastRow(), 4) << "an index beyond the table holds nothing";
+  EXPECT_EQ(book.LastRow(), 4) << "an index past the table holds nothing";
 }
 
 TEST(XlsVersion8, ReadsNamesOfOtherBooksAddInsAndSheetRanges) {
@@ -216,7 +216,7 @@ TEST(XlsReader, OpensWhatTheDefaultPasswordProtects) {
   EXPECT_EQ(book.NumberRC(1, 1), 42.5);
   EXPECT_EQ(book.TextRC(2, 1), "Secret Öljy");
   EXPECT_EQ(book.FormulaRC(1, 2), "A1*2");
-  EXPECT_EQ(book.NumberRC(300, 4), 299.123) << "behind many changes of key";
+  EXPECT_EQ(book.NumberRC(300, 4), 299.123) << "after many changes of key";
 }
 
 // The other direction of the XOR method, with a key of our own choice.

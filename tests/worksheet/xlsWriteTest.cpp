@@ -355,7 +355,7 @@ TEST(XlsReader, SurvivesDamage) {
     } catch (const FileError&) {
     }
   }
-  EXPECT_EQ(cellsLeft, 40) << "what stands before the cut is read";
+  EXPECT_EQ(cellsLeft, 40) << "what comes before the cut is read";
   std::mt19937 random(1);
   for (int turn = 0; turn < 3000; ++turn) {
     std::string damaged = turn % 2 == 0 ? whole : stream;

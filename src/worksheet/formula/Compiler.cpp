@@ -200,9 +200,9 @@ class Compiler {
 
   void compileFunction(const Node& node, Context context) {
     const FunctionInfo* function = findFunction(node.text);
-    if (function == nullptr || function->routine == notCalculated) {
-      return unknown("an unknown function: " + node.text);
-    }
+    if (function == nullptr) return unknown("an unknown function: " + node.text);
+    if (function->routine == notCalculated)
+      return unknown("a function that is not calculated: " + node.text);
     const auto count = static_cast<int>(node.children.size());
     if (count < function->minArguments || count > function->maxArguments) {
       return unknown("a wrong number of arguments: " + node.text);

@@ -260,7 +260,7 @@ std::optional<double> numberOfText(std::string_view text, bool from1904) {
     else if (rest.ends_with(sign))
       rest = trimBlanks(rest.substr(0, rest.size() - sign.size()));
   }
-  // A thousands comma must have three digits behind it.
+  // A thousands comma must have three digits after it.
   std::string digits;
   bool separated = true;
   for (size_t i = 0; i < rest.size(); ++i) {

@@ -24,7 +24,7 @@ bool isLeapYear(int year);
 /// outside of the years 1900 to 9999.
 std::optional<double> serialOfDate(double year, double month, double day, bool dates1904);
 
-/// The date of a serial's whole part. Empty for a negative serial or one beyond 9999-12-31.
+/// The date of a serial's whole part. Empty for a negative serial or one after 9999-12-31.
 std::optional<Civil> dateOfSerial(double serial, bool dates1904);
 
 /// 0 for Sunday to 6 for Saturday, by the spreadsheet's calendar.
@@ -33,7 +33,7 @@ int weekdayOfSerial(double serial, bool dates1904);
 /// Seconds of the day, 0 to 86399, rounded to a whole second.
 int secondsOfSerial(double serial);
 
-/// The number that a text stands for where a number is needed: numbers with thousands separators,
+/// The number that a text means where a number is needed: numbers with thousands separators,
 /// currency sign, percent sign or parentheses, dates ("2004-03-01", "3/1/2004", "1-Mar-2004") and
 /// times ("14:30:05", "2:30 PM"). Empty for other texts.
 std::optional<double> numberOfText(std::string_view text, bool dates1904);

@@ -40,7 +40,7 @@ formula::Place FormulaEngine::placeOf(const Entry& entry) const {
   return place;
 }
 
-// Visits the cells of an entry: one, or the block of an array formula as far as it still stands.
+// Visits the cells of an entry: one, or what is left of the block of an array formula.
 template <typename Visit>
 void FormulaEngine::forBlock(Worksheet& book, const Entry& entry, Visit visit) {
   const int sheet = static_cast<int>(entry.sheet);

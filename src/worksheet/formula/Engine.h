@@ -22,7 +22,7 @@ namespace lodex {
 /// may point ahead in the order: such a formula waits, what it needs is evaluated first, and a
 /// formula that ends up waiting for itself is circular.
 ///
-/// The workbook tells of every change before it happens.
+/// The workbook reports every change before it happens.
 class FormulaEngine {
  public:
   FormulaEngine() = default;
@@ -37,7 +37,7 @@ class FormulaEngine {
   /// Formulas, sheets or names change: all is compiled and evaluated anew next time.
   void invalidate() { planned_ = false; }
 
-  /// The content of a cell changes; `isFormula` tells whether it held or will hold a formula.
+  /// The content of a cell changes; `isFormula` says whether it held or will hold a formula.
   void cellChanges(int sheet, int row, int column, bool isFormula) {
     if (!planned_) return;
     if (isFormula || !changes_.mark(sheet, row, column)) planned_ = false;

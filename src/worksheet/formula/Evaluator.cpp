@@ -114,7 +114,7 @@ Operand Evaluator::single(const Operand& operand) {
   }
 }
 
-// What lies beyond a single row or column repeats it; beyond any other size it is #N/A.
+// Outside a single row or column its values repeat; outside any other size it is #N/A.
 Operand Evaluator::element(const Operand& operand, int row, int column) {
   if (operand.isScalar()) return operand;
   if (operand.tag == Tag::Areas) return ErrorCode::Value;
@@ -357,7 +357,7 @@ Operand Evaluator::binary(const Instruction& in, const Operand& left, const Oper
     }
     return result;
   }
-  // Whole columns: what lies beyond the used part of both is all empty.
+  // Whole columns: outside the used part of both everything is empty.
   const Array* a = needsElements(left, true) ? asArray(left) : nullptr;
   const Array* b = needsElements(right, true) ? asArray(right) : nullptr;
   const int rows = std::max(rowsOf(left), rowsOf(right));
@@ -381,7 +381,7 @@ Operand Evaluator::binary(const Instruction& in, const Operand& left, const Oper
 Operand Evaluator::binarySingle(Operator op, const Operand& left, const Operand& right) {
   const bool arithmetic = op >= Operator::Add && op <= Operator::Power;
   if (left.isError()) return left;
-  // The left side comes first: what is no number there wins over an error on the right.
+  // The left side comes first: what is not a number there wins over an error on the right.
   if (right.isError() && !arithmetic) return right;
   switch (op) {
     case Operator::Concatenate: {

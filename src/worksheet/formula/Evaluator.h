@@ -14,7 +14,7 @@
 
 namespace lodex::formula {
 
-/// The cell a formula stands in; sheet, row and column from 1.
+/// The cell that holds a formula; sheet, row and column from 1.
 struct Place {
   int sheet = 1, row = 1, column = 1;
 };
@@ -65,7 +65,7 @@ class Evaluator {
   /// One value of an operand: a cell's value, the intersection with the formula's row or column,
   /// the first element of an array.
   Operand single(const Operand& operand);
-  /// The element of an operand at a position from 0; a single value stands everywhere.
+  /// The element of an operand at a position from 0; a single value is the same everywhere.
   Operand element(const Operand& operand, int row, int column);
   /// Rows and columns of an operand; 1 x 1 for a single value. A union has the size of its first.
   static int rowsOf(const Operand& operand) {

@@ -29,7 +29,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// "$AB$12" taken apart; row is 0 if the word is no cell.
+// "$AB$12" taken apart; row is 0 if the word is not a cell.
 struct CellWord {
   std::string_view column;  // with its "$"
   bool rowAbsolute = false;

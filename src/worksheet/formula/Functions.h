@@ -28,11 +28,11 @@ enum Stored : int {
 ///
 /// `parameters` has a letter for each argument; the last one repeats, or what follows a "*":
 ///   N number, T text, B truth value, V any single value: the evaluator has converted the
-///     argument, and an error or a text that is no number never reaches the routine; an argument
+///     argument, and an error or a text that is not a number never reaches the routine; an argument
 ///     left out is 0, "", FALSE or empty. In small letters, one left out stays Missing.
 ///   E any single value, errors too
 ///   R whatever was written: references, arrays or single values
-///   A the same, and what stands inside is computed over whole areas, as in an array formula
+///   A the same, and what is inside is computed over whole areas, as in an array formula
 /// A function of single values that meets an array is applied to each element.
 struct FunctionInfo {
   std::string_view name;
@@ -57,7 +57,7 @@ const FunctionInfo* findFunctionByXlsNumber(int number);
 /// All functions, one class after the other.
 std::vector<const FunctionInfo*> allFunctions();
 
-/// What stands before the function's name in files; "" for most.
+/// What files put before the function's name; "" for most.
 std::string_view xlsPrefix(const FunctionInfo& function);
 std::string_view xlsxPrefix(const FunctionInfo& function);
 

@@ -5,6 +5,7 @@
 
 #include "basic/Text.h"
 #include "worksheet/formula/FunctionHelp.h"
+#include "worksheet/formula/Parser.h"
 
 namespace lodex::formula {
 namespace {
@@ -223,6 +224,7 @@ Operand sumOfPairs(Evaluator& ev, Arguments a, Term term) {
   std::vector<double> y;
   Operand error;
   if (!pairsOf(ev, a[0], a[1], x, y, error)) return error;
+  if (x.empty()) return ErrorCode::DivisionByZero;
   double sum = 0;
   for (size_t i = 0; i < x.size(); ++i) sum += term(x[i], y[i]);
   return sum;
@@ -232,6 +234,7 @@ Operand sumOfPairs(Evaluator& ev, Arguments a, Term term) {
 
 struct SubtotalOptions {
   bool skipHidden = false;
+  bool skipFiltered = false;
   bool skipErrors = false;
   bool skipNested = true;
 };
@@ -240,6 +243,24 @@ bool isNested(const Cell& cell) {
   return cell.kind == ValueKind::Formula &&
          (findNoCase(cell.formula->text, "SUBTOTAL(") != std::string::npos ||
           findNoCase(cell.formula->text, "AGGREGATE(") != std::string::npos);
+}
+
+// The rows that a sheet's filter works on; none (last < first) without a filter.
+struct Rows {
+  int first = 1, last = 0;
+  bool contain(int row) const { return row >= first && row <= last; }
+};
+
+// Files keep the filter's area under a hidden name of the sheet.
+Rows rowsOfFilter(const Worksheet& book, int sheet) {
+  for (const DefinedName& name : book.definedNames()) {
+    if (name.sheet != sheet || !name.name.ends_with("_FilterDatabase")) continue;
+    std::string problem;
+    const auto node = parseFormula(name.formula, problem);
+    if (node && node->kind == NodeKind::Reference)
+      return {node->reference.first.row, node->reference.last.row};
+  }
+  return {};
 }
 
 // What counts of the arguments, cells that hold no number included.
@@ -263,10 +284,13 @@ bool subtotalValues(Evaluator& ev, Arguments areas, const SubtotalOptions& optio
     for (const Area& area : list) {
       for (int sheet = area.sheet; sheet <= area.lastSheet; ++sheet) {
         const auto& hidden = ev.book().hiddenRows(sheet);
+        const Rows filtered =
+            options.skipFiltered && !hidden.empty() ? rowsOfFilter(ev.book(), sheet) : Rows{};
         const bool all = ev.book().cells(sheet).visit(
             area.row1, area.column1, area.row2, area.column2, [&](int row, int, const Cell& cell) {
               if (options.skipNested && isNested(cell)) return true;
-              if (options.skipHidden && hidden.contains(row)) return true;
+              if ((options.skipHidden || filtered.contain(row)) && hidden.contains(row))
+                return true;
               const Operand value = ev.fromCell(cell);
               if (value.isError() && options.skipErrors) return true;
               values.push_back(value);
@@ -302,6 +326,7 @@ Operand fnSubtotal(Evaluator& ev, Arguments a) {
   if (!wholeBetween(a[0].number, 1, 111, number)) return ErrorCode::Value;
   SubtotalOptions options;
   options.skipHidden = number > 100;
+  options.skipFiltered = true;
   number %= 100;
   if (number < 1 || number > 11) return ErrorCode::Value;
   std::vector<Operand> values;

@@ -205,7 +205,7 @@ bool readHolidays(Evaluator& ev, Arguments a, size_t index, std::set<double>& da
   if (!given(a, index)) return true;
   return ev.visitValues(a[index], [&](const Operand& value, bool) {
     double day = 0;
-    // Dates may stand as text here, in cells and in arrays.
+    // Dates may be texts here, in cells and in arrays.
     if (value.isEmpty()) return true;
     if (!ev.toNumber(value, day, error)) return false;
     days.insert(std::floor(day));

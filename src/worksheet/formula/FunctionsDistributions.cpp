@@ -287,6 +287,15 @@ double logChoose(double n, double k) {
   return bm::lgamma(n + 1) - bm::lgamma(k + 1) - bm::lgamma(n - k + 1);
 }
 
+// Factor by factor where they are few, which is more exact than logarithms; infinite otherwise.
+double choose(double n, double k) {
+  k = std::min(k, n - k);
+  if (k > 200) return std::numeric_limits<double>::infinity();
+  double product = 1;
+  for (double i = 1; i <= k; ++i) product = product * (n - k + i) / i;
+  return product;
+}
+
 Operand fnHypGeomDist(Evaluator&, Arguments a) {
   const double hits = std::floor(a[0].number);
   const double sample = std::floor(a[1].number);
@@ -297,6 +306,9 @@ Operand fnHypGeomDist(Evaluator&, Arguments a) {
     return ErrorCode::Num;
   }
   return guarded([&] {
+    const double ways = choose(marked, hits) * choose(all - marked, sample - hits);
+    const double total = choose(all, sample);
+    if (std::isfinite(ways) && std::isfinite(total)) return ways / total;
     return std::exp(logChoose(marked, hits) + logChoose(all - marked, sample - hits) -
                     logChoose(all, sample));
   });
@@ -331,6 +343,7 @@ Operand fnChiTest(Evaluator& ev, Arguments a) {
   std::vector<double> expected;
   Operand error;
   if (!pairsOf(ev, a[0], a[1], actual, expected, error)) return error;
+  if (actual.empty()) return ErrorCode::DivisionByZero;
   double sum = 0;
   for (size_t i = 0; i < actual.size(); ++i) {
     if (expected[i] == 0) return ErrorCode::DivisionByZero;
@@ -370,13 +383,19 @@ constexpr FunctionInfo table[] = {
      }},
     {"BETADIST", 3, 5, 270, "NNNnn", fnBetaDist},
     {"BETAINV", 3, 5, 272, "NNNnn", fnBetaInv},
+    {"BETA.INV", 3, 5, newer, "NNNnn", fnBetaInv},
     {"GAMMAINV", 3, 3, 287, "N", fnGammaInv},
+    {"GAMMA.INV", 3, 3, newer, "N", fnGammaInv},
     {"LOGINV", 3, 3, 291, "N", fnLogInv},
+    {"LOGNORM.INV", 3, 3, newer, "N", fnLogInv},
     {"CRITBINOM", 3, 3, 278, "N", fnCritBinom},
+    {"BINOM.INV", 3, 3, newer, "N", fnCritBinom},
     {"HYPGEOMDIST", 4, 4, 289, "N", fnHypGeomDist},
     {"NEGBINOMDIST", 3, 3, 292, "N", fnNegBinomDist},
     {"ZTEST", 2, 3, 324, "RNn", fnZTest},
+    {"Z.TEST", 2, 3, newer, "RNn", fnZTest},
     {"CHITEST", 2, 2, 306, "A", fnChiTest},
+    {"CHISQ.TEST", 2, 2, newer, "A", fnChiTest},
     {"FISHER", 1, 1, 283, "N",
      [](Evaluator&, Arguments a) { return Operand(std::atanh(a[0].number)); }},
     {"FISHERINV", 1, 1, 284, "N",
@@ -400,11 +419,16 @@ constexpr FunctionInfo table[] = {
     {"BINOMDIST", 4, 4, 273, "NNNB", fnBinomDist},
     {"BINOM.DIST", 4, 4, newer, "NNNB", fnBinomDist},
     {"EXPONDIST", 3, 3, 280, "NNB", fnExponDist},
+    {"EXPON.DIST", 3, 3, newer, "NNB", fnExponDist},
     {"WEIBULL", 4, 4, 302, "NNNB", fnWeibull},
+    {"WEIBULL.DIST", 4, 4, newer, "NNNB", fnWeibull},
     {"GAMMADIST", 4, 4, 286, "NNNB", fnGammaDist},
+    {"GAMMA.DIST", 4, 4, newer, "NNNB", fnGammaDist},
     {"GAMMALN", 1, 1, 271, "N", fnGammaLn},
+    {"GAMMALN.PRECISE", 1, 1, newer, "N", fnGammaLn},
     {"LOGNORMDIST", 3, 3, 290, "N", fnLogNormDist},
     {"CONFIDENCE", 3, 3, 277, "N", fnConfidence},
+    {"CONFIDENCE.NORM", 3, 3, newer, "N", fnConfidence},
     {"STANDARDIZE", 3, 3, 297, "N", fnStandardize},
     {"TTEST", 4, 4, 316, "AANN", fnTTest},
     {"T.TEST", 4, 4, newer, "AANN", fnTTest},

@@ -68,11 +68,12 @@ Operand paymentPart(Arguments a, bool interest) {
   return interest ? part : payment(a[0].number, periods, a[3].number, future, type) - part;
 }
 
-// Finds a zero of `f` near a guess: the secant method, then bisection where signs differ.
+// Finds a zero of `f` near a guess: the secant method until a step is within `tolerance`, then
+// bisection where signs differ.
 template <typename Function>
-Operand findRate(Function f, double guess) {
+Operand findRate(Function f, double guess, double second, double tolerance) {
   double x0 = guess;
-  double x1 = guess == 0 ? 0.01 : guess * 1.1;
+  double x1 = second;
   double f0 = f(x0);
   double f1 = f(x1);
   for (int step = 0; step < 100; ++step) {
@@ -82,7 +83,7 @@ Operand findRate(Function f, double guess) {
     if (!std::isfinite(next) || next <= -1) break;
     x0 = std::exchange(x1, next);
     f0 = std::exchange(f1, f(next));
-    if (std::abs(x1 - x0) <= 1e-15 * std::max(1.0, std::abs(x1)))
+    if (std::abs(x1 - x0) <= tolerance * std::max(1.0, std::abs(x1)))
       return std::isfinite(f1) ? Operand(x1) : ErrorCode::Num;
   }
   if (std::isfinite(f1) && std::abs(x1 - x0) < 1e-9 * std::max(1.0, std::abs(x1))) return x1;
@@ -110,6 +111,11 @@ Operand findRate(Function f, double guess) {
     found = true;
   }
   return found ? Operand(best) : Operand(ErrorCode::Num);
+}
+
+template <typename Function>
+Operand findRate(Function f, double guess) {
+  return findRate(f, guess, guess == 0 ? 0.01 : guess * 1.1, 1e-15);
 }
 
 Operand fnRate(Evaluator&, Arguments a) {
@@ -149,7 +155,11 @@ Operand fnIrr(Evaluator& ev, Arguments a) {
   Operand error;
   if (!numbersOf(ev, a.first(1), flows, error)) return error;
   if (!changesSign(flows)) return ErrorCode::Num;
-  return findRate([&](double rate) { return presentValue(flows, rate); }, numberOr(a, 1, 0.1));
+  // These steps end where those of other spreadsheet programs do, so that the present value at the
+  // rate found, which should be 0, has the same small rest.
+  const double guess = numberOr(a, 1, 0.1);
+  return findRate([&](double rate) { return presentValue(flows, rate); }, guess, guess - 0.001,
+                  1e-7);
 }
 
 Operand fnMirr(Evaluator& ev, Arguments a) {
@@ -175,12 +185,20 @@ Operand fnMirr(Evaluator& ev, Arguments a) {
   return std::pow(earned / -spent, 1 / (n - 1)) - 1;
 }
 
-// Flows at dates: discounted by days over a year of 365.
+// Flows at dates, which may be texts: discounted by days over a year of 365.
 bool readDated(Evaluator& ev, const Operand& values, const Operand& dates,
                std::vector<double>& flows, std::vector<double>& years, Operand& error) {
-  if (!pairsOf(ev, values, dates, flows, years, error)) return false;
+  const auto readInto = [&](std::vector<double>& list) {
+    return [&](const Operand& value, bool) {
+      if (value.isEmpty()) return true;
+      list.push_back(0);
+      return ev.toNumber(value, list.back(), error);
+    };
+  };
+  if (!ev.visitValues(values, readInto(flows)) || !ev.visitValues(dates, readInto(years)))
+    return false;
   error = ErrorCode::Num;
-  if (flows.empty()) return false;
+  if (flows.empty() || flows.size() != years.size()) return false;
   const double start = std::floor(years[0]);
   for (double& year : years) {
     year = (std::floor(year) - start) / 365;

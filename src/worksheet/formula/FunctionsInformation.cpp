@@ -127,7 +127,9 @@ Operand fnCell(Evaluator& ev, Arguments a) {
     const double width = ev.book().columnWidth(area.sheet, area.column1);
     return width == 0 ? 8.0 : std::round(width);
   }
-  if (kind == "filename") return Operand::text("");
+  // Without its folder, which the workbook does not know; people cut the sheet's name off its end.
+  if (kind == "filename")
+    return ev.text("[" + ev.book().Title() + "]" + ev.book().SheetName(area.sheet));
   const Operand value = ev.cell(area.sheet, area.row1, area.column1);
   if (kind == "contents") return value.isEmpty() ? Operand(0.0) : value;
   if (kind == "type") return Operand::text(value.isEmpty() ? "b" : value.isText() ? "l" : "v");

@@ -131,9 +131,12 @@ Operand lookInTable(Evaluator& ev, Arguments a, bool vertical) {
   if (a[1].isError()) return a[1];
   if (a[1].tag == Tag::Areas) return ErrorCode::Value;
   const int size = vertical ? Evaluator::columnsOf(a[1]) : Evaluator::rowsOf(a[1]);
-  if (!(a[2].number >= 1)) return ErrorCode::Value;
-  if (!(a[2].number < size + 1)) return ErrorCode::Ref;
-  const int taken = static_cast<int>(a[2].number) - 1;
+  // A column that is not a number, or an error, counts as one that the table does not have.
+  double position = 0;
+  Operand error;
+  if (!ev.toNumber(a[2], position, error) || !(position < size + 1)) return ErrorCode::Ref;
+  if (!(position >= 1)) return ErrorCode::Value;
+  const int taken = static_cast<int>(position) - 1;
   const bool sorted = !given(a, 3) ? a.size() < 4 : a[3].number != 0;
   const Operand wanted = wantedValue(a[0]);
   const Line line = lineOf(ev, a[1], vertical, 0);
@@ -275,8 +278,11 @@ Operand fnIndex(Evaluator& ev, Arguments a) {
   double row = numberOr(a, 1, 0);
   double column = numberOr(a, 2, 0);
   // With one number only, it counts along a single row.
-  if (rows == 1 && columns > 1 && a.size() == 2) std::swap(row, column);
   if (row < 0 || column < 0) return ErrorCode::Value;
+  if (a.size() == 2 && columns > 1) {
+    if (rows > 1) return ErrorCode::Ref;
+    std::swap(row, column);
+  }
   if (!(row < rows + 1) || !(column < columns + 1)) return ErrorCode::Ref;
   const int r = static_cast<int>(row);
   const int c = static_cast<int>(column);
@@ -391,7 +397,7 @@ Operand fnIndirect(Evaluator& ev, Arguments a) {
   for (int depth = 0; node && depth < 8; ++depth) {
     if (node->kind == NodeKind::Reference) return areaOfReference(ev, node->reference);
     if (node->kind != NodeKind::Name) break;
-    // A name that stands for a reference.
+    // A name for a reference.
     const DefinedName* found = nullptr;
     for (const DefinedName& name : ev.book().definedNames()) {
       if (equalsNoCase(name.name, node->text) &&
@@ -423,7 +429,7 @@ Operand fnAddress(Evaluator& ev, Arguments a) {
   std::string out;
   if (given(a, 4) && !a[4].view().empty()) {
     SheetPrefix prefix;
-    // A workbook in brackets may stand before the sheet.
+    // A workbook in brackets may come before the sheet.
     const std::string_view sheet = a[4].view();
     const size_t close = sheet.starts_with('[') ? sheet.find(']') : std::string_view::npos;
     if (close != std::string_view::npos) prefix.book = sheet.substr(1, close - 1);
@@ -479,9 +485,9 @@ Operand fnTranspose(Evaluator& ev, Arguments a) {
 }
 
 constexpr FunctionInfo table[] = {
-    {"VLOOKUP", 3, 4, 102, "VRNB",
+    {"VLOOKUP", 3, 4, 102, "VREB",
      [](Evaluator& ev, Arguments a) { return lookInTable(ev, a, true); }},
-    {"HLOOKUP", 3, 4, 101, "VRNB",
+    {"HLOOKUP", 3, 4, 101, "VREB",
      [](Evaluator& ev, Arguments a) { return lookInTable(ev, a, false); }},
     {"LOOKUP", 2, 3, 28, "VAA", fnLookup},
     {"MATCH", 2, 3, 64, "VRn", fnMatch},

@@ -14,7 +14,7 @@ bool readMatrix(Evaluator& ev, const Operand& operand, Matrix& matrix, Operand& 
   error = ErrorCode::Value;
   const int rows = Evaluator::rowsOf(operand);
   const int columns = Evaluator::columnsOf(operand);
-  // Whole columns are no matrices, since their empty end holds no numbers.
+  // Whole columns cannot be matrices, since their empty end holds no numbers.
   if (operand.tag == Tag::Areas || static_cast<double>(rows) * columns > 4e6) return false;
   matrix = Matrix(rows, columns);
   for (int row = 0; row < rows; ++row) {
@@ -107,7 +107,7 @@ Operand fnMinverse(Evaluator& ev, Arguments a) {
   for (const double value : x.values) size = std::max(size, std::abs(value));
   if (eliminate(x, inverse) == 0) return ErrorCode::Num;
   for (int step = n - 1; step >= 0; --step) {
-    // A pivot of nothing but rounding errors tells of a singular matrix.
+    // A pivot of nothing but rounding errors means a singular matrix.
     if (std::abs(x.at(step, step)) < size * n * 1e-16) return ErrorCode::Num;
     for (int column = 0; column < n; ++column) {
       double sum = inverse.at(step, column);

@@ -135,7 +135,7 @@ bool solve(const Matrix& x, const std::vector<double>& y, Fit& fit) {
       q.at(i, j) = x.at(i, j) - means[static_cast<size_t>(j)];
       before += q.at(i, j) * q.at(i, j);
     }
-    // Twice, since once leaves rounding errors of the projection behind.
+    // Twice, since the first round leaves rounding errors of the projection.
     for (int round = 0; round < 2; ++round) {
       for (int p = 0; p < j; ++p) {
         if (dependent[static_cast<size_t>(p)]) continue;
@@ -207,12 +207,16 @@ bool fitArguments(Evaluator& ev, Arguments a, bool constant, bool logarithms, Fi
   Matrix y;
   Matrix x;
   if (!readMatrix(ev, a[0], y, error)) return false;
-  fit.transposed = y.rows == 1 && y.columns > 1;
+  // A single y goes with a column of x values as with so many variables.
+  const bool single = y.values.size() == 1 && given(a, 1) && Evaluator::columnsOf(a[1]) == 1;
+  fit.transposed = y.rows == 1 && (y.columns > 1 || single);
   fit.samples = static_cast<int>(y.values.size());
   fit.constant = constant;
   if (!readVariables(ev, a, 1, fit.samples, fit.transposed, x, error)) return false;
   if (y.rows != 1 && y.columns != 1) {
-    // A block of y values goes with a block of x values of the same size, element by element.
+    // A block of y values goes with a block of x values of the same shape, element by element.
+    error = ErrorCode::Ref;
+    if (given(a, 1) && (x.rows != y.rows || x.columns != y.columns)) return false;
     x.rows = static_cast<int>(x.values.size());
     x.columns = 1;
   }
@@ -241,7 +245,7 @@ Operand estimate(Evaluator& ev, Arguments a, bool logarithms) {
   const int columns = fit.variables + 1;
   Array* out = ev.newArray(statistics ? 5 : 1, columns);
   if (out == nullptr) return ErrorCode::Num;
-  // The coefficients stand in reverse order, the constant last.
+  // The coefficients are in reverse order, the constant last.
   for (int j = 0; j < columns; ++j) {
     const auto from = static_cast<size_t>(columns - 1 - j);
     out->at(0, j) = logarithms ? std::exp(fit.coefficients[from]) : fit.coefficients[from];

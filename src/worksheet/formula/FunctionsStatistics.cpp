@@ -54,7 +54,7 @@ Operand nth(Evaluator& ev, Arguments a, bool largest) {
   Operand error;
   if (!sortedNumbers(ev, a.first(1), numbers, error)) return error;
   const double k = std::ceil(a[1].number);
-  if (!(k >= 1 && k <= static_cast<double>(numbers.size()))) return ErrorCode::Num;
+  if (!(a[1].number >= 1 && k <= static_cast<double>(numbers.size()))) return ErrorCode::Num;
   const auto place = static_cast<size_t>(k);
   return largest ? numbers[numbers.size() - place] : numbers[place - 1];
 }
@@ -68,6 +68,9 @@ Operand fnMedian(Evaluator& ev, Arguments a) {
 
 // The most frequent number; of several the one that comes first.
 Operand fnMode(Evaluator& ev, Arguments a) {
+  // Unlike in sums, text that reads as a number is none here.
+  const auto isText = [](const Operand& x) { return x.isText() || x.tag == Tag::NumericText; };
+  if (std::any_of(a.begin(), a.end(), isText)) return ErrorCode::Value;
   std::vector<double> numbers;
   Operand error;
   if (!numbersOf(ev, a, numbers, error)) return error;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr double longestText = 32767;
 
-// The byte position of character `count` (from 0); the text's size beyond its end.
+// The byte position of character `count` (from 0); the text's size after its end.
 size_t bytesOf(std::string_view text, double count) {
   size_t pos = 0;
   for (; count >= 1 && pos < text.size(); count -= 1) {
@@ -194,6 +194,18 @@ Operand joinValues(Evaluator& ev, Arguments a, std::string_view separator, bool 
   return ev.text(std::move(out));
 }
 
+// A number as a cell of the format General shows it: in eleven characters at most.
+std::string generalText(double number) {
+  constexpr int most = 11;
+  const std::string whole = numberText(std::abs(number));
+  if (static_cast<int>(whole.size()) <= most) return numberText(number);
+  const size_t point = whole.find('.');
+  const bool fits = whole.find('E') == std::string::npos && point < most - 1;
+  const int decimals = most - 1 - static_cast<int>(point);
+  return fits ? numberText(roundDecimal(number, decimals))
+              : formattedText(Value(number), "0.#####E+00");
+}
+
 Operand fnText(Evaluator& ev, Arguments a) {
   if (a[1].view().empty()) return Operand::text("");
   Value value;
@@ -206,6 +218,8 @@ Operand fnText(Evaluator& ev, Arguments a) {
   } else {
     value = Value::text(ev.toView(a[0]));
   }
+  if (value.isNumber() && equalsNoCase(a[1].view(), "General"))
+    return ev.text(generalText(value.asNumber()));
   return ev.text(formattedText(value, a[1].view(), ev.dates1904()));
 }
 
@@ -275,6 +289,7 @@ Operand fnNumberValue(Evaluator&, Arguments a) {
 }
 
 Operand fnT(Evaluator& ev, Arguments a) {
+  if (a[0].isArea() && !a[0].area.isCell()) return Operand::text("");
   const Operand value = ev.single(a[0]);
   return value.isText() || value.isError() ? value : Operand::text("");
 }

@@ -1,5 +1,7 @@
 // Functions that files may hold and that are not calculated here. With their rows the cells keep
 // their formulas when they are saved; recalculation reports them and keeps their last values.
+#include <algorithm>
+
 #include "worksheet/formula/Functions.h"
 
 namespace lodex::formula {
@@ -58,131 +60,39 @@ constexpr FunctionInfo numbered[] = {
     {"RTD", 3, anyNumber, 379, "V", notCalculated},
 };
 
-constexpr std::string_view ofTheAddIn[] = {
-    "ACCRINT",   "ACCRINTM",  "AMORDEGRC", "AMORLINC",   "BESSELI",    "BESSELJ",   "BESSELK",
-    "BESSELY",   "COUPDAYBS", "COUPDAYS",  "COUPDAYSNC", "COUPNCD",    "COUPNUM",   "COUPPCD",
-    "DISC",      "DOLLARDE",  "DOLLARFR",  "DURATION",   "FVSCHEDULE", "IMCOS",     "IMDIV",
-    "IMLOG10",   "IMLOG2",    "IMPOWER",   "IMSIN",      "IMSUB",      "INTRATE",   "MDURATION",
-    "ODDFPRICE", "ODDFYIELD", "ODDLPRICE", "ODDLYIELD",  "PRICE",      "PRICEDISC", "PRICEMAT",
-    "RECEIVED",  "SERIESSUM", "TBILLEQ",   "TBILLPRICE", "TBILLYIELD", "YIELD",     "YIELDDISC",
-    "YIELDMAT"};
+constexpr std::string_view ofTheAddIn =
+    "ACCRINT ACCRINTM AMORDEGRC AMORLINC BESSELI BESSELJ BESSELK BESSELY COUPDAYBS COUPDAYS "
+    "COUPDAYSNC COUPNCD COUPNUM COUPPCD DISC DOLLARDE DOLLARFR DURATION FVSCHEDULE IMCOS IMDIV "
+    "IMLOG10 IMLOG2 IMPOWER IMSIN IMSUB INTRATE MDURATION ODDFPRICE ODDFYIELD ODDLPRICE "
+    "ODDLYIELD PRICE PRICEDISC PRICEMAT RECEIVED SERIESSUM TBILLEQ TBILLPRICE TBILLYIELD YIELD "
+    "YIELDDISC YIELDMAT";
 
-constexpr std::string_view namesSince2007[] = {
-    "CUBEKPIMEMBER", "CUBEMEMBER", "CUBEMEMBERPROPERTY", "CUBERANKEDMEMBER", "CUBESET",
-    "CUBESETCOUNT",  "CUBEVALUE",  "ISO.CEILING",        "NETWORKDAYS.INTL", "WORKDAY.INTL"};
+constexpr std::string_view namesSince2007 =
+    "CUBEKPIMEMBER CUBEMEMBER CUBEMEMBERPROPERTY CUBERANKEDMEMBER CUBESET CUBESETCOUNT "
+    "CUBEVALUE ISO.CEILING NETWORKDAYS.INTL WORKDAY.INTL";
 
-constexpr std::string_view newerNames[] = {"ACOT",
-                                           "ACOTH",
-                                           "ANCHORARRAY",
-                                           "ARABIC",
-                                           "ARRAYTOTEXT",
-                                           "BASE",
-                                           "BETA.DIST",
-                                           "BETA.INV",
-                                           "BINOM.DIST.RANGE",
-                                           "BINOM.INV",
-                                           "BITAND",
-                                           "BITLSHIFT",
-                                           "BITOR",
-                                           "BITRSHIFT",
-                                           "BITXOR",
-                                           "BYCOL",
-                                           "BYROW",
-                                           "CEILING.PRECISE",
-                                           "CHISQ.DIST",
-                                           "CHISQ.INV",
-                                           "CHISQ.TEST",
-                                           "CHOOSECOLS",
-                                           "CHOOSEROWS",
-                                           "COMBINA",
-                                           "CONFIDENCE.NORM",
-                                           "CONFIDENCE.T",
-                                           "COT",
-                                           "COTH",
-                                           "CSC",
-                                           "CSCH",
-                                           "DECIMAL",
-                                           "DROP",
-                                           "ENCODEURL",
-                                           "ERF.PRECISE",
-                                           "ERFC.PRECISE",
-                                           "EXPAND",
-                                           "EXPON.DIST",
-                                           "F.DIST",
-                                           "F.INV",
-                                           "FILTERXML",
-                                           "FLOOR.PRECISE",
-                                           "FORECAST.ETS",
-                                           "FORECAST.ETS.CONFINT",
-                                           "FORECAST.ETS.SEASONALITY",
-                                           "FORECAST.ETS.STAT",
-                                           "FORMULATEXT",
-                                           "GAMMA",
-                                           "GAMMA.DIST",
-                                           "GAMMA.INV",
-                                           "GAMMALN.PRECISE",
-                                           "GAUSS",
-                                           "HSTACK",
-                                           "HYPGEOM.DIST",
-                                           "IMAGE",
-                                           "IMCOSH",
-                                           "IMCOT",
-                                           "IMCSC",
-                                           "IMCSCH",
-                                           "IMSEC",
-                                           "IMSECH",
-                                           "IMSINH",
-                                           "IMTAN",
-                                           "ISOMITTED",
-                                           "LAMBDA",
-                                           "LET",
-                                           "LOGNORM.DIST",
-                                           "LOGNORM.INV",
-                                           "MAKEARRAY",
-                                           "MAP",
-                                           "MODE.MULT",
-                                           "MUNIT",
-                                           "NEGBINOM.DIST",
-                                           "PDURATION",
-                                           "PERCENTRANK.EXC",
-                                           "PERMUTATIONA",
-                                           "PHI",
-                                           "RANDARRAY",
-                                           "REDUCE",
-                                           "RRI",
-                                           "SCAN",
-                                           "SEC",
-                                           "SECH",
-                                           "SEQUENCE",
-                                           "SINGLE",
-                                           "SKEW.P",
-                                           "SORTBY",
-                                           "T.DIST",
-                                           "T.DIST.2T",
-                                           "T.DIST.RT",
-                                           "T.INV",
-                                           "TAKE",
-                                           "TEXTAFTER",
-                                           "TEXTBEFORE",
-                                           "TEXTSPLIT",
-                                           "TOCOL",
-                                           "TOROW",
-                                           "UNIQUE",
-                                           "VALUETOTEXT",
-                                           "VSTACK",
-                                           "WEBSERVICE",
-                                           "WEIBULL.DIST",
-                                           "WRAPCOLS",
-                                           "WRAPROWS",
-                                           "Z.TEST"};
+constexpr std::string_view newerNames =
+    "ACOT ACOTH ANCHORARRAY ARABIC ARRAYTOTEXT BASE BETA.DIST BINOM.DIST.RANGE BITAND BITLSHIFT "
+    "BITOR BITRSHIFT BITXOR BYCOL BYROW CEILING.PRECISE CHISQ.DIST CHISQ.INV CHOOSECOLS "
+    "CHOOSEROWS COMBINA CONFIDENCE.T COT COTH CSC CSCH DECIMAL DROP ENCODEURL ERF.PRECISE "
+    "ERFC.PRECISE EXPAND F.DIST F.INV FILTERXML FLOOR.PRECISE FORECAST.ETS FORECAST.ETS.CONFINT "
+    "FORECAST.ETS.SEASONALITY FORECAST.ETS.STAT FORMULATEXT GAMMA GAUSS HSTACK HYPGEOM.DIST "
+    "IMAGE IMCOSH IMCOT IMCSC IMCSCH IMSEC IMSECH IMSINH IMTAN ISOMITTED LAMBDA LET "
+    "LOGNORM.DIST MAKEARRAY MAP MODE.MULT MUNIT NEGBINOM.DIST PDURATION PERCENTRANK.EXC "
+    "PERMUTATIONA PHI RANDARRAY REDUCE RRI SCAN SEC SECH SEQUENCE SINGLE SKEW.P SORTBY T.DIST "
+    "T.DIST.2T T.DIST.RT T.INV TAKE TEXTAFTER TEXTBEFORE TEXTSPLIT TOCOL TOROW UNIQUE "
+    "VALUETOTEXT VSTACK WEBSERVICE WRAPCOLS WRAPROWS";
 
-constexpr std::string_view newerSheetNames[] = {"FILTER", "SORT"};
+constexpr std::string_view newerSheetNames = "FILTER SORT";
 
 std::vector<FunctionInfo> makeTable() {
   std::vector<FunctionInfo> table(std::begin(numbered), std::end(numbered));
-  const auto add = [&](std::span<const std::string_view> names, Stored stored) {
-    for (const std::string_view name : names)
-      table.push_back({name, 0, anyNumber, stored, "R", notCalculated});
+  const auto add = [&](std::string_view names, Stored stored) {
+    while (!names.empty()) {
+      const size_t end = std::min(names.find(' '), names.size());
+      table.push_back({names.substr(0, end), 0, anyNumber, stored, "R", notCalculated});
+      names.remove_prefix(std::min(end + 1, names.size()));
+    }
   };
   add(ofTheAddIn, addIn);
   add(namesSince2007, since2007);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The bytes of names in formulas; all of UTF-8 beyond ASCII counts as letters.
+/// The bytes of names in formulas; all of UTF-8 outside ASCII counts as letters.
 namespace lodex::formula {
 
 inline bool isDigit(char c) {

@@ -262,7 +262,7 @@ class Parser {
     return node;
   }
 
-  // Reads a quoted text with doubled quotes inside; the position stands on the opening quote.
+  // Reads a quoted text with doubled quotes inside; the position is at the opening quote.
   std::string quoted(char quote) {
     std::string out;
     for (++pos_;; ++pos_) {

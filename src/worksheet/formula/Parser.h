@@ -8,10 +8,10 @@
 #include <vector>
 
 /// Formula text to syntax tree and back. The tree knows nothing of a workbook: sheets and names
-/// stand in it as they were written.
+/// appear in it as they were written.
 namespace lodex::formula {
 
-/// One end of a reference. Rows and columns count from 1; `Absolute` stands for a "$".
+/// One end of a reference. Rows and columns count from 1; `Absolute` means a "$".
 struct CellRef {
   int row = 1;
   int column = 1;
@@ -20,10 +20,10 @@ struct CellRef {
   bool operator==(const CellRef&) const = default;
 };
 
-/// What stands before the "!" of a reference or a name.
+/// What comes before the "!" of a reference or a name.
 struct SheetPrefix {
   std::string book;   // of "[Book1.xls]Sheet1!A1", brackets left off, with its path; "" mostly
-  std::string first;  // "" only when a book stands alone ("[1]!Name")
+  std::string first;  // "" only when a book comes alone ("[1]!Name")
   std::string last;   // of the 3-D range "Sheet1:Sheet3!A1"; "" for a single sheet
 };
 
@@ -81,7 +81,7 @@ struct Node {
   NodeKind kind = NodeKind::Missing;
   Operator op = Operator::None;
   int columns = 0;          // Array
-  std::uint32_t begin = 0;  // where a Reference or a Name stands in the text: from byte `begin` up
+  std::uint32_t begin = 0;  // where a Reference or a Name is in the text: from byte `begin` up
   std::uint32_t end = 0;    // to, and without, byte `end`
   double number = 0;
   std::string text;
@@ -91,7 +91,7 @@ struct Node {
 
 /// Reads a formula without its leading "=". Arguments may be separated by "," or ";", array
 /// constants have "," between columns and ";" between rows, numbers a decimal point. Nothing is
-/// returned when the text is no formula; `problem` then says why, with the position.
+/// returned when the text is not a formula; `problem` then says why, with the position.
 std::optional<Node> parseFormula(std::string_view text, std::string& problem);
 
 /// The text of a formula, without "=", with "," between arguments.

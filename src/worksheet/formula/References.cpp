@@ -15,7 +15,7 @@ bool moveSpan(int& first, int& last, int at, int count, int size) {
     last = std::min(last, size);
     return first <= size;
   }
-  const int end = at - count;  // the first place behind what is removed
+  const int end = at - count;  // the first place after what is removed
   if (first >= at && last < end) return false;
   if (first >= at) first = first >= end ? first + count : at;
   if (last >= at) last = last >= end ? last + count : at - 1;

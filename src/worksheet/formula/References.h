@@ -24,7 +24,7 @@ bool move(Reference& reference, const Movement& movement);
 
 /// The formula with its references and names (nodes of kind Reference and Name) changed; `change`
 /// returns true for those it has changed. All other text stays as it was written, and so does a
-/// text that is no formula.
+/// text that is not a formula.
 std::string rewriteFormula(std::string_view formula, const std::function<bool(Node&)>& change);
 
 }  // namespace lodex::formula
