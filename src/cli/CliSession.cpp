@@ -31,8 +31,8 @@ void openPlainly(CommandContext& context, Connection& connection, std::string_vi
     servers = {console.session().record.UserIni, console.session().record.MainIni};
   }
   connection.Open(ConnectionString(path, "", ""), servers);
-  for (const std::string& warning : connection.Warnings()) {
-    context.err << "lodex: " << warning << '\n';
+  for (const Finding& finding : connection.Noticed().all()) {
+    context.err << "lodex: " << describe(finding) << '\n';
   }
 }
 

@@ -26,7 +26,7 @@ void runCombine(const CombineOptions& options, CommandContext& context) {
     if (namesServer(source) || pathExists(source)) continue;
     throw FileError("Database " + source + " does not exist");
   }
-  if (!namesServer(options.into) && !pathExists(options.into)) createDatabase(options.into);
+  ensureDatabase(options.into);
   for (const std::string& source : options.sources) {
     std::error_code unknown;
     if (std::filesystem::equivalent(nativePath(source), nativePath(options.into), unknown)) {

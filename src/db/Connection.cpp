@@ -5,21 +5,16 @@
 #include "db/Driver.h"
 #include "db/Errors.h"
 #include "db/Recordset.h"
-#include "db/drivers/jet/AccessTwin.h"
-#include "db/drivers/odbc/OdbcDriver.h"
-#include "db/drivers/sqlite/SqliteDriver.h"
 
 namespace lodex {
 
 namespace {
 
-constexpr std::string_view kJetProvider = "Microsoft.Jet.OLEDB.4.0";
-constexpr std::string_view kOracleProvider = "MSDAORA";
 constexpr int kBusyTimeout = 3000;
 
 void refuseZeroCharacter(std::string_view text) {
   if (text.find('\0') != std::string_view::npos) {
-    throw Error("A character of code 0 cannot stand in a database statement", dberror::BadArgument);
+    throw Error("A database statement cannot hold a character of code 0", dberror::BadArgument);
   }
 }
 
@@ -35,20 +30,14 @@ std::string_view passwordIn(std::string_view connectionString) {
 
 }  // namespace
 
-bool namesServer(std::string_view path) {
-  const bool isFile =
-      path.find(".mdb") != std::string_view::npos || path.find(".MDB") != std::string_view::npos;
-  return !isFile && toUpper(path).find(".ORA") != std::string::npos;
-}
-
 std::string ConnectionString(std::string_view path, std::string_view user,
                              std::string_view password) {
-  if (namesServer(path)) {
-    return "Provider=" + std::string(kOracleProvider) + ";User ID=" + std::string(user) +
-           ";Password=" + std::string(password) +
-           ";Data Source=" + std::string(path.substr(0, path.size() - 4));
-  }
-  return "Provider=" + std::string(kJetProvider) + ";Data Source=" + std::string(path);
+  const DatabaseKind& kind = kindOf(path);
+  if (kind.provider.empty()) return withLogin(path, user, password);
+  const std::string start = "Provider=" + std::string(kind.provider);
+  if (!kind.isServer) return start + ";Data Source=" + std::string(path);
+  return start + ";User ID=" + std::string(user) + ";Password=" + std::string(password) +
+         ";Data Source=" + std::string(path.substr(0, path.size() - 4));
 }
 
 std::string connectionItem(std::string_view connectionString, std::string_view key) {
@@ -83,10 +72,6 @@ std::string quoteText(std::string_view text) {
   return "'" + replaceAll(text, "'", "''") + "'";
 }
 
-void createDatabase(std::string_view path) {
-  createSqliteFile(path);
-}
-
 Connection::Connection() = default;
 Connection::~Connection() = default;
 Connection::Connection(Connection&&) noexcept = default;
@@ -94,21 +79,18 @@ Connection& Connection::operator=(Connection&&) noexcept = default;
 
 void Connection::Open(std::string_view connectionString, const ServerIni& servers) {
   if (driver_) throw Error("The connection is open already", dberror::ObjectOpen);
-  warnings_.clear();
+  noticed_.clear();
   const std::string provider = connectionItem(connectionString, "Provider");
-  const std::string source = connectionItem(connectionString, "Data Source");
-  if (equalsNoCase(provider, kOracleProvider)) {
-    const std::string user = connectionItem(connectionString, "User ID");
-    driver_ =
-        openOdbc(source, serverConnectionText(servers, source, user, passwordIn(connectionString)));
-    return;
+  DatabaseSource source;
+  source.servers = servers;
+  if (provider.empty()) {
+    source.name = connectionString;
+  } else {
+    source.name = connectionItem(connectionString, "Data Source");
+    source.user = connectionItem(connectionString, "User ID");
+    source.password = passwordIn(connectionString);
   }
-  if (!equalsNoCase(provider, kJetProvider)) {
-    throw Error("The connection text names no known provider: " + provider, dberror::BadArgument);
-  }
-  Findings found;
-  driver_ = isAccessFile(source) ? openAccessTwin(source, found) : openSqliteFile(source);
-  for (const Finding& finding : found.all()) warnings_.push_back(finding.text);
+  driver_ = kindFor(provider, source.name).open(source, noticed_);
   driver_->busyTimeout(kBusyTimeout);
 }
 

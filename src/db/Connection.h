@@ -6,33 +6,27 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
+#include "db/DatabaseKinds.h"
 #include "db/FieldTypes.h"
 #include "db/Schema.h"
-#include "db/Servers.h"
 
 namespace lodex {
 
 class Driver;
 class Recordset;
 
-/// The text that Connection::Open takes for a database: a path with ".mdb" or ".MDB" names a file
-/// database, any other path with ".ORA" (in any case) an Oracle service, all else a file database.
+/// The text that Connection::Open takes for a database of any kind (see kindOf).
 std::string ConnectionString(std::string_view path, std::string_view user,
                              std::string_view password);
-
-/// True when a path names a service and no file.
-bool namesServer(std::string_view path);
 
 /// The value of a key such as "Provider" or "Data Source" in a connection text, "" if absent. The
 /// data source of a file database runs to the end of the text, so that a path may hold a ";".
 std::string connectionItem(std::string_view connectionString, std::string_view key);
 
-/// A name or a text as it stands in SQL. Throws Error for a text with a character of code 0.
+/// A name or a text as it is written in SQL. Throws Error for a text with a character of code 0.
 std::string quoteName(std::string_view name);
 std::string quoteText(std::string_view text);
-
-/// Makes an empty database file. Throws FileError if there is a file already.
-void createDatabase(std::string_view path);
 
 /// How a recordset holds its records. Client: all of them in memory, to be filtered, sorted and
 /// walked in any order. ForwardOnly: one at a time, for a single pass over many.
@@ -48,15 +42,15 @@ class Connection {
   Connection(Connection&&) noexcept;
   Connection& operator=(Connection&&) noexcept;
 
-  /// Opens what a text of ConnectionString names; `servers` tells what services are. A file is
-  /// never created by opening it.
+  /// Opens the database of a text from ConnectionString; `servers` describes the services. A file
+  /// is never created by opening it; an empty file is an empty database.
   void Open(std::string_view connectionString, const ServerIni& servers = {});
   void Close();
   bool IsOpen() const { return driver_ != nullptr; }
 
-  /// What the user should be told about the last Open, a sentence each: that an Access file was
-  /// brought in and where changes go, and what could not be brought in.
-  const std::vector<std::string>& Warnings() const { return warnings_; }
+  /// What the user should know of the last Open: that an Access file was copied and where changes
+  /// go, and what the copy leaves out.
+  const Findings& Noticed() const { return noticed_; }
 
   /// Runs one statement of the Jet dialect and returns the number of records that it changed. `?`
   /// marks in the text stand for the parameters in their order.
@@ -73,13 +67,13 @@ class Connection {
   void RollbackTrans();
 
   /// How long a statement waits for another user of the database before it fails with
-  /// "... is in use"; 3,000 milliseconds unless told.
+  /// "... is in use"; 3,000 milliseconds by default.
   void BusyTimeout(int milliseconds);
 
  private:
   Driver& driver();
   std::unique_ptr<Driver> driver_;
-  std::vector<std::string> warnings_;
+  Findings noticed_;
 };
 
 /// A unit of work: undone at the end of the scope unless it was committed.

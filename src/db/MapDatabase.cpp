@@ -89,7 +89,7 @@ bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
   session.progress.bar.setMaximum(role == MapRole::Source ? count : 2 * count + 1);
   showStatus(session, "Mapping Tables and Views (ADO) ...");
   const ColumnsByTable columns = fieldsOf(database.connection, tables);
-  const std::string text = "Mapping " + database.path + " tables and fields...";
+  const std::string text = "Mapping " + shownName(database.path) + " tables and fields...";
   int number = 0;
   int row = 0;
   for (const NamedTable& table : tables) {
@@ -120,7 +120,7 @@ void takeFirstFieldsAsKeys(Session& session, DatabaseMap& map) {
 }
 
 void mapIndexes(Session& session, MappedDatabase& database) {
-  showStatus(session, "Mapping " + database.path + " indexes...");
+  showStatus(session, "Mapping " + shownName(database.path) + " indexes...");
   try {
     const auto schema = database.connection.OpenSchema(SchemaKind::Indexes);
     for (; !schema->Eof(); schema->MoveNext()) {
@@ -155,7 +155,7 @@ void storeMap(Session& session, const MappedDatabase& database) {
 
 MapResult connectAndMap(Session& session, MappedDatabase& database, const MapRequest& request,
                         MapRole role) {
-  showStatus(session, "Connecting " + database.path);
+  showStatus(session, "Connecting " + shownName(database.path));
   database.connection = Connection();
   openDatabase(session, database.connection, database.path);
   if (aborted(session)) return MapResult::Aborted;
@@ -165,7 +165,7 @@ MapResult connectAndMap(Session& session, MappedDatabase& database, const MapReq
     if (!mapTables(session, database, request.doLinks, role)) return MapResult::Aborted;
   }
   if (store && role == MapRole::Source) storeMap(session, database);
-  showStatus(session, "Mapping " + database.path + " mapped...");
+  showStatus(session, "Mapping " + shownName(database.path) + " mapped...");
   return MapResult::Mapped;
 }
 
@@ -211,6 +211,7 @@ void baseByNames(const DatabaseMap& map, const std::vector<Field>& fields, std::
 }  // namespace
 
 std::string mapFilePath(std::string_view databasePath) {
+  if (isConnectionText(databasePath)) return {};
   const size_t name = databasePath.find_last_of("\\/");
   const size_t dot = databasePath.rfind('.');
   const bool hasEnding =
@@ -223,7 +224,7 @@ bool mapTables(Session& session, MappedDatabase& database, bool doLinks, MapRole
   if (!mapTableRows(session, database, role)) return false;
   mapIndexes(session, database);
   if (!doLinks) return true;
-  showStatus(session, "Mapping " + database.path + " links...");
+  showStatus(session, "Mapping " + shownName(database.path) + " links...");
   database.map.MakeLinks();
   return true;
 }
@@ -244,7 +245,7 @@ MapResult OpenSampleDatabase(Session& session, MappedDatabase& database,
                              const MapRequest& request) {
   std::string& path = session.record.SessionDbPath;
   if (path.starts_with('\\') && !path.starts_with("\\\\")) path.insert(0, "\\");
-  showStatus(session, "Connecting " + path);
+  showStatus(session, "Connecting " + shownName(path));
   session.record.ConnectionKind = "ADO";
   showStatus(session, "Connection is ADO");
   database.path = path;
@@ -258,7 +259,7 @@ MapResult OpenSampleDatabase(Session& session, MappedDatabase& database,
   if (result == MapResult::Aborted) return result;
   database.map.clear();
   session.dialogs().messageBox(
-      "Database " + path + " can not be opened neither by using DAO nor ADO connection",
+      "Database " + shownName(path) + " can not be opened neither by using DAO nor ADO connection",
       MessageButtons::Ok, MessageIcon::Stop);
   return result;
 }

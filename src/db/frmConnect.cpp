@@ -8,18 +8,19 @@
 
 #include "basic/Error.h"
 #include "basic/Files.h"
+#include "db/DatabaseKinds.h"
 #include "session/Ini.h"
 
 namespace lodex {
 
 namespace {
 
-struct DatabaseKind {
+struct ListedKind {
   const char* text;
   const char* extension;
 };
-constexpr std::array kKinds{DatabaseKind{"Microsoft Access", "mdb"},
-                            DatabaseKind{"ODBC Database", "dsn"}};
+constexpr std::array kListed{ListedKind{"Microsoft Access", "mdb"},
+                             ListedKind{"ODBC Database", "dsn"}};
 
 // Where the browsing of folders can begin.
 std::vector<std::string> startFolders(const SessionRecord& record) {
@@ -50,7 +51,7 @@ std::vector<std::string> namesIn(const std::string& folder, bool folders) {
 
 frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), session_(session) {
   int row = 0;
-  for (const DatabaseKind& kind : kKinds) {
+  for (const ListedKind& kind : kListed) {
     F1FTypes.TextRC(++row, 1, kind.text);
     F1FTypes.TextRC(row, 2, kind.extension);
   }
@@ -122,9 +123,9 @@ void frmConnect::fillFiles() {
 }
 
 void frmConnect::openFile() {
-  if (!txtFile.text().empty()) {
-    take(txtFolder.text() + "\\" + txtFile.text(), chkMapE.checked());
-  }
+  const std::string& name = txtFile.text();
+  if (name.empty()) return;
+  take(namesServer(name) ? name : txtFolder.text() + "\\" + name, chkMapE.checked());
 }
 
 void frmConnect::browse() {
@@ -141,7 +142,7 @@ void frmConnect::take(const std::string& path, bool mapAfresh) {
   result_ = path;
   mapAfresh_ = mapAfresh;
   try {
-    PushLastFile(session_.record, path, "Session");
+    if (!holdsSecret(path)) PushLastFile(session_.record, path, "Session");
   } catch (const FileError& error) {
     session_.log.LisaaLog(error.what());  // the database can be opened all the same
   }

@@ -46,7 +46,7 @@ void frmDB::close() {
 }
 
 bool frmDB::OpenDBFromMDI(const std::string& path, const MapRequest& request) {
-  if (onMacroLine) onMacroLine("OPENDB " + path);
+  if (onMacroLine) onMacroLine("OPENDB " + shownName(path));
   if (path.size() <= 2) return false;
   session_.record.SessionDbPath = path;
   session_.record.ConnectionKind.clear();
@@ -56,12 +56,12 @@ bool frmDB::OpenDBFromMDI(const std::string& path, const MapRequest& request) {
     session_.progress.ShowProgress("", 0);
     session_.progress.txtInfo.setCaption("");
     if (result == MapResult::Failed) {
-      session_.dialogs().messageBox("Error in opening database " + path, MessageButtons::Ok,
-                                    MessageIcon::Stop);
+      session_.dialogs().messageBox("Error in opening database " + shownName(path),
+                                    MessageButtons::Ok, MessageIcon::Stop);
     }
     return false;
   }
-  shell_.setCaption("TarnKraph (" + path + ")");
+  shell_.setCaption("TarnKraph (" + shownName(path) + ")");
   if (onOpened) onOpened(source_.map);
   return true;
 }
@@ -76,7 +76,7 @@ bool frmDB::AvaaDB(const std::string& path, const MapRequest& request) {
   }
   session_.progress.bar.setMaximum(kOpeningSteps);
   session_.progress.ShowProgress("Opening database...", 2);
-  txtDB.setText(source_.path);
+  txtDB.setText(shownName(source_.path));
   showTables(source_.map, lstTables);
   lstFields.clear();
   txtParam.setText("");
@@ -128,7 +128,7 @@ void frmDB::accept() {
   if (txtDB.text().empty()) return;
   SourceDbInUse = true;
   pairElements();
-  if (onAccepted) onAccepted(txtDB.text());
+  if (onAccepted) onAccepted(source_.path);
   hide();
   shell_.show();
 }

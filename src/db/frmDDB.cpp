@@ -41,7 +41,7 @@ bool frmDDB::openDestination(const std::string& path, bool create) {
   opened.path = path;
   bool mapped = false;
   try {
-    if (create && !namesServer(path) && !pathExists(path)) createDatabase(path);
+    if (create) ensureDatabase(path);
     mapped = MapDatabase(session_, opened, {}, MapRole::Destination) == MapResult::Mapped;
   } catch (const Error& failure) {
     session_.log.LisaaLog(failure.what(), LogKind::Both);
@@ -53,7 +53,7 @@ bool frmDDB::openDestination(const std::string& path, bool create) {
     return false;
   }
   destination_ = std::move(opened);
-  txtDDB.setText(path);
+  txtDDB.setText(shownName(path));
   refreshTables();
   return true;
 }

@@ -6,7 +6,7 @@
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "basic/Text.h"
-#include "db/OpenDatabase.h"
+#include "db/DatabaseKinds.h"
 #include "import/BelowDetection.h"
 #include "import/DecimalCommas.h"
 
@@ -164,7 +164,7 @@ void DataSheets::ValmistaSource(std::string_view fileList) {
 
 void DataSheets::openSources(const std::vector<std::string>& files) {
   context_.session.record.SourcesBuilt = false;
-  const auto database = std::find_if(files.begin(), files.end(), isDatabaseFile);
+  const auto database = std::find_if(files.begin(), files.end(), namesDatabase);
   if (database != files.end()) {
     if (!context_.AvaaDB) throw Error("Databases cannot be opened here: " + *database);
     context_.AvaaDB(*database);

@@ -58,7 +58,7 @@ void MDIMain::connectDatabases() {
   // The window of the source opens databases on its own as well.
   sourceForm.txtDB.onChange([this] { refreshLastFiles(); });
   sourceForm.onAccepted = [this](const std::string& path) {
-    remember(path, databasesSection);
+    if (!holdsSecret(path)) remember(path, databasesSection);
     SetStage(static_cast<int>(Stage::Calculate));
   };
   destinationForm.sourceDatabase = [this] { return source.pathInUse(); };
@@ -286,7 +286,7 @@ void MDIMain::dropFiles(const std::vector<std::string>& paths) {
 void MDIMain::openPaths(const std::vector<std::string>& paths) {
   sheets.F1Ref = Worksheet();
   for (const std::string& path : paths) {
-    if (!isDatabaseFile(path)) continue;
+    if (!namesDatabase(path)) continue;
     openDatabase(path);
     SetStage(static_cast<int>(Stage::Identify));
     return;
@@ -303,7 +303,7 @@ void MDIMain::openPaths(const std::vector<std::string>& paths) {
 
 bool MDIMain::openDatabase(const std::string& path, const MapRequest& request) {
   if (!source.AvaaDB(path, request)) return false;
-  remember(path, databasesSection);
+  if (!holdsSecret(path)) remember(path, databasesSection);
   return true;
 }
 

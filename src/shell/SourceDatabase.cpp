@@ -25,7 +25,7 @@ SourceDatabase::SourceDatabase(ImportContext& context, frmDB& form, DataSheets& 
 
 std::string SourceDatabase::pathInUse() const {
   const bool inUse = form_.SourceDbInUse && form_.source().connection.IsOpen();
-  return inUse ? form_.txtDB.text() : std::string();
+  return inUse ? form_.source().path : std::string();
 }
 
 bool SourceDatabase::AvaaDB(const std::string& path, const MapRequest& request) {

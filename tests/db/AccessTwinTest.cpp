@@ -46,7 +46,8 @@ class AccessTwinTest : public testing::Test {
   std::string count(const fs::path& path) {
     Connection connection;
     connection.Open(ConnectionString(path.string(), "", ""));
-    noticed_ = connection.Warnings();
+    noticed_.clear();
+    for (const Finding& finding : connection.Noticed().all()) noticed_.push_back(finding.text);
     return connection.OpenRecordset("SELECT Count(*) FROM T")->Text(0);
   }
   void change(const std::string& statement = "DELETE FROM T WHERE n = 0") const {

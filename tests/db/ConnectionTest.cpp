@@ -68,10 +68,44 @@ TEST(ConnectionString, NamesTheProviderByThePath) {
        "Provider=MSDAORA;User ID=;Password=;Data Source=service"},
       {"both endings", "a.ora.mdb", "u", "p", jet + "a.ora.mdb"},
       {"data source file", "lab.dsn", "u", "p", jet + "lab.dsn"},
+      {"folder that looks like a service", "my.orange/new.sqlite", "", "",
+       jet + "my.orange/new.sqlite"},
+      {"connection text", "Driver={My driver};Server=a.mdb;Database=LAB.ORA", "", "",
+       "Driver={My driver};Server=a.mdb;Database=LAB.ORA"},
+      {"connection text with a login", "dsn=Lab;UID=me", "u", "p;q", "dsn=Lab;UID=me;PWD={p;q}"},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(ConnectionString(row.path, row.user, row.password), row.expected) << row.name;
   }
+}
+
+TEST_F(ConnectionTest, AnExistingFileWinsOverTheWordsInItsPath) {
+  for (const char* name : {"LAB.ORA", "DSN=LAB.sqlite", "a.xyz"}) {
+    { makeDatabase(name).Execute("CREATE TABLE [A b] (x TEXT)"); }
+    EXPECT_FALSE(namesServer(path(name)));
+    EXPECT_TRUE(namesDatabase(path(name))) << name;
+    EXPECT_EQ(open(name).OpenSchema(SchemaKind::Tables)->Text("TABLE_NAME"), "A b") << name;
+  }
+  const fs::path before = fs::current_path();
+  fs::current_path(folder_);
+  EXPECT_FALSE(namesServer("DSN=LAB.sqlite"));
+  EXPECT_TRUE(namesServer("DSN=OTHER.sqlite"));
+  fs::current_path(before);
+  write("sheet.ora", "Sample\tCu\n");
+  EXPECT_FALSE(namesDatabase(path("sheet.ora")));
+  EXPECT_TRUE(namesDatabase(path("no such.ora")));
+  EXPECT_FALSE(namesDatabase(path("no such.txt")));
+}
+
+// A program that was killed while it made a database leaves such a file.
+TEST_F(ConnectionTest, AnEmptyFileIsAnEmptyDatabase) {
+  write("empty.mdb", "");
+  ensureDatabase(path("empty.mdb"));
+  Connection connection = open("empty.mdb");
+  EXPECT_EQ(connection.OpenSchema(SchemaKind::Tables)->RecordCount(), 0);
+  connection.Execute("CREATE TABLE T (x TEXT)");
+  connection.Close();
+  EXPECT_EQ(open("empty.mdb").OpenSchema(SchemaKind::Tables)->Text("TABLE_NAME"), "T");
 }
 
 TEST(ConnectionString, KeepsASemicolonInThePath) {
@@ -87,15 +121,13 @@ TEST_F(ConnectionTest, TellsWhyAFileCannotBeOpened) {
   write("access.mdb", std::string("\0\1\0\0Standard Jet DB\0more", 24));
   write("accdb.mdb", std::string("\0\1\0\0Standard ACE DB\0more", 24));
   write("text.mdb", "Mineral\tFormula\n");
-  write("empty.mdb", "");
   fs::create_directory(folder_ / "folder.mdb");
   const struct {
     std::string file, reason;
   } rows[] = {
-      {"missing.mdb", "does not exist"},      {"folder.mdb", "is a folder"},
-      {"text.mdb", "is no database"},         {"empty.mdb", "is no database"},
-      {"access.mdb", "cannot be read"}, {"accdb.mdb", "cannot be brought in"},
-      {"damaged.mdb", "is damaged"},
+      {"missing.mdb", "does not exist"}, {"folder.mdb", "is a folder"},
+      {"text.mdb", "is not a database"}, {"access.mdb", "cannot be read"},
+      {"accdb.mdb", "cannot be"},        {"damaged.mdb", "is damaged"},
   };
   for (const auto& row : rows) {
     const std::string error = errorOf([&] { open(row.file); });

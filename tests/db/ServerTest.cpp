@@ -20,38 +20,87 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
+// Every test has a schema of its own on the server, which the tests that run beside it do not see.
 class ServerTest : public DatabaseFixture {
  protected:
   void SetUp() override {
     DatabaseFixture::SetUp();
     connection_.Close();
+    schema_ = folder_.filename().string();
+  }
+  void TearDown() override {
+    if (connection_.IsOpen()) {
+      connection_.Close();
+      open("DROP SCHEMA \"" + schema_ + "\" CASCADE");
+    }
+    DatabaseFixture::TearDown();
   }
   ServerIni writeIni(const std::string& entry) {
     std::ofstream(path("servers.ini")) << "[Servers]\nLAB=" << entry << "\n";
     return {"", path("servers.ini")};
   }
-  // Opens the temporary server of script/with-postgres; false if there is none.
-  bool openServer(const std::string& options = "") {
-    if (!std::getenv("LODEX_TEST_SERVER")) return false;
+  void open(const std::string& settings, const std::string& options = "") {
     connection_.Open(ConnectionString("LAB.ORA", "", ""),
-                     writeIni("%LODEX_TEST_SERVER%" + options));
+                     writeIni("%LODEX_TEST_SERVER%;ConnSettings={" + settings + "}" + options));
+  }
+  // Opens the temporary server of script/with-postgres; false if there is none. `settings` are
+  // statements that run before all others.
+  bool openServer(const std::string& options = "", const std::string& settings = "") {
+    if (!std::getenv("LODEX_TEST_SERVER")) return false;
+    open("CREATE SCHEMA IF NOT EXISTS \"" + schema_ + "\"; SET search_path TO \"" + schema_ +
+             "\"; " + settings,
+         options);
     return true;
   }
+
+  std::string schema_;
 };
 
 TEST_F(ServerTest, AServiceIsAnEntryOrADataSource) {
   ::setenv("LODEX_TEST_SECRET", "s3cret", 1);
+  const auto textOf = [](const ServerIni& ini, const char* name, const char* password = "") {
+    return serverLogin(ini, name, "me", password).connectionText;
+  };
   ServerIni ini = writeIni("Driver=x;Pwd=%LODEX_TEST_SECRET%");
-  EXPECT_EQ(serverConnectionText(ini, "lab", "me", "other"), "Driver=x;Pwd=s3cret;UID=me");
-  EXPECT_EQ(serverConnectionText(ini, "MINE", "me", "a;b}c"), "DSN=MINE;UID=me;PWD={a;b}}c}");
+  EXPECT_EQ(textOf(ini, "lab", "other"), "Driver=x;Pwd=s3cret;UID=me");
+  EXPECT_EQ(textOf(ini, "MINE", "a;b}c"), "DSN=MINE;UID=me;PWD={a;b}}c}");
+  EXPECT_EQ(textOf(ini, "DSN=LAB;PWD=%LODEX_TEST_SECRET%"), "DSN=LAB;PWD=s3cret;UID=me");
   ini = writeIni("Laboratory");
-  EXPECT_EQ(serverConnectionText(ini, "LAB", "", ""), "DSN=Laboratory");
-  ini = writeIni("Driver={No such driver s3cret};Pwd=%LODEX_TEST_SECRET%");
+  EXPECT_EQ(textOf(ini, "LAB"), "DSN=Laboratory;UID=me");
+}
+
+TEST_F(ServerTest, PasswordsAreNeitherShownNorKept) {
+  const struct {
+    std::string text, shown;
+  } rows[] = {
+      {"Driver={a;Pwd=b};Pwd={p;w}};x};UID=me", "Driver={a;Pwd=b};Pwd=...;UID=me"},
+      {"DSN=LAB;password=p", "DSN=LAB;password=..."},
+      {"DSN=LAB;PWD=%LAB_PASSWORD%", "DSN=LAB;PWD=%LAB_PASSWORD%"},
+      {"DSN=LAB;PWD=%", "DSN=LAB;PWD=..."},
+      {"C:\\Pwd=x\\a.mdb", "C:\\Pwd=x\\a.mdb"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(shownName(row.text), row.shown);
+    EXPECT_EQ(holdsSecret(row.text), row.shown != row.text) << row.text;
+  }
+  ::setenv("LODEX_TEST_SECRET", "s3cret", 1);
+  const ServerIni ini = writeIni("Driver={No such driver s3cret};Pwd=%LODEX_TEST_SECRET%");
   const std::string error =
       errorOf([&] { connection_.Open(ConnectionString("LAB.ORA", "me", ""), ini); });
   EXPECT_THAT(error, HasSubstr("Server LAB cannot be opened"));
   EXPECT_THAT(error, Not(HasSubstr("s3cret")));
   EXPECT_FALSE(connection_.IsOpen());
+}
+
+TEST_F(ServerTest, AConnectionTextOpensItsServer) {
+  if (!openServer()) GTEST_SKIP() << "run under script/with-postgres";
+  run("CREATE TABLE [T] ([n] LONG)");
+  Connection connection;
+  connection.Open(ConnectionString(std::string(std::getenv("LODEX_TEST_SERVER")) +
+                                       ";ConnSettings={SET search_path TO \"" + schema_ + "\"}",
+                                   "", ""));
+  EXPECT_EQ(connection.OpenSchema(SchemaKind::Tables)->Text("TABLE_NAME"), "T");
+  connection.Close();
 }
 
 TEST_F(ServerTest, ReadsAndWritesARealServer) {
@@ -125,7 +174,6 @@ TEST_F(ServerTest, ReadsAndWritesARealServer) {
   results->Delete();
   EXPECT_EQ(records("SELECT Count(*) FROM [Lab results]"), "1");
   EXPECT_THAT(errorOfSql("SELECT * FROM [nowhere]"), HasSubstr("nowhere"));
-  run("DROP TABLE [Lab results]");
 }
 
 // A server may give up a whole unit of work for one refused record, and the driver may be told to.
@@ -166,7 +214,6 @@ TEST_P(UnitOfWorkTest, ARefusedRecordLeavesTheRest) {
   add("z", std::int64_t{9});
   work.commit();
   EXPECT_EQ(records("SELECT * FROM [Units] ORDER BY [SampleNo]"), "a|1;z|9");
-  run("DROP TABLE [Units]");
 }
 
 TEST_F(ServerTest, WhatTheServerFillsInIsReadBack) {
@@ -192,14 +239,13 @@ TEST_F(ServerTest, WhatTheServerFillsInIsReadBack) {
   auto keys = connection_.OpenSchema(SchemaKind::ForeignKeys);
   ASSERT_EQ(keys->RecordCount(), 1);
   EXPECT_EQ(keys->Text("PK_TABLE_NAME") + keys->Text("PK_COLUMN_NAME"), "NumberedID");
-  run("DROP TABLE [Parts]");
-  run("DROP TABLE [Numbered]");
 }
 
 TEST_F(ServerTest, IsMappedWithTheTablesBehindItsViews) {
-  // Another user's table of the same name, which a statement would not reach.
-  if (!openServer(";ConnSettings={CREATE SCHEMA IF NOT EXISTS other; CREATE TABLE IF NOT EXISTS "
-                  "other.\"Assays\" (\"Other\" int primary key)}")) {
+  // A table of the same name in another schema, which a statement would not reach.
+  const std::string other = "\"" + schema_ + " other\"";
+  if (!openServer("", "CREATE SCHEMA IF NOT EXISTS " + other + "; CREATE TABLE IF NOT EXISTS " +
+                          other + ".\"Assays\" (\"Other\" int primary key)")) {
     GTEST_SKIP() << "run under script/with-postgres";
   }
   run("CREATE TABLE [Assays] ([SampleNo] TEXT (9) PRIMARY KEY, [Fe_XRF] SINGLE, [Hole] LONG)");
@@ -218,9 +264,8 @@ TEST_F(ServerTest, IsMappedWithTheTablesBehindItsViews) {
   EXPECT_EQ(server.map.PrimaryKeyField("Holes"), "Hole");
   EXPECT_THAT(JoinPath(server, "f_Rich", "Holes"),
               ElementsAre(TableLink{"Assays", "Holes", "Hole", "Hole"}));
-  for (const char* sql : {"DROP VIEW [f_Rich]", "DROP TABLE [Assays]", "DROP TABLE [Holes]"}) {
-    run(sql);
-  }
+  connection_.Close();
+  open("DROP SCHEMA " + other + " CASCADE");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "basic/Error.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
+#include "db/Servers.h"
 #include "db/drivers/WriteStatements.h"
 #include "db/drivers/odbc/OdbcSchema.h"
 #include "db/drivers/odbc/OdbcStatement.h"
@@ -367,22 +368,14 @@ class OdbcDriver : public Driver {
 
 void allocate(SQLSMALLINT kind, SQLHANDLE parent, SQLHANDLE* handle) {
   if (!SQL_SUCCEEDED(SQLAllocHandle(kind, parent, handle))) {
-    throw Error("ODBC, the way to database servers, cannot be used", dberror::Unspecified);
+    throw Error("ODBC, which connects to database servers, cannot be used", dberror::Unspecified);
   }
 }
 
 // Drivers have been seen to repeat the connection text in their messages.
 std::string withoutSecrets(std::string reason, std::string_view connectionText) {
-  for (const std::string& piece : split(connectionText, ";")) {
-    const size_t equals = piece.find('=');
-    if (equals == std::string::npos) continue;
-    const std::string_view key = trimBlanks(std::string_view(piece).substr(0, equals));
-    std::string value = piece.substr(equals + 1);
-    if (value.size() > 2 && value.front() == '{') value = value.substr(1, value.size() - 2);
-    if (value.empty()) continue;
-    if (equalsNoCase(key, "PWD") || equalsNoCase(key, "Password")) {
-      reason = replaceAll(reason, value, "...");
-    }
+  for (const ConnectionItem& item : connectionItems(connectionText)) {
+    if (isSecret(item) && !item.value.empty()) reason = replaceAll(reason, item.value, "...");
   }
   return reason;
 }
@@ -425,11 +418,10 @@ std::string withStatementUndo(std::string_view connectionText) {
   constexpr std::string_view kKey = "Protocol";
   std::string changed;
   bool isNeeded = false;
-  for (const std::string& piece : split(connectionText, ";")) {
-    const std::string_view key = trimBlanks(std::string_view(piece).substr(0, piece.find('=')));
-    const bool isMode = equalsNoCase(key, kKey);
-    isNeeded = isNeeded || isMode || equalsNoCase(key, "DSN");
-    if (!isMode) changed += piece + ";";
+  for (const ConnectionItem& item : connectionItems(connectionText)) {
+    const bool isMode = equalsNoCase(item.key, kKey);
+    isNeeded = isNeeded || isMode || equalsNoCase(item.key, "DSN");
+    if (!isMode) changed += item.written + ";";
   }
   return isNeeded ? changed + std::string(kKey) + "=7.4-2" : std::string();
 }

@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <utility>
@@ -367,22 +368,6 @@ class SqliteDriver : public Driver {
   KnownStatement known_;
 };
 
-enum class FileKind { Sqlite, Access, Other };
-
-FileKind kindOfFile(const fs::path& native, std::string_view path) {
-  std::ifstream file(native, std::ios::binary);
-  if (!file) throw FileError("Database " + std::string(path) + " cannot be read");
-  char header[20] = {};
-  file.read(header, sizeof header);
-  const std::string_view start(header, static_cast<size_t>(file.gcount()));
-  if (start.starts_with(std::string_view("SQLite format 3\0", 16))) return FileKind::Sqlite;
-  const std::string_view name = start.size() > 4 ? start.substr(4) : std::string_view();
-  if (name.starts_with("Standard Jet DB") || name.starts_with("Standard ACE DB")) {
-    return FileKind::Access;
-  }
-  return FileKind::Other;
-}
-
 std::shared_ptr<SqliteFile> openFile(const fs::path& native, std::string_view path, int flags) {
   auto file = std::make_shared<SqliteFile>();
   file->path = path;
@@ -398,25 +383,29 @@ std::shared_ptr<SqliteFile> openFile(const fs::path& native, std::string_view pa
 
 }  // namespace
 
+bool isSqliteFile(std::string_view path) {
+  constexpr std::string_view mark("SQLite format 3\0", 16);
+  const fs::path native = nativePath(path);
+  std::error_code failed;
+  // Reading a pipe would take its text away.
+  if (!fs::is_regular_file(native, failed)) return false;
+  std::array<char, mark.size()> start{};
+  std::ifstream(native, std::ios::binary).read(start.data(), start.size());
+  return std::string_view(start.data(), start.size()) == mark;
+}
+
 std::unique_ptr<Driver> openSqliteFile(std::string_view path) {
   const fs::path native = nativePath(path);
-  const std::string name = "Database " + std::string(path);
+  const auto refuse = [&](const char* reason) {
+    throw FileError("Database " + std::string(path) + reason, dberror::Unspecified);
+  };
   std::error_code failed;
-  if (!fs::exists(native, failed)) {
-    throw FileError(name + " does not exist", dberror::Unspecified);
-  }
-  if (fs::is_directory(native, failed)) {
-    throw FileError(name + " is a folder", dberror::Unspecified);
-  }
-  switch (kindOfFile(native, path)) {
-    case FileKind::Sqlite:
-      break;
-    case FileKind::Access:
-      throw FileError(name + " is a Microsoft Access file, which this version cannot open",
-                      dberror::Unspecified);
-    case FileKind::Other:
-      throw FileError(name + " is no database", dberror::Unspecified);
-  }
+  if (!fs::exists(native, failed)) refuse(" does not exist");
+  if (fs::is_directory(native, failed)) refuse(" is a folder");
+  if (!std::ifstream(native)) refuse(" cannot be read");
+  // The making of an empty file may have been cut short.
+  const bool isEmpty = fs::is_regular_file(native, failed) && fs::is_empty(native, failed);
+  if (!isEmpty && !isSqliteFile(path)) refuse(" is not a database");
   auto file = openFile(native, path, SQLITE_OPEN_READWRITE);
   // Only a first query reads the file; what is wrong with it should come to light here.
   SqliteStatement(file, "SELECT COUNT(*) FROM sqlite_master", {}).step();
