@@ -13,34 +13,16 @@ constexpr FunctionList (*lists[])() = {
     logicalFunctions,      informationFunctions, dateFunctions,        matrixFunctions,
     engineeringFunctions,  databaseFunctions,    financialFunctions,   uncalculatedFunctions};
 
-struct Index {
-  std::unordered_map<std::string_view, const FunctionInfo*> byName;
-  std::unordered_map<int, const FunctionInfo*> byNumber;
-  Index() {
-    for (const auto list : lists) {
-      for (const FunctionInfo& function : list()) {
-        byName.emplace(function.name, &function);
-        if (function.stored >= 0) byNumber.emplace(function.stored, &function);
-      }
-    }
-  }
-};
-
-const Index& functionIndex() {
-  static const Index theIndex;
-  return theIndex;
-}
-
 }  // namespace
 
 const FunctionInfo* findFunction(std::string_view name) {
-  const auto hit = functionIndex().byName.find(name);
-  return hit == functionIndex().byName.end() ? nullptr : hit->second;
-}
-
-const FunctionInfo* findFunctionByXlsNumber(int number) {
-  const auto hit = functionIndex().byNumber.find(number);
-  return hit == functionIndex().byNumber.end() ? nullptr : hit->second;
+  static const auto byName = [] {
+    std::unordered_map<std::string_view, const FunctionInfo*> functions;
+    for (const FunctionInfo* function : allFunctions()) functions.emplace(function->name, function);
+    return functions;
+  }();
+  const auto hit = byName.find(name);
+  return hit == byName.end() ? nullptr : hit->second;
 }
 
 std::vector<const FunctionInfo*> allFunctions() {

@@ -51,9 +51,6 @@ Operand notCalculated(Evaluator&, Arguments);
 /// The function of a name in upper case; null if there is none.
 const FunctionInfo* findFunction(std::string_view name);
 
-/// The function of a number in .xls files; null if there is none.
-const FunctionInfo* findFunctionByXlsNumber(int number);
-
 /// All functions, one class after the other.
 std::vector<const FunctionInfo*> allFunctions();
 

@@ -62,11 +62,21 @@ Operand fnSumSq(Evaluator& ev, Arguments a) {
   return sum;
 }
 
-Operand fnAverage(Evaluator& ev, Arguments a) {
+// What counts: the numbers alone, or as in AVERAGEA everything.
+enum class Counted { Numbers, All };
+
+template <typename Visit>
+bool visitCounted(Evaluator& ev, Arguments a, Counted counted, Operand& error, Visit visit) {
+  return counted == Counted::All ? visitAll(ev, a, error, visit)
+                                 : visitNumbers(ev, a, error, visit);
+}
+
+template <Counted counted>
+Operand average(Evaluator& ev, Arguments a) {
   double sum = 0;
   double count = 0;
   Operand error;
-  if (!visitNumbers(ev, a, error, [&](double number) {
+  if (!visitCounted(ev, a, counted, error, [&](double number) {
         sum += number;
         ++count;
       })) {
@@ -75,35 +85,14 @@ Operand fnAverage(Evaluator& ev, Arguments a) {
   return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
 }
 
-Operand fnAverageA(Evaluator& ev, Arguments a) {
-  double sum = 0;
-  double count = 0;
-  Operand error;
-  if (!visitAll(ev, a, error, [&](double number) {
-        sum += number;
-        ++count;
-      })) {
-    return error;
-  }
-  return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
-}
+enum class End { Smallest, Largest };
 
-Operand extreme(Evaluator& ev, Arguments a, bool largest) {
-  double result = largest ? -infinity : infinity;
+template <End end, Counted counted>
+Operand extreme(Evaluator& ev, Arguments a) {
+  double result = end == End::Largest ? -infinity : infinity;
   Operand error;
-  if (!visitNumbers(ev, a, error, [&](double number) {
-        result = largest ? std::max(result, number) : std::min(result, number);
-      })) {
-    return error;
-  }
-  return std::isinf(result) ? 0.0 : result;
-}
-
-Operand extremeA(Evaluator& ev, Arguments a, bool largest) {
-  double result = largest ? -infinity : infinity;
-  Operand error;
-  if (!visitAll(ev, a, error, [&](double number) {
-        result = largest ? std::max(result, number) : std::min(result, number);
+  if (!visitCounted(ev, a, counted, error, [&](double number) {
+        result = end == End::Largest ? std::max(result, number) : std::min(result, number);
       })) {
     return error;
   }
@@ -149,27 +138,25 @@ Operand fnCountBlank(Evaluator& ev, Arguments a) {
 // --- Deviations ---
 
 enum class Spread { Sample, Population };
+enum class Measure { Variance, Deviation };
 
-Operand spread(const std::vector<double>& numbers, Spread kind, bool root) {
+template <Spread kind, Measure measure, Counted counted>
+Operand spread(Evaluator& ev, Arguments a) {
+  std::vector<double> numbers;
+  Operand error;
+  if (!visitCounted(ev, a, counted, error, [&](double number) { numbers.push_back(number); }))
+    return error;
   const double n = static_cast<double>(numbers.size());
   const double divisor = kind == Spread::Sample ? n - 1 : n;
   if (divisor <= 0) return ErrorCode::DivisionByZero;
   const double variance = squaredDeviations(numbers) / divisor;
-  return root ? std::sqrt(variance) : variance;
+  return measure == Measure::Deviation ? std::sqrt(variance) : variance;
 }
 
-Operand spreadOf(Evaluator& ev, Arguments a, Spread kind, bool root) {
-  std::vector<double> numbers;
-  Operand error;
-  return numbersOf(ev, a, numbers, error) ? spread(numbers, kind, root) : error;
-}
-
-Operand spreadOfAll(Evaluator& ev, Arguments a, Spread kind, bool root) {
-  std::vector<double> numbers;
-  Operand error;
-  if (!visitAll(ev, a, error, [&](double number) { numbers.push_back(number); })) return error;
-  return spread(numbers, kind, root);
-}
+constexpr Routine stdev = spread<Spread::Sample, Measure::Deviation, Counted::Numbers>;
+constexpr Routine stdevp = spread<Spread::Population, Measure::Deviation, Counted::Numbers>;
+constexpr Routine var = spread<Spread::Sample, Measure::Variance, Counted::Numbers>;
+constexpr Routine varp = spread<Spread::Population, Measure::Variance, Counted::Numbers>;
 
 // --- Products of areas ---
 
@@ -366,41 +353,28 @@ constexpr FunctionInfo table[] = {
     {"SUM", 1, anyNumber, 4, "R", fnSum},
     {"PRODUCT", 1, anyNumber, 183, "R", fnProduct},
     {"SUMSQ", 1, anyNumber, 321, "R", fnSumSq},
-    {"AVERAGE", 1, anyNumber, 5, "R", fnAverage},
-    {"AVERAGEA", 1, anyNumber, 361, "R", fnAverageA},
-    {"MIN", 1, anyNumber, 6, "R", [](Evaluator& ev, Arguments a) { return extreme(ev, a, false); }},
-    {"MAX", 1, anyNumber, 7, "R", [](Evaluator& ev, Arguments a) { return extreme(ev, a, true); }},
-    {"MINA", 1, anyNumber, 363, "R",
-     [](Evaluator& ev, Arguments a) { return extremeA(ev, a, false); }},
-    {"MAXA", 1, anyNumber, 362, "R",
-     [](Evaluator& ev, Arguments a) { return extremeA(ev, a, true); }},
+    {"AVERAGE", 1, anyNumber, 5, "R", average<Counted::Numbers>},
+    {"AVERAGEA", 1, anyNumber, 361, "R", average<Counted::All>},
+    {"MIN", 1, anyNumber, 6, "R", extreme<End::Smallest, Counted::Numbers>},
+    {"MAX", 1, anyNumber, 7, "R", extreme<End::Largest, Counted::Numbers>},
+    {"MINA", 1, anyNumber, 363, "R", extreme<End::Smallest, Counted::All>},
+    {"MAXA", 1, anyNumber, 362, "R", extreme<End::Largest, Counted::All>},
     {"COUNT", 1, anyNumber, 0, "R", fnCount},
     {"COUNTA", 1, anyNumber, 169, "R", fnCountA},
     {"COUNTBLANK", 1, 1, 347, "R", fnCountBlank},
-    {"STDEV", 1, anyNumber, 12, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, true); }},
-    {"STDEVP", 1, anyNumber, 193, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, true); }},
-    {"VAR", 1, anyNumber, 46, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, false); }},
-    {"VARP", 1, anyNumber, 194, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, false); }},
-    {"STDEV.S", 1, anyNumber, newer, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, true); }},
-    {"STDEV.P", 1, anyNumber, newer, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, true); }},
-    {"VAR.S", 1, anyNumber, newer, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Sample, false); }},
-    {"VAR.P", 1, anyNumber, newer, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOf(ev, a, Spread::Population, false); }},
-    {"STDEVA", 1, anyNumber, 366, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Sample, true); }},
+    {"STDEV", 1, anyNumber, 12, "R", stdev},
+    {"STDEVP", 1, anyNumber, 193, "R", stdevp},
+    {"VAR", 1, anyNumber, 46, "R", var},
+    {"VARP", 1, anyNumber, 194, "R", varp},
+    {"STDEV.S", 1, anyNumber, newer, "R", stdev},
+    {"STDEV.P", 1, anyNumber, newer, "R", stdevp},
+    {"VAR.S", 1, anyNumber, newer, "R", var},
+    {"VAR.P", 1, anyNumber, newer, "R", varp},
+    {"STDEVA", 1, anyNumber, 366, "R", spread<Spread::Sample, Measure::Deviation, Counted::All>},
     {"STDEVPA", 1, anyNumber, 364, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Population, true); }},
-    {"VARA", 1, anyNumber, 367, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Sample, false); }},
-    {"VARPA", 1, anyNumber, 365, "R",
-     [](Evaluator& ev, Arguments a) { return spreadOfAll(ev, a, Spread::Population, false); }},
+     spread<Spread::Population, Measure::Deviation, Counted::All>},
+    {"VARA", 1, anyNumber, 367, "R", spread<Spread::Sample, Measure::Variance, Counted::All>},
+    {"VARPA", 1, anyNumber, 365, "R", spread<Spread::Population, Measure::Variance, Counted::All>},
     {"SUMPRODUCT", 1, anyNumber, 228, "A", fnSumProduct},
     {"SUMX2MY2", 2, 2, 304, "A",
      [](Evaluator& ev, Arguments a) {

@@ -48,21 +48,25 @@ std::vector<std::vector<ColumnCriterion>> readCriteria(Evaluator& ev, const Oper
   const int columns = Evaluator::columnsOf(criteria);
   for (int row = 1; row < Evaluator::rowsOf(criteria); ++row) {
     std::vector<ColumnCriterion> all;
+    bool possible = true;
     for (int column = 0; column < columns; ++column) {
       const Operand value = ev.element(criteria, row, column);
       if (value.isEmpty()) continue;
       const int target = findColumn(ev, table, ev.toText(ev.element(criteria, 0, column)));
-      if (target < 0) continue;
+      if (target < 0) {
+        // Without a field of that heading the criterion is a condition of its own.
+        possible = possible && (value.isNumber() || value.isBoolean()) && value.number != 0;
+        continue;
+      }
       // A plain text fits all texts that begin with it.
-      const bool plain = value.isText() && !value.view().empty() &&
-                         std::string_view("=<>").find(value.view()[0]) == std::string_view::npos &&
+      const bool plain = value.isText() && value.view().find_first_of("=<>") != 0 &&
                          !numberOfText(value.view(), ev.dates1904()) &&
                          !equalsNoCase(value.view(), "TRUE") &&
                          !equalsNoCase(value.view(), "FALSE");
       const Operand condition = plain ? ev.text(std::string(value.view()) + "*") : value;
       all.push_back({target, Criterion(condition, ev.dates1904())});
     }
-    rows.push_back(std::move(all));
+    if (possible) rows.push_back(std::move(all));
   }
   return rows;
 }
