@@ -131,7 +131,8 @@ void calculateBatch(benchmark::State& state) {
   for (auto _ : state) {
     result.F1Ini = Worksheet();
     result.F1Kirja = Worksheet();
-    retrieveAssays(source, F1ELoc, lists, result, [](const std::string&) {});
+    Findings found;
+    retrieveAssays(source, F1ELoc, lists, result, {found});
     for (int j = 0; j < unknowns; ++j) {
       for (int i = 0; i < equations; ++i) {
         const double content = mixtures.a[static_cast<size_t>(i + j * equations)];
@@ -139,7 +140,7 @@ void calculateBatch(benchmark::State& state) {
         result.F1Disso.NumberRC(i + 1, j + 1, 1);
       }
     }
-    RetAndCalc(request, modalMode::SolveAgain, lists, result, solver, scratch, session);
+    RetAndCalc(request, ModalMode::SolveAgain, lists, result, solver, scratch, session);
   }
   state.SetItemsProcessed(state.iterations() * samples);
 }

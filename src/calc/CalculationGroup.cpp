@@ -80,6 +80,18 @@ int listPlace(const MethodBook& method) {
 
 }  // namespace
 
+std::string MethodBook::outputName(int row) const {
+  const std::string name = book.TextSRC(outputSheet, row, 2);
+  return name.empty() ? book.TextSRC(outputSheet, row, 1) : name;
+}
+
+int MethodBook::outputRow(std::string_view output) const {
+  for (int row = 1; row <= book.LastRow(outputSheet); ++row) {
+    if (outputName(row) == output) return row;
+  }
+  return 0;
+}
+
 std::string methodNameOf(std::string_view path) {
   const std::string file = fileNameOf(path);
   return file.substr(0, file.find('.'));
@@ -112,7 +124,7 @@ std::vector<std::string> groupNames(std::string_view folder) {
 
 void CalculationGroup::clear() {
   methods_.clear();
-  problems_.clear();
+  found_.clear();
   folder_.clear();
 }
 
@@ -123,10 +135,11 @@ void CalculationGroup::load(std::string_view folder, UnreadableBook unreadable) 
     try {
       readBook(path);
     } catch (const Error& error) {
-      problems_.push_back(error.what());
-      if (unreadable == UnreadableBook::Skip) continue;
-      problems_.back() += "; the workbooks behind it in the folder are not loaded";
-      break;
+      const bool stops = unreadable == UnreadableBook::Stop;
+      found_.error(std::string(error.what()) +
+                       (stops ? "; the workbooks after it in the folder are not loaded" : ""),
+                   {.file = path});
+      if (stops) break;
     }
   }
   resolveAllLinks();
@@ -134,13 +147,16 @@ void CalculationGroup::load(std::string_view folder, UnreadableBook unreadable) 
 
 void CalculationGroup::readBook(const std::string& path) {
   auto made = std::make_unique<MethodBook>();
-  if (made->book.Read(path) == FileType::Text) throw FileError(path + " is no workbook");
+  if (made->book.Read(path) == FileType::Text) throw FileError(path + " is not a workbook");
+  // How its formulas were read does not matter: every run calculates them anew.
+  const Findings& read = made->book.ReadFindings();
+  if (read.hasErrors() || read.count(Severity::Warning) > 0) found_.append(read);
   made->path = path;
   made->book.Title(methodNameOf(path));
   findSheets(*made);
   if (const int other = MethodIndex(made->name())) {
-    problems_.push_back(path + " is not used: method " + made->name() + " is " +
-                        method(other).path);
+    found_.warn("The workbook is not used: method " + made->name() + " is " + method(other).path,
+                {.file = path});
   }
   methods_.push_back(std::move(made));
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {
@@ -34,6 +35,10 @@ struct MethodBook {
   std::vector<MethodLink> links;
 
   const std::string& name() const { return book.Title(); }
+  /// The name of an output: column 2 of its row of the Output sheet, else column 1.
+  std::string outputName(int row) const;
+  /// The row of the first output with that name; 0 if there is none.
+  int outputRow(std::string_view output) const;
 };
 
 /// What happens to the rest of a folder when a workbook in it cannot be read.
@@ -54,8 +59,9 @@ class CalculationGroup {
     return *methods_.at(static_cast<size_t>(number) - 1);
   }
   const std::string& folder() const { return folder_; }
-  /// Files that could not be read, with the reason, and those whose method name is taken.
-  const std::vector<std::string>& problems() const { return problems_; }
+  /// What the last load noticed: files that could not be read or only in part, and those whose
+  /// method name is taken.
+  const Findings& found() const { return found_; }
 
   /// The number of the method with that name; 0 if there is none.
   int MethodIndex(std::string_view name) const;
@@ -66,7 +72,7 @@ class CalculationGroup {
   /// The names in the order in which the user sees them, which their list sheets give.
   std::vector<std::string> MethodListOrder() const;
 
-  /// Where a method offers a value to others; names may stand in brackets. Both numbers are 0 when
+  /// Where a method offers a value to others; names may be in brackets. Both numbers are 0 when
   /// there is no such method or item.
   struct OutputCell {
     int method = 0;
@@ -78,8 +84,8 @@ class CalculationGroup {
 
   /// The prerequisites of a method, in their order, not followed any further.
   std::vector<std::string> TeeLaskuJono(int method) const;
-  /// The place in the order of calculation: what the link sheet says, else 100 behind the place in
-  /// the list.
+  /// The place in the order of calculation: what the link sheet says, else 100 more than the place
+  /// in the list.
   double MethodPriority(int method, int listPosition) const;
 
   /// Takes over an edited workbook for a method and looks up its sheets and all links again.
@@ -92,7 +98,7 @@ class CalculationGroup {
 
   std::vector<std::unique_ptr<MethodBook>> methods_;
   std::string folder_;
-  std::vector<std::string> problems_;
+  Findings found_;
 };
 
 /// The method name of a workbook file: its name up to the first ".".

@@ -5,6 +5,7 @@
 #include "basic/Error.h"
 #include "calc/MethodRunner.h"
 #include "calc/SampleJoin.h"
+#include "session/AbortReason.h"
 
 namespace lodex {
 namespace {
@@ -42,7 +43,7 @@ std::vector<std::string> namesOf(const CalculationRequest& request) {
   return names;
 }
 
-// The identifier as it stands in the sheet that the sample was found in first.
+// The identifier as the sheet has it in which the sample was found first.
 Value identifierOf(const SourceSheets& sheets, const SampleTable& A2, int sample) {
   const SourceSheet* sheet = findSheet(sheets, std::stoi(A2.Cell(2, sample)));
   const int row = std::stoi(A2.Cell(3, sample));
@@ -67,8 +68,9 @@ class Run {
                  request.keptResults.value_or(resultStructure())) {}
 
   CalculationOutcome run() {
-    const SampleJoin join =
-        joinSamples(request_.sheets, [&](std::string_view line) { log(line, LogKind::Both); });
+    Findings& found = outcome_.outcome.found;
+    const SampleJoin join = joinSamples(
+        request_.sheets, [&](std::string_view line) { log(line, LogKind::Both); }, found);
     const SampleTable& A2 = join.A2;
     outcome_.samples = A2.RowCount();
     outcome_.ErrorCount = join.duplicates;
@@ -84,7 +86,7 @@ class Run {
       const std::string text = progressText(sample, A2.RowCount(), id, outcome_.ErrorCount);
       if (request_.nextSample && !request_.nextSample(text, sample, A2.RowCount())) {
         log("!! Aborted !!", LogKind::Both);
-        outcome_.aborted = true;
+        abort(A2, sample);
         break;
       }
       runner_.startSample(id);
@@ -93,6 +95,8 @@ class Run {
       ++outcome_.calculated;
     }
     results_.finish();
+    logFindings(runner_.found());
+    found.append(runner_.found());
     return outcome_;
   }
 
@@ -101,15 +105,31 @@ class Run {
     if (request_.log) request_.log(line, kind);
   }
 
+  // Findings that the run has not logged yet in words of its own.
+  void logFindings(const Findings& findings) const {
+    for (const Finding& finding : findings.all()) {
+      const bool isError = finding.severity == Severity::Error;
+      log(describe(finding), isError ? LogKind::Both : LogKind::Log);
+    }
+  }
+
+  void abort(const SampleTable& A2, int sample) {
+    outcome_.outcome.ended = Ended::Aborted;
+    const std::string last = sample > 1 ? A2.Cell(1, sample - 1) : std::string();
+    outcome_.outcome.reason = abortReason(last, outcome_.calculated, A2.RowCount());
+  }
+
   // A method that fails on a sample does not keep the others from it.
   void calculate(int number, const std::string& id) {
     const MethodBook& method = request_.group.method(number);
     try {
       runner_.calculate(number);
-      results_.WriteResults(method);
+      results_.WriteResults(method, [&](int row) { return runner_.output(number, row); });
     } catch (const Error& error) {
       ++outcome_.ErrorCount;
       log(" Error: Sample " + id + ", " + method.name() + ": " + error.what(), LogKind::Both);
+      outcome_.outcome.found.error("The method failed: " + std::string(error.what()),
+                                   {.sheet = method.name(), .record = id});
     }
   }
 

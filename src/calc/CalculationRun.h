@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "calc/CalculationGroup.h"
 #include "calc/ItemSources.h"
 #include "calc/ResultSheets.h"
@@ -26,16 +27,17 @@ struct CalculationRequest {
   /// The structure of results that are there already, to add to them; empty to start anew.
   std::optional<SheetStructure> keptResults{};
 
+  /// Gets the lines of the log, among them all that the outcome holds as findings.
   std::function<void(std::string_view line, LogKind kind)> log{};
   /// Called before each sample with its number, from 1, and the number of all; false ends the run.
   std::function<bool(std::string_view text, int sample, int samples)> nextSample{};
 };
 
 struct CalculationOutcome {
+  Outcome outcome;
   int samples = 0;     // found
   int calculated = 0;  // through all methods
   int ErrorCount = 0;  // duplicates, and methods that failed on a sample
-  bool aborted = false;
 };
 
 /// Runs the methods over all samples, in the order of their priorities. The results are workbook

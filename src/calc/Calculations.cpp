@@ -96,6 +96,7 @@ void Calculations::AlustaCALC(bool clearList, UnreadableBook unreadable) {
   if (record.CurrentCGroup.empty()) record.CurrentCGroup = record.DefaultCGroup;
   cmdGroup.setCaption(record.CurrentCGroup);
   group.load(folder(), unreadable);
+  context_.session.notice(group.found());
   fillLists();
 }
 
@@ -277,6 +278,10 @@ void Calculations::Calculate() {
 
 void Calculations::showResult(const CalculationOutcome& outcome, const SheetStructure& structure) {
   frmCResult& result = sheets_.result;
+  // The log has them already.
+  const Findings& found = outcome.outcome.found;
+  context_.session.found.append(found);
+  if (!found.empty() && context_.session.onNotice) context_.session.onNotice(found);
   result.setStructure(structure);
   result.setCaption(calculationResult);
   result.Varjaa(false);

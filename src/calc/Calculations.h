@@ -33,7 +33,7 @@ class Calculations {
   /// Lets the user choose a group and loads it.
   void ChangeGroup();
   /// Loads the group in use, or the default one where there is none. A workbook that cannot be
-  /// read ends the loading unless told otherwise; what was read until then is there.
+  /// read ends the loading unless it is to be skipped; what was read until then is kept.
   void AlustaCALC(bool clearList, UnreadableBook unreadable = UnreadableBook::Stop);
   /// Builds the item sources in the shell's F1Ref anew, for all methods or for one.
   void Alusta(std::string_view item);

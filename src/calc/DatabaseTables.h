@@ -11,8 +11,8 @@
 namespace lodex {
 
 /// Tables of a source database in the layout of data sheets, so that a calculation reads them like
-/// any other sheet. A field stands in the column behind its place in the table, as the database map
-/// counts: the first field in column 2. Its name tells element, method and unit.
+/// any other sheet. A field has the column after its place in the table, as in the database
+/// map: the first field is column 2. Its name gives element, method and unit.
 class DatabaseTables {
  public:
   /// Reads a table. `number` is its place in the map, `keyField` the field of the sample

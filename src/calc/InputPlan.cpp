@@ -8,27 +8,19 @@ namespace lodex {
 namespace {
 
 constexpr int ironNumber = 26;
+constexpr int needColumn = 4;
 
 struct WantedItem {
   int row = 0;
   std::string text;
   ItemHeading heading;
+  bool asAnalysed = false;
 };
 
 struct Candidate {
   InputSource source;
   ItemHeading heading;
 };
-
-int outputRowOf(const MethodBook& method, const std::string& item) {
-  const int sheet = method.outputSheet;
-  for (int row = 1; row <= method.book.LastRow(sheet); ++row) {
-    std::string name = method.book.TextSRC(sheet, row, 2);
-    if (name.empty()) name = method.book.TextSRC(sheet, row, 1);
-    if (name == item) return row;
-  }
-  return 0;
-}
 
 bool planReference(const CalculationGroup& group, const std::string& text, InputRow& input) {
   std::string method;
@@ -37,7 +29,7 @@ bool planReference(const CalculationGroup& group, const std::string& text, Input
   const int number = group.MethodIndex(method);
   if (number == 0) return false;
   input.referencedMethod = number;
-  input.referencedRow = outputRowOf(group.method(number), item);
+  input.referencedRow = group.method(number).outputRow(item);
   return true;
 }
 
@@ -117,15 +109,25 @@ class Planner {
 
   void arrange(const WantedItem& item, std::vector<Candidate>& candidates) const {
     const ItemHeading& heading = item.heading;
+    const auto isOwnForm = [&](const Candidate& candidate) {
+      return candidate.heading.sameForm(heading);
+    };
     if (!heading.formula.empty()) {
-      const std::vector<const ItemHeading*> rivals = formsOf(heading.element);
-      std::erase_if(candidates, [&](const Candidate& candidate) {
-        return rivals.size() > 1 && !ownerOf(candidate.heading, rivals)->sameForm(heading);
-      });
+      if (item.asAnalysed) {
+        std::erase_if(candidates, [&](const Candidate& other) { return !isOwnForm(other); });
+      }
+      const std::vector<const ItemHeading*> forms = formsOf(heading.element);
+      if (forms.size() > 1 && heading.element == ironNumber) {
+        std::erase_if(candidates, [&](const Candidate& candidate) {
+          return !ownerOf(candidate.heading, forms)->sameForm(heading);
+        });
+      } else if (forms.size() > 1) {
+        std::stable_partition(candidates.begin(), candidates.end(), isOwnForm);
+      }
     }
     if (heading.isOxide && !heading.formula.empty()) {
       std::stable_partition(candidates.begin(), candidates.end(), [&](const Candidate& candidate) {
-        return !candidate.heading.isOxide || candidate.heading.sameForm(heading);
+        return !candidate.heading.isOxide || isOwnForm(candidate);
       });
     }
     if (heading.element == ironNumber && (heading.isTotal || !heading.isOxide)) {
@@ -180,12 +182,15 @@ std::vector<InputRow> planInputs(const CalculationGroup& group, int method,
   for (int row = 2; row <= of.book.LastRow(sheet); ++row) {
     InputRow input;
     input.row = row;
+    input.need = parseNeed(of.book.TextSRC(sheet, row, needColumn));
     const std::string second = of.book.TextSRC(sheet, row, 2);
     const std::string text = second.empty() ? of.book.TextSRC(sheet, row, 1) : second;
+    input.name = text;
     inputs.push_back(input);
     if (text.empty() || planReference(group, text, inputs.back())) continue;
     const SymbolEnd end = second.empty() ? SymbolEnd::Loose : SymbolEnd::Strict;
-    planner.wanted.push_back({row, text, itemHeading(text, end, converter)});
+    planner.wanted.push_back({row, text, itemHeading(text, end, converter), input.need.asAnalysed});
+    inputs.back().name = planner.wanted.back().heading.form;
   }
   for (const WantedItem& item : planner.wanted) {
     inputs[static_cast<size_t>(item.row) - 2].sources = planner.sourcesFor(item);

@@ -10,7 +10,7 @@
 namespace lodex {
 namespace {
 
-// What laboratories write behind an element or an oxide to say that all of it is meant.
+// What laboratories write after an element or an oxide when they mean all of it.
 constexpr std::array<std::string_view, 7> totalMarks = {"(TOTAL)", "(TOT)", "(T)", "TOTAL",
                                                         "TOT",     "T",     "*"};
 
@@ -33,7 +33,7 @@ std::string methodName(std::string_view text) {
   return toUpper(withoutSeparator(text));
 }
 
-// "TOT" stands for no method. On an oxide of iron it says that all iron stands in the column.
+// "TOT" is not a method. On an oxide of iron it says that the column holds all iron.
 void readMethod(ItemHeading& heading, std::string_view text) {
   heading.method = methodName(text);
   if (std::find(totalMarks.begin(), totalMarks.end(), heading.method) == totalMarks.end()) return;
@@ -73,7 +73,7 @@ ItemHeading itemHeading(std::string_view text, SymbolEnd end, const CompoundConv
   std::string symbol(text);
   heading.element = end == SymbolEnd::Strict ? ElementNumberStrict(symbol) : ElementNumber(symbol);
   if (heading.element == 0) {
-    // No formula: "Structural height" and "LOI" are names.
+    // Not a formula: "Structural height" and "LOI" are names.
     heading.form = withoutSeparator(body);
     return heading;
   }

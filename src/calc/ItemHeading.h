@@ -11,10 +11,10 @@ namespace lodex {
 /// the formula "FeO", the method "XRF" and is a total. So is "FeO" of the method "TOT".
 struct ItemHeading {
   std::string form;
-  std::string formula;    // the form without "tot"; "" when that is no chemical formula
-  std::string method;     // "" also for "TOT", which stands for none
+  std::string formula;    // the form without "tot"; "" when that is not a chemical formula
+  std::string method;     // "" also for "TOT", which means none
   double unitFactor = 0;  // how many of its unit make one per cent; 0 for an unknown unit
-  int element = 0;        // atomic number; 0 for an item that is no element
+  int element = 0;        // atomic number; 0 for an item that is not an element
   bool isOxide = false;
   bool isTotal = false;
 
@@ -40,7 +40,7 @@ std::string unitCell(const ItemHeading& heading);
 /// to per cent, forms by their mass ratio. A factor says how many of a unit make one per cent, so a
 /// number is divided by that of its column and multiplied by that of the item: a method that asks
 /// for ppm gets ppm from a column in ppm as well as from one in %. Where one of the two has no
-/// known unit the number is taken to stand in the unit that is asked for; an unknown mass ratio
+/// known unit the number is taken to be in the unit that is asked for; an unknown mass ratio
 /// counts as 1.
 double conversionFactor(const ItemHeading& column, const ItemHeading& item,
                         const CompoundConverter& converter);

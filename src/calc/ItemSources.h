@@ -45,7 +45,7 @@ std::string sourceText(const SourceSheets& sheets, const ItemSource& source);
 using AskSources = std::function<std::optional<std::vector<int>>(
     const std::string& caption, const std::vector<std::string>& offers)>;
 
-/// The sources that the positions name, in their order; positions that are none are left out.
+/// The sources that the positions name, in their order; other numbers are left out.
 std::vector<ItemSource> chosenSources(const std::vector<ItemSource>& offered,
                                       const std::vector<int>& positions);
 

@@ -7,13 +7,7 @@
 namespace lodex {
 namespace {
 
-constexpr int valueColumn = 3;
 constexpr int typeColumn = 4;
-
-std::string outputName(const MethodBook& method, int row) {
-  std::string name = method.book.TextSRC(method.outputSheet, row, 2);
-  return name.empty() ? method.book.TextSRC(method.outputSheet, row, 1) : name;
-}
 
 bool hasFormulaName(const MethodBook& method, int row) {
   return method.book.HasFormula(method.outputSheet, row, 1) ||
@@ -171,7 +165,7 @@ ResultSheets::Outputs& ResultSheets::outputsOf(const MethodBook& method) {
   outputs.planned = true;
   outputs.ownSheet = sheetNamed(method.name());
   for (int row = 1; row <= method.book.LastRow(method.outputSheet); ++row) {
-    const std::string name = outputName(method, row);
+    const std::string name = method.outputName(row);
     const bool formula = hasFormulaName(method, row);
     if (formula) outputs.fixedNames = false;
     if (!name.empty() || formula) outputs.rows.push_back({row, name, 0, 0, false});
@@ -179,18 +173,19 @@ ResultSheets::Outputs& ResultSheets::outputsOf(const MethodBook& method) {
   return outputs;
 }
 
-void ResultSheets::WriteResults(const MethodBook& method) {
+void ResultSheets::WriteResults(const MethodBook& method,
+                                const std::function<Value(int row)>& valueOf) {
   Outputs& outputs = outputsOf(method);
   rowFor(outputs.ownSheet, false, method.name());
   for (Output& output : outputs.rows) {
     if (!outputs.fixedNames) {
-      const std::string name = outputName(method, output.row);
+      const std::string name = method.outputName(output.row);
       if (name != output.name) output = {output.row, name, 0, 0, false};
       if (name.empty()) continue;
     }
     if (output.sheet == 0) place(method, outputs, output);
     const int row = rowFor(output.sheet, output.shared, method.name());
-    const Value value = resultOf(method.book.ValueSRC(method.outputSheet, output.row, valueColumn));
+    const Value value = resultOf(valueOf(output.row));
     if (value.isEmpty()) continue;
     book_.ValueSRC(output.sheet, row, output.column, value);
   }

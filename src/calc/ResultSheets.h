@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -11,7 +12,7 @@
 
 namespace lodex {
 
-/// The rows of a result sheet. The identifier stands in column 2, and column 1 holds the captions
+/// The rows of a result sheet. The identifier is in column 2, and column 1 holds the captions
 /// by which a saved result is known again.
 namespace resultrow {
 inline constexpr int heading = 1;
@@ -23,7 +24,7 @@ inline constexpr int firstData = 6;
 }  // namespace resultrow
 inline constexpr int resultIdColumn = 2;
 
-/// The structure of every new result sheet, as a data sheet tells it.
+/// The structure of every new result sheet, as a data sheet has it.
 SheetStructure resultStructure();
 
 /// The structure for results that are added to a sheet with this one, which identification or the
@@ -53,7 +54,8 @@ class ResultSheets {
   void startSample(const Value& sampleId);
   /// Appends the outputs of a computed method. Rows without a name are passed over; numbers and
   /// numeric texts arrive as numbers, all else as the text it shows.
-  void WriteResults(const MethodBook& method);
+  /// `valueOf` gives the value in a row of the Output sheet.
+  void WriteResults(const MethodBook& method, const std::function<Value(int row)>& valueOf);
 
   /// Types the columns whose methods gave no type.
   void finish();

@@ -5,7 +5,14 @@
 namespace lodex {
 namespace {
 
-void fillA1(const SourceSheets& sheets, SampleTable& A1) {
+bool holdsNumber(const SourceSheet& sheet, int row) {
+  for (int column = 1; column <= sheet.cells->LastCol(); ++column) {
+    if (sheet.cells->ValueRC(row, column).isNumber()) return true;
+  }
+  return false;
+}
+
+void fillA1(const SourceSheets& sheets, SampleTable& A1, Findings& found) {
   int total = 0;
   for (const SourceSheet& sheet : sheets) {
     if (sheet.selected) total += sheet.cells->LastRow();
@@ -16,7 +23,13 @@ void fillA1(const SourceSheets& sheets, SampleTable& A1) {
     if (!sheet.selected || !sheet.hasSamples()) continue;
     for (int row = sheet.structure.firstDataRow; row <= sheet.cells->LastRow(); ++row) {
       const std::string id = sheet.sampleId(row);
-      if (id.empty()) continue;
+      if (id.empty()) {
+        if (holdsNumber(sheet, row)) {
+          found.error("A row of numbers without sample identifier was left out",
+                      {.sheet = sheet.caption, .row = row});
+        }
+        continue;
+      }
       A1.Cell(1, ++used, id);
       A1.Cell(2, used, std::to_string(sheet.number));
       A1.Cell(3, used, std::to_string(row));
@@ -50,11 +63,11 @@ int pairColumn(const SampleTable& A2, int row, const std::string& sheet) {
 }  // namespace
 
 SampleJoin joinSamples(const SourceSheets& sheets,
-                       const std::function<void(std::string_view line)>& log) {
+                       const std::function<void(std::string_view line)>& log, Findings& found) {
   SampleJoin join;
   SampleTable& A1 = join.A1;
   SampleTable& A2 = join.A2;
-  fillA1(sheets, A1);
+  fillA1(sheets, A1, found);
   const auto selected = std::count_if(sheets.begin(), sheets.end(),
                                       [](const SourceSheet& sheet) { return sheet.selected; });
   A2.Size(countSamples(A1), 2 * static_cast<int>(selected) + 1);
@@ -66,8 +79,11 @@ SampleJoin joinSamples(const SourceSheets& sheets,
     const int column = pairColumn(A2, sample, sheet);
     if (!A2.Cell(column, sample).empty()) {
       ++join.duplicates;
-      log(duplicateLine(id, findSheet(sheets, std::stoi(sheet))->caption,
-                        A2.Cell(column + 1, sample), A1.SortedCell(3, row)));
+      const std::string& caption = findSheet(sheets, std::stoi(sheet))->caption;
+      const std::string& omitted = A1.SortedCell(3, row);
+      log(duplicateLine(id, caption, A2.Cell(column + 1, sample), omitted));
+      found.error("A further row of the sample was left out",
+                  {.sheet = caption, .row = std::stoi(omitted), .record = id});
       continue;
     }
     A2.Cell(column, sample, sheet);

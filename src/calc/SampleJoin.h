@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "basic/Findings.h"
 #include "calc/SourceSheet.h"
 #include "worksheet/SampleTable.h"
 
@@ -18,7 +19,8 @@ struct SampleJoin {
 
 /// Joins the rows of the selected sheets on their identifiers, as exact texts, by one sort. Of
 /// several rows of a sample in one sheet the first is used, and `log` gets a line for each other.
+/// Those rows are errors in `found`, and so are rows of numbers without an identifier.
 SampleJoin joinSamples(const SourceSheets& sheets,
-                       const std::function<void(std::string_view line)>& log);
+                       const std::function<void(std::string_view line)>& log, Findings& found);
 
 }  // namespace lodex

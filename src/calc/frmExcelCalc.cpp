@@ -11,7 +11,6 @@ namespace lodex {
 namespace {
 
 constexpr std::string_view resultTitle = "Calculation Result";
-constexpr int valueColumn = 3;
 // The table that the input is turned into: system rows, then a row per sample.
 constexpr int firstSampleRow = 5;
 constexpr int titleColumns = 2;
@@ -123,7 +122,7 @@ void frmExcelCalc::takeSample(const DataSheetForm& sheet, int row) {
     std::string title = source.heading(column);
     const std::string element = source.text(sysrow::Element, column);
     const std::string unit = source.text(sysrow::Unit, column);
-    // A heading that identification has read is told with its unit.
+    // A heading that identification has read is shown with its unit.
     if (column != from.idColumn && !element.empty() && !unit.empty()) title = element + " " + unit;
     F1D.TextRC(++place, 1, title);
     F1D.ValueSRC(1, place, 2, sheet.F1D.ValueRC(row, column));
@@ -187,7 +186,7 @@ SourceSheets frmExcelCalc::inputSheets(const Worksheet& table) const {
   return {{1, caption(), &table, structure, false, true}};
 }
 
-// The map is good as long as the same titles stand in the same rows.
+// The map is good as long as the rows have the same titles.
 void frmExcelCalc::ensureSources(const SourceSheets& sheets) {
   std::string titles;
   for (int column = titleColumns + 1; column <= sheets[0].cells->LastCol(); ++column) {
@@ -214,17 +213,16 @@ void frmExcelCalc::ShowSources() {
   session().dialogs().showModal(form);
 }
 
-void frmExcelCalc::writeResults(const MethodBook& method, int column,
+void frmExcelCalc::writeResults(const MethodRunner& runner, int number, int column,
                                 std::map<std::string, int>& rows) {
-  const Worksheet& book = method.book;
-  for (int row = 1; row <= book.LastRow(method.outputSheet); ++row) {
-    std::string title = book.TextSRC(method.outputSheet, row, 2);
-    if (title.empty()) title = book.TextSRC(method.outputSheet, row, 1);
+  const MethodBook& method = calculations_.group.method(number);
+  for (int row = 1; row <= method.book.LastRow(method.outputSheet); ++row) {
+    const std::string title = method.outputName(row);
     if (title.empty()) continue;
     const auto place = rows.emplace(title, F1D.LastRow() + 1);
     const int target = place.first->second;
     if (place.second) F1D.TextRC(target, 1, title);
-    const Value value = book.ValueSRC(method.outputSheet, row, valueColumn);
+    const Value value = runner.output(number, row);
     if (value.isNumber() || value.kind() == ValueKind::NumericText) {
       F1D.NumberRC(target, column, value.asNumber());
     } else {
@@ -251,8 +249,9 @@ void frmExcelCalc::Calculate(std::string_view name) {
   for (int column = 2; column <= lastColumn; ++column) {
     runner.startSample(std::to_string(column - 1));
     runner.calculate(number);
-    writeResults(calculations_.group.method(number), column, rows);
+    writeResults(runner, number, column, rows);
   }
+  session().notice(runner.found());
   if (F1D.LastRow() > resultRow) {
     F1D.changeFormat(resultRow + 1, 1, F1D.LastRow(), std::max(1, lastColumn),
                      [](CellFormat& format) { format.numberFormat = "0.000"; });

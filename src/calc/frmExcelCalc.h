@@ -11,8 +11,10 @@
 
 namespace lodex {
 
-/// Runs a method by hand on values that the user types: titles such as "SiO2 %" stand in column A,
-/// a sample in each column behind it, and the results appear below the input.
+class MethodRunner;
+
+/// Runs a method by hand on values that the user types: titles such as "SiO2 %" in column A,
+/// a sample in each column after it, and the results appear below the input.
 class frmExcelCalc : public DataSheetForm {
  public:
   frmExcelCalc(ImportContext& context, Calculations& calculations);
@@ -59,7 +61,8 @@ class frmExcelCalc : public DataSheetForm {
   Worksheet describedInput(int lastRow, int samples) const;
   SourceSheets inputSheets(const Worksheet& table) const;
   void ensureSources(const SourceSheets& sheets);
-  void writeResults(const MethodBook& method, int column, std::map<std::string, int>& rows);
+  void writeResults(const MethodRunner& runner, int number, int column,
+                    std::map<std::string, int>& rows);
 
   Calculations& calculations_;
   std::deque<MenuItem> mnuExamples_;

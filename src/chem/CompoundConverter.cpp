@@ -19,7 +19,7 @@ constexpr int uranium = 92;
 struct Unit {
   const char* spelling;  // upper case
   const char* name;
-  double perCent;  // 0 where the unit is no mass fraction
+  double perCent;  // 0 where the unit is not a mass fraction
 };
 
 constexpr Unit units[] = {
@@ -119,7 +119,7 @@ std::string_view withoutSeparators(std::string_view text) {
   return text;
 }
 
-// Cuts a unit off the end of a heading, in brackets or not; the unit must stand alone.
+// Cuts a unit off the end of a heading, in brackets or not; the unit must be a word of its own.
 const Unit* cutUnit(std::string_view& text) {
   std::string_view end = text;
   const bool bracketed = !end.empty() && (end.back() == ')' || end.back() == ']');
@@ -212,7 +212,7 @@ bool CompoundConverter::ConvertText(std::string_view heading, HeadingItem& item)
   if (!SolveCompound(formula, elements) || method.find(' ') != std::string_view::npos) return false;
 
   const CompoundElement& main = mainElement(elements);
-  // Nobody analyses a rock for the elements beyond; "No" is a sample's number.
+  // Nobody analyses a rock for later elements; "No" is a sample's number.
   if (main.atomicNumber > uranium) return false;
   item.formula = formula;
   item.symbol = main.symbol;

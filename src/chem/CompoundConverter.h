@@ -7,7 +7,7 @@
 
 namespace lodex {
 
-/// One element of a formula. In a solved compound each element stands once, in order of first
+/// One element of a formula. In a solved compound each element appears once, in order of first
 /// appearance.
 struct CompoundElement {
   std::string symbol;
@@ -34,8 +34,8 @@ struct HeadingItem {
 
 /// Understands chemical formulas: nested brackets, hydrates with ".", "·" or "*", decimal and
 /// fractional numbers of atoms, subscript digits. Charges ("Fe3+", "SO4--", "PO4^3-") are
-/// ignored. Symbols are told by case: "Co" is cobalt and "CO" carbon monoxide. Variables ("Fe1-xS")
-/// and alternatives ("(Mg,Fe)O") have no definite mass and are no formulas.
+/// ignored. Case matters in symbols: "Co" is cobalt and "CO" carbon monoxide. Variables ("Fe1-xS")
+/// and alternatives ("(Mg,Fe)O") have no definite mass and are not formulas.
 class CompoundConverter {
  public:
   /// The text between a formula and its unit in a value or target of Convert2.
@@ -46,14 +46,14 @@ class CompoundConverter {
   /// Parses a formula. False and an empty list when the text is none.
   bool SolveCompound(std::string_view text, std::vector<CompoundElement>& elements) const;
 
-  /// Mass in g/mol; 0 when the text is no formula.
+  /// Mass in g/mol; 0 when the text is not a formula.
   double MolarMass(std::string_view formula) const;
 
   /// Converts an amount between two formulas that share an element other than oxygen, by molar
   /// masses per atom of that element (so "Fe2O3" to "FeO" gives 0.8998). `value` is amount times
   /// factor. Either text may carry a unit ("FeO %", "ppm Sm2O3"); when both do, the factor also
   /// takes the amount from one unit to the other. False for a mode other than 3, when either text
-  /// is no formula, when they share no such element, or for mg/l against another unit.
+  /// is not a formula, when they share no such element, or for mg/l against another unit.
   bool Convert2(int mode, std::string_view valueFormula, std::string_view targetFormula,
                 double amount, double& value, double& factor) const;
 
@@ -75,7 +75,7 @@ class CompoundConverter {
 /// The cations of a mineral analysis in oxides (formula and weight per cent), scaled to a number of
 /// oxygens per formula unit, in the order given. The usual structural formula calculation, as in
 /// Deer, Howie & Zussman, An Introduction to the Rock-Forming Minerals, Appendix 1. False and no
-/// cations when a formula is not an oxide of one element, a weight is negative or no number, or
+/// cations when a formula is not an oxide of one element, a weight is negative or not a number, or
 /// nothing was analysed.
 bool CationsPerOxygens(const std::vector<std::pair<std::string, double>>& oxideWeights,
                        double oxygens, std::vector<std::pair<std::string, double>>& cations);

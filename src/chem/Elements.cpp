@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "basic/Text.h"
+#include "chem/Letters.h"
 
 namespace lodex {
 namespace {
@@ -43,22 +44,12 @@ constexpr std::array<Element, 103> elements = {{
     {"Md", 258},        {"No", 259},       {"Lr", 262},
 }};
 
-bool isCapital(char c) {
-  return c >= 'A' && c <= 'Z';
-}
-bool isSmall(char c) {
-  return c >= 'a' && c <= 'z';
-}
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-// Whether `c` behind a symbol ends it: an oxide's "O", a number of atoms, a unit or a separator.
+// Whether `c` after a symbol ends it: an oxide's "O", a number of atoms, a unit or a separator.
 bool endsSymbol(char c, bool separators) {
   return c == 'O' || isDigit(c) || c == ' ' || c == '%' || (separators && (c == '_' || c == '/'));
 }
 
-// The candidate symbol at the head of a trimmed text, or the whole text where none stands out.
+// The candidate symbol at the head of a trimmed text, or the whole text where there is none.
 std::string_view candidate(std::string_view text, bool separators) {
   if (text.size() < 2 || !isCapital(text[0])) return text;
   if (!isSmall(text[1])) return endsSymbol(text[1], separators) ? text.substr(0, 1) : text;

@@ -21,9 +21,9 @@ int ElementNumberStrict(std::string& text);
 int AtomicNumberOfSymbol(std::string_view symbol);
 
 /// Standard atomic weight in g/mol of the elements 1 to 103, for elements without stable isotopes
-/// the mass number of the longest-lived one; 0 beyond. Source: IUPAC standard atomic weights 2007,
-/// M. E. Wieser & M. Berglund, Pure Appl. Chem. 81 (2009) 2131-2156, the last table that gives
-/// every element one value instead of an interval.
+/// the mass number of the longest-lived one; 0 for later ones. Source: IUPAC standard atomic
+/// weights 2007, M. E. Wieser & M. Berglund, Pure Appl. Chem. 81 (2009) 2131-2156, the last table
+/// that gives every element one value instead of an interval.
 double AtomicWeight(int atomicNumber);
 
 /// The same by symbol; 0 if it is none.

@@ -6,6 +6,7 @@
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "chem/Elements.h"
+#include "chem/Letters.h"
 
 namespace lodex {
 namespace {
@@ -14,15 +15,6 @@ constexpr size_t maxFormulaLength = 500;
 constexpr int maxDepth = 20;
 constexpr double maxCount = 1e6;
 
-bool isCapital(char c) {
-  return c >= 'A' && c <= 'Z';
-}
-bool isSmall(char c) {
-  return c >= 'a' && c <= 'z';
-}
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 bool isSign(char c) {
   return c == '+' || c == '-';
 }
@@ -70,7 +62,7 @@ bool isWhole(std::string_view text, char open) {
   return false;
 }
 
-// One symbol or one bracket: digits behind it that go before a sign are its charge.
+// One symbol or one bracket: digits after it and before a sign are its charge.
 bool isSingleUnit(std::string_view text) {
   if (text.empty()) return false;
   if (isOpen(text.front())) return isWhole(text, text.front());

@@ -30,7 +30,7 @@ bool SafeFieldName(std::string_view text, std::string& clean, bool replaceSlash)
 std::vector<std::string> SplitText(std::string_view text, std::string_view separator);
 
 /// Reads an item reference such as "M12/3/5": kind "M" or "P" ("M" when absent), item number and
-/// up to two numbers behind it. False if it is none.
+/// up to two numbers after it. False if it is none.
 bool ParseItemRef(std::string_view text, std::string& kind, std::int32_t& item,
                   std::vector<std::int32_t>& rest);
 

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <ostream>
 
 #include "basic/Error.h"
@@ -38,7 +39,7 @@ bool isTextFile(const std::string& path) {
   return ending == "txt" || ending == "tsv" || ending == "csv";
 }
 
-// Told before the work rather than behind it.
+// Fails early, before any work.
 void requireGoodTarget(const std::string& path) {
   const std::string folder = folderOf(path);
   if (!folder.empty() && !pathExists(folder)) throw Error("There is no folder " + folder);
@@ -81,7 +82,7 @@ std::optional<std::vector<int>> askOnConsole(Dialogs& dialogs, const std::string
   for (const std::string& number : SplitText(*answer, ",")) {
     const auto position = parseInteger(number);
     if (position && *position >= 0 && *position <= static_cast<int>(offers.size())) continue;
-    throw Error(caption + ": \"" + *answer + "\" is no choice among " + join(all, ", "));
+    throw Error(caption + ": \"" + *answer + "\" is not a choice among " + join(all, ", "));
   }
   return chosenPositions(*answer);
 }
@@ -112,17 +113,22 @@ int openFiles(const CalcOptions& options, ImportConsole& console) {
 
 CalculationOutcome calculate(const CalculationRequest& asked, int mostSamples, Session& session,
                              std::ostream& err) {
-  ConsoleJob job(err);
+  // Made with the first sample: before that an interrupt simply ends the program.
+  std::optional<ConsoleJob> job;
   CalculationRequest request = asked;
   request.log = [&](std::string_view line, LogKind kind) { session.log.LisaaLog(line, kind); };
   request.nextSample = [&](std::string_view text, int sample, int samples) {
     if (samples > mostSamples) {
       throw Error(std::to_string(samples) + " samples do not fit into an .xls file; save as .xlsx");
     }
-    job.show(text, sample, samples);
-    return !job.interrupted();
+    if (!job) job.emplace(err);
+    job->show(text, sample, samples);
+    session.pumpEvents();
+    return !session.progress.AbortFlag;
   };
-  return runCalculation(request);
+  const CalculationOutcome outcome = runCalculation(request);
+  session.found.append(outcome.outcome.found);
+  return outcome;
 }
 
 void save(const std::string& path, Worksheet& results) {
@@ -174,7 +180,7 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
   Session& session = console.session();
   CalculationGroup group;
   loadGroup(group, options.group, session.record);
-  for (const std::string& problem : group.problems()) context.err << "lodex: " << problem << '\n';
+  context.found.append(group.found());
   const std::vector<std::string> methods = chosenMethods(options, group);
   for (int method = 1; method <= group.count(); ++method) {
     requireOtherFile(options.out, {group.method(method).path});
@@ -194,7 +200,6 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
       group, methods, sheets, console.sheets().F1Ref, console.context().converter, results};
   const int mostSamples = extensionOf(options.out) == "xls" ? mostXlsSamples : maxRows;
   const CalculationOutcome outcome = calculate(request, mostSamples, session, context.err);
-  console.printLines(session.log.txtErr.text(), "lodex: ");
   context.err << countLine(outcome, results) << '\n';
   if (outcome.samples == 0) throw Error("There are no samples in what was opened");
   if (options.out.empty()) {
@@ -202,7 +207,9 @@ void runCalc(const CalcOptions& options, CommandContext& context) {
   } else {
     save(options.out, results);
   }
-  if (outcome.aborted) throw Error("The calculation was aborted; the samples before that are kept");
+  if (outcome.outcome.aborted()) {
+    throw Error("The calculation was aborted " + outcome.outcome.reason + "; these are kept");
+  }
   requireAllOpened(failed, options.files.size());
 }
 
@@ -218,7 +225,7 @@ void addCalcCommand(CLI::App& app, CommandContext& context) {
           ->excludes(files);
   command
       ->add_option("--table", options->stored.tables,
-                   "table of the database, may be repeated; all of its samples unless told")
+                   "table of the database, may be repeated; without it all that know the samples")
       ->needs(database)
       ->allow_extra_args(false);
   command->add_option("--filter", options->stored.filter, "stored filter that picks the samples")
@@ -226,7 +233,7 @@ void addCalcCommand(CLI::App& app, CommandContext& context) {
   command->add_option("--group", options->group, "calculation group, or a folder of workbooks")
       ->required();
   command->add_option("--method", options->methods,
-                      "method of the group, may be repeated; all unless told");
+                      "method of the group, may be repeated; without it all of them");
   command->add_flag("--ask-refs", options->askRefs,
                     "ask where an item has several columns to come from");
   command->add_option(

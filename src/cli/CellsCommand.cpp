@@ -87,6 +87,7 @@ void addCellsCommand(CLI::App& app, CommandContext& context) {
   command->callback([options, &context] {
     Worksheet book;
     book.Read(options->file);
+    context.found.append(book.ReadFindings());
     const int only = options->sheet.empty() ? 0 : sheetOf(book, options->sheet);
     for (int sheet = 1; sheet <= book.NumSheets(); ++sheet) {
       if (only == 0 || only == sheet) printSheet(book, sheet, options->formulas, context.out);

@@ -9,6 +9,7 @@ namespace lodex {
 CliSession::CliSession(CommandContext& context)
     : context_(context),
       dialogs_(context.err, context.answers),
+      events_(context.err, session_.progress),
       session_(Services{dialogs_, events_, clipboard_}) {
   session_.ReadSession(context.appFolder, true, true);
 }

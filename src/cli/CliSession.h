@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/Commands.h"
+#include "cli/ConsoleJob.h"
 #include "db/Connection.h"
 #include "session/Session.h"
 
@@ -25,13 +26,13 @@ class CliSession {
  private:
   CommandContext& context_;
   ConsoleDialogs dialogs_;
-  NoEvents events_;
+  ConsoleEvents events_;
   MemoryClipboard clipboard_;
   Session session_;
 };
 
 /// Opens a database without a session, unless it is a server that needs the session's ini files,
-/// and prints what is to be told of the opening to standard error.
+/// and prints what the opening noticed to standard error.
 void openPlainly(CommandContext& context, Connection& connection, std::string_view path);
 
 }  // namespace lodex

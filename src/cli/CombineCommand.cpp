@@ -30,7 +30,7 @@ void runCombine(const CombineOptions& options, CommandContext& context) {
   for (const std::string& source : options.sources) {
     std::error_code unknown;
     if (std::filesystem::equivalent(nativePath(source), nativePath(options.into), unknown)) {
-      context.err << "lodex: " << source << " is what is added to and no source\n";
+      context.err << "lodex: " << source << " is the database to add to and not used as a source\n";
     }
   }
   auto job = followProgress(console.session(), context.err);
@@ -52,7 +52,7 @@ void addCombineCommand(CLI::App& app, CommandContext& context) {
       app.add_subcommand("combine", "merge databases: their tables, fields, indexes and records");
   command->add_option("SOURCES", options->sources, "database files, or NAME.ORA for servers")
       ->required();
-  command->add_option("--into", options->into, "the database to add to; made if it is not there")
+  command->add_option("--into", options->into, "the database to add to; made if it is missing")
       ->required();
   command->callback([options, &context] { runCombine(*options, context); });
 }

@@ -15,7 +15,7 @@ namespace lodex {
 namespace {
 
 constexpr int barWidth = 24;
-constexpr std::chrono::milliseconds pause{100};  // between two pictures of the bar
+constexpr std::chrono::milliseconds pause{100};  // between two updates of the bar
 
 volatile sig_atomic_t wasInterrupted = 0;
 
@@ -32,8 +32,14 @@ void catchInterrupts() {
   for (const int number : {SIGINT, SIGTERM}) {
     struct sigaction present {};
     ::sigaction(number, nullptr, &present);
-    // Who starts a program with the signal ignored does not want it to react.
-    if (present.sa_handler != SIG_IGN) ::sigaction(number, &once, nullptr);
+    // A program that was started with the signal ignored should not react to it.
+    if (present.sa_handler == SIG_IGN) continue;
+    ::sigaction(number, &once, nullptr);
+    // Some programs leave signals blocked in those they start.
+    sigset_t caught;
+    ::sigemptyset(&caught);
+    ::sigaddset(&caught, number);
+    ::sigprocmask(SIG_UNBLOCK, &caught, nullptr);
   }
 }
 
@@ -78,8 +84,16 @@ void ConsoleJob::show(std::string_view text, int step, int steps) {
   err_ << '\r' << encodeUtf8(line) << "\033[K" << std::flush;
 }
 
-bool ConsoleJob::interrupted() const {
+bool ConsoleJob::interrupted() {
   return wasInterrupted != 0;
+}
+
+void ConsoleEvents::pump() {
+  if (!ConsoleJob::interrupted()) return;
+  progress_.AbortFlag = true;
+  if (answered_) return;
+  answered_ = true;
+  err_ << "\nlodex: stopping, what is finished is kept; Ctrl-C again ends at once" << std::endl;
 }
 
 std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err) {
@@ -89,7 +103,6 @@ std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err) 
     const auto alive = following.lock();
     if (!alive) return;
     Progress& progress = session.progress;
-    if (alive->interrupted()) progress.AbortFlag = true;
     if (progress.bar.value() == 0) return;  // the end of a job
     alive->show(progress.txtInfo.caption(), progress.bar.value(), progress.bar.maximum());
   });

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include "form/EventPump.h"
+
 namespace lodex {
 
 /// A long job of a command: a bar on standard error where that is a terminal, and a way to end the
@@ -20,7 +22,7 @@ class ConsoleJob {
 
   /// Shows how far the job is: `step` of `steps`, from 1.
   void show(std::string_view text, int step, int steps);
-  bool interrupted() const;
+  static bool interrupted();
 
  private:
   std::ostream& err_;
@@ -30,9 +32,22 @@ class ConsoleJob {
 };
 
 class Session;
+class Progress;
 
-/// A job that shows the session's progress bar and aborts its work when it is interrupted. It ends
-/// when the result goes.
+/// The events of a session without a screen: an interrupt of the job at hand is a press of Abort,
+/// and is answered at once on standard error.
+class ConsoleEvents : public EventPump {
+ public:
+  ConsoleEvents(std::ostream& err, Progress& progress) : err_(err), progress_(progress) {}
+  void pump() override;
+
+ private:
+  std::ostream& err_;
+  Progress& progress_;
+  bool answered_ = false;
+};
+
+/// A job that shows the session's progress bar. It ends when the result goes.
 std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err);
 
 }  // namespace lodex

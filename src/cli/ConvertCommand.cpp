@@ -8,7 +8,7 @@
 
 namespace lodex {
 
-void addConvertCommand(CLI::App& app, CommandContext&) {
+void addConvertCommand(CLI::App& app, CommandContext& context) {
   struct Options {
     std::string in, out;
   };
@@ -17,9 +17,9 @@ void addConvertCommand(CLI::App& app, CommandContext&) {
   command->add_option("IN", options->in, "the file to read")->required();
   command->add_option("OUT", options->out, "the file to write: txt, tsv, csv, xls, xlsx or vts")
       ->required();
-  command->callback([options] {
+  command->callback([options, &context] {
     Worksheet book;
-    readAnyFile(options->in, book);
+    readAnyFile(options->in, book, context.found);
     writeByEnding(options->out, book);
   });
 }

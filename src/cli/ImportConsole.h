@@ -29,7 +29,7 @@ void addReadingOptions(CLI::App& command, ReadingChoice& choice);
 class ImportConsole {
  public:
   ImportConsole(CommandContext& context, const ReadingChoice& choice);
-  /// Tells once more which files were too long, behind all that was printed meanwhile.
+  /// Reports once more which files were too long, after all that was printed meanwhile.
   ~ImportConsole();
   ImportConsole(const ImportConsole&) = delete;
   ImportConsole& operator=(const ImportConsole&) = delete;
@@ -67,7 +67,7 @@ class ImportConsole {
   ImportContext import_;
   Form shell_;
   DataSheets sheets_;
-  std::vector<std::string> shortened_;  // what is told of files with more rows than a sheet takes
+  std::vector<std::string> shortened_;  // reports on files with more rows than a sheet takes
 };
 
 /// Throws Error when some of the files could not be opened.

@@ -29,7 +29,7 @@ void printRows(std::ostream& out, std::string_view kind, const Worksheet& sheet)
   }
 }
 
-// A map file has no look at its database, so that a user should know.
+// A map file is read without a look at its database, so the user should know.
 bool isMapOlder(const std::string& database) {
   std::error_code none;
   const auto map = std::filesystem::last_write_time(nativePath(mapFilePath(database)), none);

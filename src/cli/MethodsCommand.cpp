@@ -12,12 +12,21 @@
 namespace lodex {
 namespace {
 
-// The names of the rows that have one.
-std::vector<std::string> rowNames(const MethodBook& method, int sheet, int firstRow) {
+// The inputs by the names that they go by.
+std::vector<std::string> inputNames(const MethodBook& method) {
   std::vector<std::string> names;
-  for (int row = firstRow; row <= method.book.LastRow(sheet); ++row) {
-    std::string name = method.book.TextSRC(sheet, row, 2);
-    if (name.empty()) name = method.book.TextSRC(sheet, row, 1);
+  for (int row = 2; row <= method.book.LastRow(method.inputSheet); ++row) {
+    std::string name = method.book.TextSRC(method.inputSheet, row, 2);
+    if (name.empty()) name = method.book.TextSRC(method.inputSheet, row, 1);
+    if (!name.empty()) names.push_back(std::move(name));
+  }
+  return names;
+}
+
+std::vector<std::string> outputNames(const MethodBook& method) {
+  std::vector<std::string> names;
+  for (int row = 1; row <= method.book.LastRow(method.outputSheet); ++row) {
+    std::string name = method.outputName(row);
     if (!name.empty()) names.push_back(std::move(name));
   }
   return names;
@@ -27,8 +36,8 @@ void printMethod(std::ostream& out, const CalculationGroup& group, const std::st
   const int number = group.MethodIndex(name);
   const MethodBook& method = group.method(number);
   out << "  " << method.name() << '\n';
-  out << "    Inputs: " << join(rowNames(method, method.inputSheet, 2), ", ") << '\n';
-  out << "    Outputs: " << join(rowNames(method, method.outputSheet, 1), ", ") << '\n';
+  out << "    Inputs: " << join(inputNames(method), ", ") << '\n';
+  out << "    Outputs: " << join(outputNames(method), ", ") << '\n';
   std::vector<std::string> needed = group.TeeLaskuJono(number);
   std::erase_if(needed, [&](const std::string& other) { return group.MethodIndex(other) == 0; });
   if (!needed.empty()) out << "    Needs: " << join(needed, ", ") << '\n';
@@ -42,7 +51,7 @@ void printGroup(CommandContext& context, const std::string& name, const SessionR
   for (const std::string& method : group.MethodListOrder()) {
     if (printed.insert(toUpper(method)).second) printMethod(context.out, group, method);
   }
-  for (const std::string& problem : group.problems()) context.err << "lodex: " << problem << '\n';
+  context.found.append(group.found());
 }
 
 void runMethods(const std::string& group, CommandContext& context) {

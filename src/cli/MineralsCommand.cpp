@@ -22,7 +22,7 @@ struct MineralsRequest {
   std::string find;
 };
 
-// The symbol as it is written; throws Error for what is no element.
+// The symbol as it is written; throws Error for anything else.
 std::string elementSymbol(const std::string& text) {
   for (const auto& symbol : ElementSymbols()) {
     if (!symbol.empty() && equalsNoCase(symbol, text)) return symbol;

@@ -43,8 +43,7 @@ struct LoadedSetUp {
   Worksheet F1OpenSave;
   Worksheet F1CalcOpt;
   ModalLists lists;
-  std::vector<std::string> remarks;
-  std::vector<std::string> idleMinerals;
+  Findings found;  // what its loading noticed
   int digits = 3;
 };
 
@@ -53,9 +52,14 @@ LoadedSetUp loadSetUp(const ModalOptions& options) {
   setUp.F1OpenSave.Read(options.setUp);
   ValmistaF1CalcOpt(setUp.F1OpenSave, setUp.F1CalcOpt);
   if (setUp.F1CalcOpt.LastRow() == 0) throw Error(options.setUp + " holds no rounds");
-  setUp.remarks = loadingRemarks(setUp.F1OpenSave, setUp.F1CalcOpt);
+  setUp.found = setUp.F1OpenSave.ReadFindings();
+  for (const std::string& remark : loadingRemarks(setUp.F1OpenSave, setUp.F1CalcOpt)) {
+    setUp.found.warn(remark, {.file = options.setUp});
+  }
   collectMinerals(setUp.F1CalcOpt, setUp.lists);
-  setUp.idleMinerals = mineralsInNoRound(setUp.F1OpenSave, setUp.lists);
+  for (const std::string& label : mineralsInNoRound(setUp.F1OpenSave, setUp.lists)) {
+    setUp.found.warn("Mineral " + label + " is in no round", {.file = options.setUp});
+  }
   const auto stored = parseInteger(setUp.F1CalcOpt.TextRC(1, setup::Text));
   if (stored && *stored >= 0) setUp.digits = *stored;
   if (options.digits >= 0) setUp.digits = options.digits;
@@ -90,7 +94,7 @@ frmDataIN& chooseSheet(DataSheets& sheets, const ModalOptions& options, std::ost
   if (!options.sheet.empty()) {
     throw Error(options.assays + " has no sheet " + options.sheet + "; it has " + names);
   }
-  // Sheets of a workbook stand in the list last one first.
+  // The list has the sheets of a workbook in reverse order.
   frmDataIN& first = sheets.sheet(sheets.DataSheetCount());
   if (sheets.DataSheetCount() > 1) {
     err << "Assays are taken from " << first.caption() << "; --sheet takes another one of " << names
@@ -106,11 +110,12 @@ AssaySheet sourceOf(const frmDataIN& sheet) {
           sheet.SystemRows(sysrow::Method),
           sheet.SystemRows(sysrow::Unit),
           sheet.FirstDataRow(),
-          sheet.IDColumn()};
+          sheet.IDColumn(),
+          sheet.caption()};
 }
 
-// What the log says of a database that was opened, an Access file say.
-void tellOfOpening(ImportConsole& console) {
+// Prints what the log says of a database that was opened, of an Access file for example.
+void printOpening(ImportConsole& console) {
   frmLog& log = console.session().log;
   console.printLines(log.txtErr.text(), "lodex: ");
   log.clear();
@@ -122,13 +127,14 @@ void mapStoredAssays(const ModalOptions& options, ImportConsole& console, Mapped
   Session& session = console.session();
   database.path = options.database;
   if (MapDatabase(session, database, {true, false, false}) != MapResult::Mapped) {
-    tellOfOpening(console);
+    printOpening(console);
     throw Error("Error in opening database " + options.database);
   }
-  tellOfOpening(console);
+  printOpening(console);
   source = {&database, options.filter, ""};
-  buildMethodMap(source, console.tables().F1ELoc, F1Ref,
-                 [&](const std::string& line) { session.log.LisaaLog(line, LogKind::Log); });
+  Findings found;
+  buildMethodMap(source, console.tables().F1ELoc, F1Ref, found);
+  session.notice(found);
 }
 
 // --- What is printed ---
@@ -160,7 +166,7 @@ void printResiduals(std::ostream& out, const frmResult& result, int digits) {
   printTable(out, rows, TableAlignment::Right);
 }
 
-// The notes of samples that have more to tell than the set-up's name.
+// The notes of samples that say more than the set-up's name.
 void printNotes(std::ostream& out, const frmResult& result, const std::string& setUpName) {
   out << "\nNotes\n\n";
   std::vector<TableRow> rows = {{"SampleNo", "Note"}};
@@ -223,17 +229,52 @@ bool wantsAssays(const Worksheet& F1CalcOpt) {
   return false;
 }
 
-void calculate(const ModalOptions& options, CommandContext& context, ImportConsole& console,
-               LoadedSetUp& setUp, const std::string& report) {
+// Where the assays come from. What it points to must outlive the calculation.
+struct AssaySource {
+  MappedDatabase samples;
+  StoredSource stored;
+  Worksheet F1Ref;
+};
+
+void useAssays(const ModalOptions& options, CommandContext& context, ImportConsole& console,
+               AssaySource& source, ModalRequest& request) {
   Session& session = console.session();
-  const taulukot& tables = console.tables();
+  if (options.database.empty()) {
+    console.openOne(options.assays);
+    console.identify();
+    console.printLines(session.log.txtErr.text(), "lodex: ");
+    request.assays = sourceOf(chooseSheet(console.sheets(), options, context.err));
+    session.log.clear();
+    return;
+  }
+  mapStoredAssays(options, console, source.samples, source.stored, source.F1Ref);
+  request.stored = &source.stored;
+  request.F1Ref = &source.F1Ref;
+}
+
+void openMinerals(const ModalOptions& options, ImportConsole& console, Connection& minerals) {
+  Session& session = console.session();
   const std::string database = options.minerals.empty()
                                    ? session.ExpandPath(session.record.MineralDbPath, "")
                                    : options.minerals;
   if (database.empty()) throw Error("There is no mineral database; name one with --minerals");
-  Connection minerals;
   openDatabase(session, minerals, database);
-  tellOfOpening(console);
+  printOpening(console);
+}
+
+void printResults(std::ostream& out, const frmResult& result, const LoadedSetUp& setUp,
+                  const std::string& setUpName) {
+  printAmounts(out, result);
+  printResiduals(out, result, setUp.digits);
+  printNotes(out, result, setUpName);
+}
+
+void calculate(const ModalOptions& options, CommandContext& context, ImportConsole& console,
+               LoadedSetUp& setUp, const std::string& report) {
+  Session& session = console.session();
+  const taulukot& tables = console.tables();
+  Connection minerals;
+  openMinerals(options, console, minerals);
 
   ModalRequest request;
   request.F1CalcOpt = &setUp.F1CalcOpt;
@@ -242,55 +283,39 @@ void calculate(const ModalOptions& options, CommandContext& context, ImportConso
   request.allTotal = options.allTotal;
   request.digits = setUp.digits;
   request.setUpName = stemOf(options.setUp);
+  AssaySource source;
+  useAssays(options, context, console, source, request);
+  session.notice(setUp.found);
 
-  MappedDatabase samples;
-  StoredSource stored;
-  Worksheet F1Ref;
-  if (options.database.empty()) {
-    console.openOne(options.assays);
-    console.identify();
-    console.printLines(session.log.txtErr.text(), "lodex: ");
-    request.assays = sourceOf(chooseSheet(console.sheets(), options, context.err));
-    session.log.clear();
-  } else {
-    mapStoredAssays(options, console, samples, stored, F1Ref);
-    request.stored = &stored;
-    request.F1Ref = &F1Ref;
-  }
-  for (const std::string& remark : setUp.remarks) session.log.LisaaLog(remark);
-  for (const std::string& label : setUp.idleMinerals) {
-    session.log.LisaaLog("Mineral " + label + " is in no round");
-  }
   frmResult result;
   frmSolve solver(session.dialogs());
   ModalScratch scratch;
-  std::string failure;
   auto job = followProgress(session, context.err);
-  try {
-    RetAndCalc(request, modalMode::Automated, setUp.lists, result, solver, scratch, session);
-  } catch (const Error& error) {
-    failure = error.what();
-  }
+  const Outcome outcome =
+      RetAndCalc(request, ModalMode::Automated, setUp.lists, result, solver, scratch, session);
   job.reset();
-  const bool aborted = session.log.txtLog.text().find("!! Aborted !!") != std::string::npos;
-  console.printLines(session.log.txtLog.text(), "");
-  if (!failure.empty()) throw Error(failure);
-  if (result.equationColumns.empty() && wantsAssays(setUp.F1CalcOpt)) {
+  session.notice(outcome.found);
+  if (outcome.failed()) throw Error(outcome.reason);
+  if (outcome.done() && result.equationColumns.empty() && wantsAssays(setUp.F1CalcOpt)) {
     throw Error("No equation of " + options.setUp + " has an assay in " + sourceName(options));
+  }
+  if (outcome.aborted() && result.F1MC.LastRow() == 0) {
+    throw Error("The calculation was aborted " + outcome.reason + "; nothing is saved");
   }
 
   // Saved first: a reader of the printed tables may stop before their end.
   const Worksheet book = resultBook(result, setUp.lists, tables.F1ELoc, report,
                                     session.log.txtLog.text(), setUp.digits);
   const std::string saved = save(book, options, session.record);
-  printAmounts(context.out, result);
-  printResiduals(context.out, result, setUp.digits);
-  printNotes(context.out, result, request.setUpName);
+  printResults(context.out, result, setUp, request.setUpName);
   context.out << '\n' << saved << '\n';
-  if (aborted) throw Error("The calculation was aborted; the samples before that are kept");
+  if (outcome.aborted()) {
+    throw Error("The calculation was aborted " + outcome.reason +
+                "; samples that were not finished are empty");
+  }
 }
 
-// Told before the work rather than behind it.
+// Fails early, before any work.
 void requireGoodTarget(const ModalOptions& options) {
   static constexpr const char* endings[] = {"xls", "xlsx", "vts"};
   const std::string ending = extensionOf(options.out);

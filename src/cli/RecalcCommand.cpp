@@ -33,12 +33,11 @@ void addRecalcCommand(CLI::App& app, CommandContext& context) {
   command->add_option("IN", options->in, "the file to read")->required();
   command->add_option("OUT", options->out, "the file to write, its kind by its ending")->required();
   command->footer(
-      "Standard error tells how many formula cells changed by more than 1e-9 of their value, and "
-      "what "
-      "could not be computed; such cells keep the value that the file gave.");
+      "Standard error lists how many formula cells changed by more than 1e-9 of their value, and "
+      "what could not be computed; such cells keep the value that the file gave.");
   command->callback([options, &context] {
     Worksheet book;
-    readAnyFile(options->in, book);
+    readAnyFile(options->in, book, context.found);
     book.Recalc();
     writeByEnding(options->out, book);
     printReport(book.recalcReport(), context.err);

@@ -63,7 +63,7 @@ void addSaveCommand(CLI::App& app, CommandContext& context) {
   command->add_option("FILES", options->files, "workbooks and text files")->required();
   command
       ->add_option("--db", options->database,
-                   "database file, made if it is not there; or NAME.ORA for a server")
+                   "database file, made if it is missing; or NAME.ORA for a server")
       ->required();
   command->add_flag("--merge", options->merge,
                     "look samples up by their key; fill fields that are empty");

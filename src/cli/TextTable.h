@@ -8,7 +8,7 @@ namespace lodex {
 
 using TableRow = std::vector<std::string>;
 
-/// How the columns behind the first one are aligned.
+/// How the columns after the first one are aligned.
 enum class TableAlignment { Left, Right };
 
 /// Prints rows as columns two blanks apart, the first row being the headings. Control characters,

@@ -21,8 +21,10 @@ char separatorOf(std::string_view text) {
 
 }  // namespace
 
-void readAnyFile(const std::string& path, Worksheet& into) {
-  if (into.Read(path) != FileType::Text || extensionOf(path) != "csv") return;
+void readAnyFile(const std::string& path, Worksheet& into, Findings& found) {
+  const FileType type = into.Read(path);
+  found.append(into.ReadFindings());
+  if (type != FileType::Text || extensionOf(path) != "csv") return;
   const std::string bytes = readFile(path);
   Worksheet book;
   readText(bytes, book, separatorOf(decodeText(bytes)));

@@ -3,13 +3,15 @@
 #include <string>
 #include <vector>
 
+#include "basic/Findings.h"
+
 namespace lodex {
 
 class Worksheet;
 
 /// Reads a workbook or text file; a ".csv" file is split at its own separators, commas or
-/// semicolons.
-void readAnyFile(const std::string& path, Worksheet& into);
+/// semicolons. Adds what the reader noticed to `found`, with the file's name.
+void readAnyFile(const std::string& path, Worksheet& into, Findings& found);
 
 /// Writes the kind that the ending names: txt, tsv, csv, xls, xlsx or vts. Throws Error for any
 /// other ending.

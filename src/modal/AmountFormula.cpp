@@ -17,7 +17,7 @@ bool isWordCharacter(char c) {
 }
 
 // True when text[at, at + length) is not the middle of a longer word.
-bool standsAlone(std::string_view text, size_t at, size_t length) {
+bool isWholeWord(std::string_view text, size_t at, size_t length) {
   const size_t end = at + length;
   if (at > 0 && isWordCharacter(text[at]) && isWordCharacter(text[at - 1])) return false;
   return end >= text.size() || !isWordCharacter(text[end - 1]) || !isWordCharacter(text[end]);
@@ -70,7 +70,7 @@ std::string withReferences(std::string_view text, const std::vector<std::string>
   for (size_t at = 0; at < text.size();) {
     const auto hit = std::find_if(names.begin(), names.end(), [&](const Name& name) {
       return text.substr(at, name.text.size()) == name.text &&
-             standsAlone(text, at, name.text.size());
+             isWholeWord(text, at, name.text.size());
     });
     if (hit == names.end()) {
       out += text[at++];
@@ -110,7 +110,7 @@ double CoefficientOf(std::string_view text, std::string_view symbol) {
   const std::string wanted = std::string(symbol) + "=";
   for (size_t at = text.find(wanted); at != std::string_view::npos;
        at = text.find(wanted, at + 1)) {
-    if (!standsAlone(text, at, symbol.size())) continue;
+    if (!isWholeWord(text, at, symbol.size())) continue;
     const size_t start = at + wanted.size();
     const size_t end = text.find_first_of(" ,", start);
     return numberOf(text.substr(start, end == std::string_view::npos ? end : end - start));

@@ -10,7 +10,7 @@ namespace lodex {
 
 /// A formula over mineral amounts, such as "2.5*Py-Ccp". Minerals are named by symbol or by full
 /// identifier, as whole words, so that "Po" is not found in "Poly"; "@" and "Total", where allowed,
-/// stand for the sum of all minerals.
+/// mean the sum of all minerals.
 class AmountFormula {
  public:
   /// Where the scratch sheet keeps the amounts: mineral n in row n of column 1 with the formula in
@@ -42,11 +42,11 @@ std::string withReferences(std::string_view text, const std::vector<std::string>
 /// The symbol of an identifier, or the whole text when it has none.
 std::string symbolOrText(std::string_view identifier);
 
-/// The number behind `symbol` and "=" in a text such as "Py=1, Ccp=0.5", up to the next blank or
+/// The number after `symbol` and "=" in a text such as "Py=1, Ccp=0.5", up to the next blank or
 /// comma; 0 when there is none.
 double CoefficientOf(std::string_view text, std::string_view symbol);
 
-/// A calculation such as "Py=2*Ccp": the expression behind "=" and the coefficient text "Py=1".
+/// A calculation such as "Py=2*Ccp": the expression after "=" and the coefficient text "Py=1".
 /// Without "=" the whole text is the expression and there are no coefficients.
 struct Expression {
   std::string formula;

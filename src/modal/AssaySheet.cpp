@@ -57,61 +57,59 @@ std::string assayHeading(const AssayColumn& column, const Worksheet& F1ELoc) {
   return column.heading + " as " + F1ELoc.TextRC(column.elementRow, eloc::MineralField);
 }
 
-// What a column's cells were.
-struct CopiedCells {
-  int numbers = 0;
-  int negative = 0;
-  int texts = 0;
-  std::string withComma;  // the first text that would be a number with a decimal point
-};
+constexpr int rowsPerPoll = 4096;
 
 std::string withPoint(std::string_view text) {
   return replaceAll(trimBlanks(text), ",", ".");
 }
 
+void reportText(const Value& value, const Place& place, Findings& found) {
+  const bool hasComma = value.isText() && isNumericText(withPoint(value.textView()));
+  if (hasComma) {
+    found.error("A number with a decimal comma counts as 0: write it with a point", place);
+  } else {
+    found.warn("Text counts as 0", place);
+  }
+}
+
+// How many of the copied cells were numbers, and how many were text.
+struct CopiedCells {
+  int numbers = 0;
+  int texts = 0;
+};
+
 CopiedCells copyColumn(const AssaySheet& source, int column, double factor,
-                       const std::vector<int>& rows, Worksheet& target, int targetColumn) {
+                       const std::vector<int>& rows, Worksheet& target, int targetColumn,
+                       const Watch& watch) {
   CopiedCells copied;
-  const auto put = [&](int row, double number) {
-    target.cellsForReader(1).setNumber(row, targetColumn, number * factor);
+  CellStore& targetCells = target.cellsForReader(1);
+  const auto placeOf = [&](int row) {
+    return Place{.sheet = source.caption, .row = row, .column = column};
+  };
+  const auto put = [&](size_t i, double number) {
+    targetCells.setNumber(static_cast<int>(i) + 1, targetColumn, number * factor);
     ++copied.numbers;
-    if (number < 0) ++copied.negative;
+    if (number < 0) watch.found.warn("Negative value", placeOf(rows[i]));
   };
   const CellStore& cells = source.sheet->cells(source.sheet->Sheet());
   for (size_t i = 0; i < rows.size(); ++i) {
+    if (i % rowsPerPoll == 0) watch.poll();
     const Cell& cell = cells.at(rows[i], column);
-    const int row = static_cast<int>(i) + 1;
     if (cell.kind == ValueKind::Number) {
-      put(row, cell.number);
+      put(i, cell.number);
       continue;
     }
     const Value value = CellStore::valueOf(cell);
     if (value.isEmpty() || (value.isText() && trimBlanks(value.textView()).empty())) continue;
     if (isNumeric(value)) {
-      put(row, value.asNumber());
+      put(i, value.asNumber());
       continue;
     }
-    target.cellsForReader(1).setNumber(row, targetColumn, 0);
+    targetCells.setNumber(static_cast<int>(i) + 1, targetColumn, 0);
     ++copied.texts;
-    if (copied.withComma.empty() && value.isText() && isNumericText(withPoint(value.textView()))) {
-      copied.withComma = trimBlanks(value.textView());
-    }
+    reportText(value, placeOf(rows[i]), watch.found);
   }
   return copied;
-}
-
-void reportCells(const CopiedCells& copied, const std::string& name,
-                 const std::function<void(const std::string&)>& log) {
-  if (copied.texts > 0) {
-    std::string line = "Text counts as 0 in " + std::to_string(copied.texts) + " cells of " + name;
-    if (!copied.withComma.empty()) {
-      line += ": write " + withPoint(copied.withComma) + ", not " + copied.withComma;
-    }
-    log(line);
-  }
-  if (copied.negative > 0) {
-    log(std::to_string(copied.negative) + " negative values in " + name);
-  }
 }
 
 // Fills in row and factor of an element or oxide; false when the table has no such name.
@@ -166,34 +164,62 @@ AssayColumn describeColumn(const AssaySheet& source, int column, const Worksheet
   return found;
 }
 
-std::vector<int> retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc,
-                                ModalLists& lists, frmResult& result,
-                                const std::function<void(const std::string&)>& log) {
-  requireStructure(source);
-  std::vector<int> known;
-  std::vector<AssayColumn> columns;
+namespace {
+
+// The columns of the sheet that hold assays of known elements.
+struct AssayColumns {
+  std::vector<int> numbers;
+  std::vector<AssayColumn> columns;  // parallel
+};
+
+AssayColumns findAssays(const AssaySheet& source, const Worksheet& F1ELoc, Findings& found) {
+  AssayColumns assays;
   for (int c = 1; c <= source.sheet->LastCol(); ++c) {
     if (c == source.idColumn || cellText(source, source.elementRow, c) == "ELEMENT") continue;
     AssayColumn column = describeColumn(source, c, F1ELoc);
     if (column.elementRow > 0) {
-      known.push_back(c);
-      columns.push_back(std::move(column));
+      assays.numbers.push_back(c);
+      assays.columns.push_back(std::move(column));
     } else if (holdsNumbers(source, c)) {
-      log("Assay " + columnName(column, c) + " feeds no equation: its element is not known");
+      found.note("Assay " + columnName(column, c) + " feeds no equation: its element is not known",
+                 {.sheet = source.caption, .column = c});
     }
   }
-  if (known.empty()) throw Error("The data sheet has no column with an element that is known");
+  if (assays.numbers.empty()) {
+    throw Error("The data sheet has no column with an element that is known");
+  }
+  return assays;
+}
 
-  const std::vector<int> rows = sampleRows(source, known);
+void readSamples(const AssaySheet& source, const std::vector<int>& rows, ModalLists& lists,
+                 Worksheet& F1Ini, const Watch& watch) {
   lists.SampleIDs.clear();
   lists.SampleIDsAreNumbers = false;
   for (size_t i = 0; i < rows.size(); ++i) {
+    if (i % rowsPerPoll == 0) watch.poll();
     const std::string id = source.sheet->TextRC(rows[i], source.idColumn);
-    if (id.empty()) log("ID empty on row " + std::to_string(rows[i]));
+    if (id.empty()) {
+      watch.found.warn("The row has no sample identifier",
+                       {.sheet = source.caption, .row = rows[i]});
+    }
     lists.SampleIDs.push_back(id);
-    result.F1Ini.TextRC(static_cast<int>(i) + 1, 1, id);
+    F1Ini.TextRC(static_cast<int>(i) + 1, 1, id);
   }
-  result.F1Ini.ColText(1, "SampleNo");
+  F1Ini.ColText(1, "SampleNo");
+}
+
+bool isKnownUnit(const std::string& unit) {
+  return unit.empty() || unit == "%" || equalsNoCase(unit, "ppm") || equalsNoCase(unit, "ppb");
+}
+
+}  // namespace
+
+std::vector<int> retrieveAssays(const AssaySheet& source, const Worksheet& F1ELoc,
+                                ModalLists& lists, frmResult& result, const Watch& watch) {
+  requireStructure(source);
+  const auto [known, columns] = findAssays(source, F1ELoc, watch.found);
+  const std::vector<int> rows = sampleRows(source, known);
+  readSamples(source, rows, lists, result.F1Ini, watch);
 
   std::vector<std::string> methods;
   std::vector<int> onlyText;
@@ -201,27 +227,30 @@ std::vector<int> retrieveAssays(const AssaySheet& source, const Worksheet& F1ELo
     const AssayColumn& column = columns[k];
     const int target = static_cast<int>(k) + 2;
     const std::string name = columnName(column, known[k]);
+    const Place place{.sheet = source.caption, .column = known[k]};
     result.F1Ini.ColText(target, assayHeading(column, F1ELoc));
     const int method = methodNumber(methods, column.method.empty() ? firstMethod : column.method);
     const int served = static_cast<int>(result.F1Kirja.NumberRC(column.elementRow, method));
     if (served > 0 && (columns[static_cast<size_t>(served) - 2].isTotal || !column.isTotal)) {
-      log("Assay " + name +
-          " feeds no equation: an earlier column has the same element and method");
+      watch.found.note(
+          "Assay " + name + " feeds no equation: an earlier column has the same element and method",
+          place);
     } else {
       if (served > 0) {
         const auto part = static_cast<size_t>(served) - 2;
-        log("Assay " + columnName(columns[part], known[part]) +
-            " feeds no equation: a later column has the total of its element");
+        watch.found.note("Assay " + columnName(columns[part], known[part]) +
+                             " feeds no equation: a later column has the total of its element",
+                         {.sheet = source.caption, .column = known[part]});
       }
       result.F1Kirja.NumberRC(column.elementRow, method, target);
     }
-    if (!column.unit.empty() && column.unit != "%" && !equalsNoCase(column.unit, "ppm") &&
-        !equalsNoCase(column.unit, "ppb")) {
-      log("Unit " + column.unit + " of " + name + " is not known: its values are taken as %");
+    if (!isKnownUnit(column.unit)) {
+      watch.found.warn(
+          "Unit " + column.unit + " of " + name + " is not known: its values are taken as %",
+          place);
     }
     const CopiedCells copied =
-        copyColumn(source, known[k], column.factor, rows, result.F1Ini, target);
-    reportCells(copied, name, log);
+        copyColumn(source, known[k], column.factor, rows, result.F1Ini, target, watch);
     if (copied.numbers == 0 && copied.texts > 0) onlyText.push_back(target);
   }
   for (size_t k = 0; k < methods.size(); ++k) {

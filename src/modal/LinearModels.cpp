@@ -9,7 +9,7 @@ namespace lodex {
 namespace {
 
 constexpr double relativeErrorPercent = 4;
-constexpr double leastAssay = 1E-8;  // stands for an assay of 0 where one divides by it
+constexpr double leastAssay = 1E-8;  // in place of an assay of 0 in divisions
 constexpr double singularThreshold = 1E-6;
 
 }  // namespace

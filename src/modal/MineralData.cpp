@@ -6,6 +6,7 @@
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "chem/Elements.h"
+#include "chem/Letters.h"
 
 namespace lodex {
 
@@ -13,11 +14,7 @@ namespace {
 
 constexpr int kMostDecimals = 22;
 
-bool isSmall(char c) {
-  return c >= 'a' && c <= 'z';
-}
-
-// Behind a one-letter symbol only the anion of an oxide, an amount or a unit may follow.
+// After a one-letter symbol only the anion of an oxide, an amount or a unit may follow.
 bool endsSymbol(char c) {
   return c == 'O' || (c >= '0' && c <= '9') || c == ' ' || c == '%';
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {
@@ -50,14 +51,13 @@ float AverageDensity(const std::vector<float>& weights, const std::vector<float>
 
 /// Fills F1Min (element row of F1ELoc x mineral number) with compositions in per cent from
 /// <MineralChemistry and <PhaseChemistry; a Null or missing field leaves the cell empty. Headings
-/// of F1Min are the ids. `progress` is told each mineral's number before it is fetched, `log` of
-/// identifiers whose symbol is not that of the record. Throws
-/// Error("Error in retrieving mineral chemistry") or Error("Error in retrieving phase chemistry")
-/// for an id that the tables do not have.
+/// of F1Min are the ids. `progress` gets each mineral's number before it is fetched. Reports
+/// identifiers whose symbol is not that of the record. Throws Error("Error in retrieving mineral
+/// chemistry") or Error("Error in retrieving phase chemistry") for an id that the tables do not
+/// have.
 void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
                               const Worksheet& F1ELoc, Worksheet& F1Min,
-                              const std::function<void(int mineral)>& progress,
-                              const std::function<void(const std::string&)>& log = {});
+                              const std::function<void(int mineral)>& progress, Findings& noticed);
 
 /// Compositions that belong to one sample, from <MineralChemistryQ and <PhaseChemistryQ.
 class SampleChemistry {

@@ -238,7 +238,7 @@ void Builder::addMinerals(const TabbedText& text) {
   for (int r = 0; r < text.recordCount(); ++r) {
     const int number = requireId(text, r, id, 1);
     if (!mineralIds_.insert(number).second) {
-      text.fail(r, "the MineralID " + std::to_string(number) + " stands twice");
+      text.fail(r, "the MineralID " + std::to_string(number) + " appears twice");
     }
     const std::string name = requireText(text, r, mineral);
     const std::string formulaText = requireText(text, r, formula);
@@ -308,7 +308,7 @@ void Builder::addPhases(const TabbedText& text) {
     if (known) continue;
     if (heading.ends_with('%')) {
       throw FileError("The column " + heading +
-                      " of the phases is no phase field of the element table");
+                      " of the phases is not a phase field of the element table");
     }
     columns.push_back({heading, "TEXT (255)"});
   }
@@ -324,7 +324,7 @@ void Builder::addPhases(const TabbedText& text) {
   for (int r = 0; r < text.recordCount(); ++r) {
     const int number = requireId(text, r, id, 1);
     if (!phaseIds_.insert(number).second) {
-      text.fail(r, "the PCID " + std::to_string(number) + " stands twice");
+      text.fail(r, "the PCID " + std::to_string(number) + " appears twice");
     }
     std::vector<FieldValue> row{number, requireSymbol(text, r, symbol)};
     for (size_t c = row.size(); c < columns.size(); ++c) {
@@ -357,7 +357,7 @@ void Builder::addDissolution(const TabbedText& text) {
   for (int r = 0; r < text.recordCount(); ++r) {
     const std::string& kindText = text.cell(r, kind);
     if (kindText != "M" && kindText != "P") text.fail(r, "MinPhase must be M or P");
-    // Id 0 stands in rows that hold for a symbol or for all minerals.
+    // Rows that hold for a symbol or for all minerals have the id 0.
     const int number = requireId(text, r, id, 0);
     const auto& known = kindText == "M" ? mineralIds_ : phaseIds_;
     if (number != 0 && known.count(number) == 0) {

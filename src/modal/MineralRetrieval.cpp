@@ -84,8 +84,7 @@ std::string filterValue(std::string_view value) {
 
 void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
                               const Worksheet& F1ELoc, Worksheet& F1Min,
-                              const std::function<void(int mineral)>& progress,
-                              const std::function<void(const std::string&)>& log) {
+                              const std::function<void(int mineral)>& progress, Findings& noticed) {
   const size_t count = lists.MinIDs.size();
   std::vector<bool> isMineral(count);
   std::vector<std::string> symbols(count);
@@ -112,9 +111,9 @@ void RetrieveMineralChemistry(Connection& connection, const ModalLists& lists,
     const std::string found =
         isMineral[i] ? minerals.write(lists.MinIDs[i], F1ELoc, eloc::MineralField, F1Min, column)
                      : phases.write(lists.MinIDs[i], F1ELoc, eloc::PhaseField, F1Min, column);
-    if (log && !symbols[i].empty() && !found.empty() && symbols[i] != found) {
-      log("Mineral " + lists.MinLabels[i] + " has the composition of number " + lists.MinIDs[i] +
-          ", which is " + found);
+    if (!symbols[i].empty() && !found.empty() && symbols[i] != found) {
+      noticed.warn("Mineral " + lists.MinLabels[i] + " has the composition of number " +
+                   lists.MinIDs[i] + ", which is " + found);
     }
   }
 }

@@ -7,6 +7,7 @@
 namespace lodex {
 namespace {
 
+constexpr int rowsPerPoll = 4096;
 constexpr double empty = std::numeric_limits<double>::quiet_NaN();
 
 double numberOrEmpty(const Worksheet& sheet, int row, int column) {
@@ -15,7 +16,8 @@ double numberOrEmpty(const Worksheet& sheet, int row, int column) {
 
 }  // namespace
 
-ModalData::ModalData(const frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc)
+ModalData::ModalData(const frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc,
+                     const Watch& watch)
     : samples_(static_cast<int>(lists.SampleIDs.size())),
       minerals_(static_cast<int>(lists.MinIDs.size())),
       elements_(F1ELoc.LastRow()) {
@@ -24,6 +26,7 @@ ModalData::ModalData(const frmResult& result, const ModalLists& lists, const Wor
     assayNames.push_back(ini.ColText(column));
     std::vector<double> values(static_cast<size_t>(samples_));
     for (int s = 0; s < samples_; ++s) {
+      if (s % rowsPerPoll == 0) watch.poll();
       values[static_cast<size_t>(s)] = numberOrEmpty(ini, s + 1, column);
     }
     residuals.push_back(std::move(values));

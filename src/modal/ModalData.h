@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "modal/MineralData.h"
+#include "modal/Watch.h"
 #include "modal/frmResult.h"
 #include "worksheet/Worksheet.h"
 
@@ -14,7 +15,8 @@ namespace lodex {
 class ModalData {
  public:
   /// Reads F1Ini, F1Kirja, F1Min and F1Disso.
-  ModalData(const frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc);
+  ModalData(const frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc,
+            const Watch& watch);
 
   int samples() const { return samples_; }
   int minerals() const { return minerals_; }

@@ -64,76 +64,92 @@ void fillMinMax(frmResult& result, const ModalLists& lists, const Worksheet& F1E
   }
 }
 
-void writeResiduals(frmResult& result, const ModalData& data, const ModalLists& lists) {
-  writeSampleIds(result.F1R, lists);
-  CellStore& cells = result.F1R.cellsForReader(1);
+ResultWriter::ResultWriter(frmResult& result, const ModalData& data, const ModalLists& lists,
+                           const Worksheet& F1ELoc, const Texts& texts)
+    : result_(result),
+      data_(data),
+      texts_(texts),
+      elementRows_(usedElements(result.F1Min, data.minerals(), F1ELoc.LastRow())),
+      totalColumn_(data.minerals() + 2) {
+  for (Worksheet* sheet : {&result.F1R, &result.F1MC, &result.F1N, &result.F1BulkC}) {
+    writeSampleIds(*sheet, lists);
+  }
   for (int k = 0; k < data.assays(); ++k) {
-    const auto assay = static_cast<size_t>(k);
-    result.F1R.ColText(k + 2, data.assayNames[assay]);
-    for (int s = 0; s < data.samples(); ++s) {
-      const double residual = data.residuals[assay][static_cast<size_t>(s)];
+    result.F1R.ColText(k + 2, data.assayNames[static_cast<size_t>(k)]);
+  }
+  result.F1MC.ColText(totalColumn_, "Total");
+  result.F1N.ColText(2, "Note");
+  int column = 1;
+  for (const int e : elementRows_) {
+    result.F1BulkC.ColText(++column, F1ELoc.TextRC(e, eloc::Form));
+    const double multiplier = F1ELoc.NumberRC(e, eloc::Multiplier);
+    multipliers_.push_back(multiplier == 0 ? 1 : multiplier);
+  }
+}
+
+void ResultWriter::write(int first, int last) {
+  writeResiduals(first, last);
+  writeAmounts(first, last);
+  for (int s = first; s < last; ++s) {
+    result_.F1N.TextRC(s + 1, 2, texts_.setUpName + texts_.messages[static_cast<size_t>(s)]);
+  }
+  writeBulkChemistry(first, last);
+}
+
+void ResultWriter::writeResiduals(int first, int last) {
+  CellStore& cells = result_.F1R.cellsForReader(1);
+  for (int k = 0; k < data_.assays(); ++k) {
+    for (int s = first; s < last; ++s) {
+      const double residual = data_.residuals[static_cast<size_t>(k)][static_cast<size_t>(s)];
       if (!std::isnan(residual)) cells.setNumber(s + 1, k + 2, residual);
     }
   }
 }
 
-void writeAmounts(frmResult& result, const ModalData& data, const ModalLists& lists, int digits) {
-  Worksheet& mode = result.F1MC;
-  writeSampleIds(mode, lists);
-  const int totalColumn = data.minerals() + 2;
-  mode.ColText(totalColumn, "Total");
-  for (int s = 0; s < data.samples(); ++s) {
+void ResultWriter::writeAmounts(int first, int last) {
+  Worksheet& mode = result_.F1MC;
+  for (int s = first; s < last; ++s) {
     double total = 0;
-    for (int i = 0; i < data.minerals(); ++i) {
-      const double amount = data.amounts[static_cast<size_t>(i)][static_cast<size_t>(s)];
+    for (int i = 0; i < data_.minerals(); ++i) {
+      const double amount = data_.amounts[static_cast<size_t>(i)][static_cast<size_t>(s)];
       if (std::isnan(amount)) continue;
       total += amount;
-      mode.TextRC(s + 1, i + 2, FormatRounded(amount, digits));
+      mode.TextRC(s + 1, i + 2, FormatRounded(amount, texts_.digits));
     }
-    mode.TextRC(s + 1, totalColumn, FormatRounded(total, digits));
-  }
-  mode.MaxCol(totalColumn);
-  mode.MaxRow(std::max(mode.LastRow(), 1));
-}
-
-void writeNotes(frmResult& result, const ModalLists& lists, const std::string& setUpName,
-                const std::vector<std::string>& messages) {
-  writeSampleIds(result.F1N, lists);
-  result.F1N.ColText(2, "Note");
-  for (size_t s = 0; s < messages.size(); ++s) {
-    result.F1N.TextRC(static_cast<int>(s) + 1, 2, setUpName + messages[s]);
+    mode.TextRC(s + 1, totalColumn_, FormatRounded(total, texts_.digits));
   }
 }
 
-void writeBulkChemistry(frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc) {
-  const int minerals = static_cast<int>(lists.MinIDs.size());
-  const int samples = static_cast<int>(lists.SampleIDs.size());
-  writeSampleIds(result.F1BulkC, lists);
-  CellStore& cells = result.F1BulkC.cellsForReader(1);
-  int column = 1;
-  std::vector<double> sums(static_cast<size_t>(samples));
-  for (const int e : usedElements(result.F1Min, minerals, F1ELoc.LastRow())) {
-    result.F1BulkC.ColText(++column, F1ELoc.TextRC(e, eloc::Form));
-    double multiplier = F1ELoc.NumberRC(e, eloc::Multiplier);
-    if (multiplier == 0) multiplier = 1;
+// From the rounded amounts, so that the sheets agree.
+void ResultWriter::writeBulkChemistry(int first, int last) {
+  CellStore& cells = result_.F1BulkC.cellsForReader(1);
+  std::vector<double> sums(static_cast<size_t>(last - first));
+  for (size_t k = 0; k < elementRows_.size(); ++k) {
     std::fill(sums.begin(), sums.end(), 0.0);
-    for (int i = 1; i <= minerals; ++i) {
-      const double content = result.F1Min.NumberRC(e, i);
+    for (int i = 1; i <= data_.minerals(); ++i) {
+      const double content = result_.F1Min.NumberRC(elementRows_[k], i);
       if (content == 0) continue;
-      for (int s = 0; s < samples; ++s) {
-        sums[static_cast<size_t>(s)] +=
-            result.F1MC.NumberRC(s + 1, i + 1) * (content / 100) / multiplier;
+      for (int s = first; s < last; ++s) {
+        sums[static_cast<size_t>(s - first)] +=
+            result_.F1MC.NumberRC(s + 1, i + 1) * (content / 100) / multipliers_[k];
       }
     }
-    for (int s = 0; s < samples; ++s) {
-      cells.setNumber(s + 1, column, sums[static_cast<size_t>(s)]);
+    for (int s = first; s < last; ++s) {
+      cells.setNumber(s + 1, static_cast<int>(k) + 2, sums[static_cast<size_t>(s - first)]);
     }
   }
 }
 
-void perturb(const Worksheet& original, int firstColumn, double percent, Worksheet& target) {
+void ResultWriter::finish() {
+  result_.F1MC.MaxCol(totalColumn_);
+  result_.F1MC.MaxRow(std::max(result_.F1MC.LastRow(), 1));
+}
+
+void perturb(const Worksheet& original, int firstColumn, double percent, Worksheet& target,
+             const Watch& watch) {
   target.CopyAll(original);
   for (int row = 1; row <= original.LastRow(); ++row) {
+    if (row % 64 == 0) watch.poll();
     for (int column = firstColumn; column <= original.LastCol(); ++column) {
       if (!original.HasContent(row, column)) continue;
       const double value = original.NumberRC(row, column);
@@ -174,6 +190,13 @@ void MineralChemistryWriter::write(const std::string& sampleId) {
       if (!value.isEmpty()) sheet.ValueSRC(1, row_, e + 2, value);
     }
   }
+}
+
+void keepChemistryOf(frmResult& result, const ModalLists& lists, int samples) {
+  Worksheet& sheet = result.F1MinChemPerSample;
+  const int kept = samples * static_cast<int>(lists.MinLabels.size());
+  if (kept >= sheet.LastRow()) return;
+  sheet.ClearRange(kept + 1, 1, sheet.LastRow(), sheet.LastCol());
 }
 
 }  // namespace lodex

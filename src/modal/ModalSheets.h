@@ -19,23 +19,42 @@ void writeMineralHeadings(frmResult& result, const ModalLists& lists);
 /// F1MinMax from F1Min: the element rows in which any mineral has a value.
 void fillMinMax(frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc);
 
-/// F1R with the headings of F1Ini.
-void writeResiduals(frmResult& result, const ModalData& data, const ModalLists& lists);
+/// Writes what was found for the samples, some of them at a time, so that all sheets end with the
+/// same sample.
+class ResultWriter {
+ public:
+  struct Texts {
+    int digits = 3;                            // decimals of the amounts
+    std::string setUpName;                     // begins every note
+    const std::vector<std::string>& messages;  // per sample: what the solver had to say
+  };
+  /// Writes the headings and the identifiers of all samples. F1Min must be complete.
+  ResultWriter(frmResult& result, const ModalData& data, const ModalLists& lists,
+               const Worksheet& F1ELoc, const Texts& texts);
 
-/// F1MC: amounts and total as text with `digits` decimals. Minerals that no round has solved stay
-/// empty. MaxRow and MaxCol become the used size.
-void writeAmounts(frmResult& result, const ModalData& data, const ModalLists& lists, int digits);
+  /// The samples first .. last - 1, from 0: F1R, F1MC, F1N and F1BulkC. Amounts and total are text;
+  /// minerals that no round has solved stay empty.
+  void write(int first, int last);
+  /// Sets MaxRow and MaxCol of F1MC to what is used.
+  void finish();
 
-/// F1N: the name of the set-up followed by what the solver had to say.
-void writeNotes(frmResult& result, const ModalLists& lists, const std::string& setUpName,
-                const std::vector<std::string>& messages);
+ private:
+  void writeResiduals(int first, int last);
+  void writeAmounts(int first, int last);
+  void writeBulkChemistry(int first, int last);
 
-/// F1BulkC: the assays that the amounts of F1MC make up.
-void writeBulkChemistry(frmResult& result, const ModalLists& lists, const Worksheet& F1ELoc);
+  frmResult& result_;
+  const ModalData& data_;
+  Texts texts_;
+  std::vector<int> elementRows_;     // of F1Min, those with data: the columns of F1BulkC
+  std::vector<double> multipliers_;  // parallel
+  int totalColumn_;
+};
 
 /// Copies `original` into `target`, from column `firstColumn` on each number with a normal error of
 /// `percent` per cent of it.
-void perturb(const Worksheet& original, int firstColumn, double percent, Worksheet& target);
+void perturb(const Worksheet& original, int firstColumn, double percent, Worksheet& target,
+             const Watch& watch);
 
 /// Copies those columns of `source` whose mark is set (mark n is column n + 1) into `target`.
 void restoreColumns(const Worksheet& source, const std::vector<bool>& marked, Worksheet& target);
@@ -53,5 +72,8 @@ class MineralChemistryWriter {
   int elements_;
   int row_ = 0;
 };
+
+/// Leaves only the rows of the first samples in F1MinChemPerSample.
+void keepChemistryOf(frmResult& result, const ModalLists& lists, int samples);
 
 }  // namespace lodex

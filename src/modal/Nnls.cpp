@@ -6,7 +6,7 @@
 namespace lodex {
 namespace {
 
-// How much of a column has to stand out of the columns already chosen for it to count as
+// How much of a column must be independent of the columns already chosen for it to count as
 // independent of them.
 constexpr double independenceFactor = 0.01;
 

@@ -26,7 +26,7 @@ int addSheet(Worksheet& book, const char* name) {
 }
 
 // Copies a sheet of results below a row with its headings. Text that is a number becomes one, shown
-// with `digits` decimals behind the first column.
+// with `digits` decimals after the first column.
 void addResult(Worksheet& book, const char* name, const Worksheet& source, int digits) {
   const int sheet = addSheet(book, name);
   int columns = source.LastCol();
@@ -95,7 +95,7 @@ Worksheet resultBook(const frmResult& result, const ModalLists& lists, const Wor
   addResult(book, "Notes", result.F1N, 0);
   addResult(book, "Chemistry", result.F1MinMax, residualDigits);
   addDissolution(book, result, lists, F1ELoc);
-  // The report's own heading line stands in row 1 so that the rounds below are a table.
+  // The report's own heading line goes to row 1 so that the rounds below are a table.
   const size_t table = setUpReport.find("Round\t");
   addLines(book, "SetUp", nullptr,
            table == std::string::npos ? setUpReport : setUpReport.substr(table));

@@ -1,6 +1,7 @@
 #include "modal/RetAndCalc.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -16,13 +17,16 @@
 #include "modal/RoundPlan.h"
 #include "modal/SetUp.h"
 #include "modal/StoredAssays.h"
+#include "modal/Watch.h"
+#include "session/AbortReason.h"
 
 namespace lodex {
 namespace {
 
 constexpr int progressEnd = 10;
 constexpr int shownCases = 256;  // right-hand sides of the last round that the solver form shows
-constexpr int samplesPerPoll = 256;
+constexpr int samplesPerBlock = 256;
+constexpr std::chrono::milliseconds betweenPolls{50};
 
 // The expression of a calculated X line with the sheet that it is calculated in.
 struct CalculatedLine {
@@ -45,40 +49,44 @@ class Driver {
         scratch_(scratch),
         session_(session) {}
 
-  void retrieve();
-  void simulate(ErrorSimulation& simulation);
-  void solve();
-
-  void progress(std::string_view text, int value) {
-    session_.progress.ShowProgress(text, value);
-    session_.pumpEvents();
-  }
+  Outcome run(ModalMode mode, ErrorSimulation* simulation);
 
  private:
-  // One press of the solver for a round: what the solver form shows afterwards.
+  // What the solver form shows afterwards: the last round solved.
   struct Shown {
     int m = 0, n = 0;
     std::vector<double> a;
     std::vector<std::vector<double>> b, x, r;
   };
+  // A round with the work space of its solver.
+  struct Press {
+    LinearModels models;
+    std::vector<double> a, b, x;
+  };
 
-  void log(const std::string& text) { session_.log.LisaaLog(text, LogKind::Log); }
-  bool aborted();
+  void poll();
+  void pollNow();
+  void progress(std::string_view text, int value);
+  void retrieve();
+  void simulate(ErrorSimulation& simulation);
+  void solve();
   void retrieveChemistry();
   void retrieveDissolution();
   void requireNumbers();
   void solveBatch();
+  void solveBlock(int firstSample, int lastSample);
   void solvePerSample();
   void compileExpressions();
-  void startPress(const PlannedRound& round);
-  void solveCase(const PlannedRound& round, int sample);
+  void startPress(const PlannedRound& round, Press& press);
+  void show(const PlannedRound& round, const Press& press);
+  void solveCase(const PlannedRound& round, Press& press, int sample);
   void defineByFormula(const PlannedRound& round, int firstSample, int lastSample);
   void subtractRound(const PlannedRound& round, int firstSample, int lastSample);
   void useOwnChemistry(const PlannedRound& round, int sample, SampleChemistry& own);
   double rightHandSide(const PlannedRound& round, size_t equation, int sample);
   std::vector<double> amountsOf(int sample) const;
   void showLastPress();
-  void fix();
+  void writeResults();
 
   const ModalRequest& request_;
   const Worksheet& F1ELoc_;
@@ -90,21 +98,56 @@ class Driver {
 
   std::optional<ModalData> data_;
   RoundPlan plan_;
-  LinearModels models_;
-  std::vector<double> a_, b_, x_;
+  std::vector<Press> presses_;                // parallel to the rounds
+  const PlannedRound* lastSolved_ = nullptr;  // the last round that is not a formula
   std::map<const PlannedEquation*, std::unique_ptr<CalculatedLine>> calculated_;
   std::vector<int> onlyText_;          // columns of F1Ini read just now that hold only text
   std::vector<std::string> messages_;  // per sample, from the solver
   std::vector<bool> ownComposition_;   // per mineral: F1Min was overwritten for the sample at hand
   Shown shown_;
+  int finished_ = 0;  // samples that went through all rounds
+  Outcome outcome_;
+  const Watch watch_{outcome_.found, [this] { poll(); }};
+  std::chrono::steady_clock::time_point nextPoll_;
 };
 
-bool Driver::aborted() {
+Outcome Driver::run(ModalMode mode, ErrorSimulation* simulation) {
+  try {
+    session_.progress.ShowStop(true);
+    if (mode == ModalMode::Automated || mode == ModalMode::Retrieve) retrieve();
+    if (mode == ModalMode::Simulate && simulation != nullptr) simulate(*simulation);
+    solve();
+  } catch (const AbortRequested&) {
+    // Before the first sample was solved.
+    outcome_.ended = Ended::Aborted;
+    outcome_.reason = "before any sample was calculated";
+  } catch (const Error& error) {
+    outcome_.ended = Ended::Failed;
+    outcome_.reason = error.what();
+  }
+  session_.progress.ShowStop(false);
+  return std::move(outcome_);
+}
+
+// --- Progress and abort ---
+
+// Asking lets windows paint, so it is done only so often.
+void Driver::poll() {
+  if (std::chrono::steady_clock::now() >= nextPoll_) pollNow();
+}
+
+void Driver::pollNow() {
   session_.pumpEvents();
-  if (!session_.progress.AbortFlag) return false;
+  nextPoll_ = std::chrono::steady_clock::now() + betweenPolls;
+  if (!session_.progress.AbortFlag) return;
   session_.log.LisaaLog("!! Aborted !!");
   session_.progress.AbortFlag = false;
-  return true;
+  throw AbortRequested();
+}
+
+void Driver::progress(std::string_view text, int value) {
+  session_.progress.ShowProgress(text, value);
+  pollNow();
 }
 
 // --- Retrieval ---
@@ -115,11 +158,10 @@ void Driver::retrieve() {
   clearSheet(result_.F1Min);
   clearSheet(result_.F1Kirja);
   clearSheet(result_.F1MinMax);
-  const auto tell = [this](const std::string& text) { log(text); };
   if (request_.stored != nullptr) {
-    retrieveStoredAssays(*request_.stored, *request_.F1Ref, F1ELoc_, lists_, result_, tell);
+    retrieveStoredAssays(*request_.stored, *request_.F1Ref, F1ELoc_, lists_, result_, watch_);
   } else {
-    onlyText_ = retrieveAssays(request_.assays, F1ELoc_, lists_, result_, tell);
+    onlyText_ = retrieveAssays(request_.assays, F1ELoc_, lists_, result_, watch_);
   }
   retrieveChemistry();
   retrieveDissolution();
@@ -135,10 +177,11 @@ void Driver::retrieveChemistry() {
       progress("Retrieving mineral/phase " + std::to_string(mineral) + " of " + total + " ...", 4);
     };
     RetrieveMineralChemistry(*request_.minerals, lists_, F1ELoc_, result_.F1Min, show,
-                             [this](const std::string& text) { log(text); });
+                             outcome_.found);
   } catch (const Error&) {
     if (current >= 1 && current <= static_cast<int>(lists_.MinLabels.size())) {
-      log("No chemistry for " + lists_.MinLabels[static_cast<size_t>(current) - 1]);
+      outcome_.found.error("No chemistry for " +
+                           lists_.MinLabels[static_cast<size_t>(current) - 1]);
     }
     throw;
   }
@@ -175,9 +218,9 @@ void Driver::simulate(ErrorSimulation& simulation) {
     result_.F1D2.CopyAll(result_.F1Disso);
     simulation.start = false;
   }
-  perturb(result_.F1Ini2, 2, simulation.assays, result_.F1Ini);
-  perturb(result_.F1Min2, 1, simulation.minerals, result_.F1Min);
-  perturb(result_.F1D2, 1, simulation.dissolution, result_.F1Disso);
+  perturb(result_.F1Ini2, 2, simulation.assays, result_.F1Ini, watch_);
+  perturb(result_.F1Min2, 1, simulation.minerals, result_.F1Min, watch_);
+  perturb(result_.F1D2, 1, simulation.dissolution, result_.F1Disso, watch_);
 }
 
 // --- Solving ---
@@ -187,15 +230,12 @@ void Driver::solve() {
   result_.optRes.select(0);
   result_.F1MinB.CopyAll(result_.F1Min);
   solver_.resize(1, 1, 1);
-  clearSheet(result_.F1R);
-  clearSheet(result_.F1MC);
-  clearSheet(result_.F1BulkC);
   writeMineralHeadings(result_, lists_);
 
-  data_.emplace(result_, lists_, F1ELoc_);
+  data_.emplace(result_, lists_, F1ELoc_, watch_);
   messages_.assign(static_cast<size_t>(data_->samples()), "");
-  plan_ = planRounds(*request_.F1CalcOpt, F1ELoc_, *data_, lists_, result_.F1MC, scratch_.F1X,
-                     [this](const std::string& text) { log(text); });
+  plan_ =
+      planRounds(*request_.F1CalcOpt, F1ELoc_, *data_, lists_, result_.F1MC, scratch_.F1X, watch_);
   result_.equationColumns.clear();
   const std::vector<bool> used = plan_.usedAssays(*data_);
   for (size_t k = 0; k < used.size(); ++k) {
@@ -203,15 +243,17 @@ void Driver::solve() {
   }
   requireNumbers();
   compileExpressions();
-  session_.progress.ShowStop(true);
-  if (plan_.perSample) {
-    solvePerSample();
-  } else {
-    solveBatch();
+  try {
+    plan_.perSample ? solvePerSample() : solveBatch();
+  } catch (const AbortRequested&) {
+    outcome_.ended = Ended::Aborted;
   }
-  session_.progress.ShowStop(false);
   showLastPress();
-  fix();
+  writeResults();
+  if (outcome_.done()) return;
+  const std::vector<std::string>& ids = lists_.SampleIDs;
+  const std::string last = finished_ > 0 ? ids[static_cast<size_t>(finished_) - 1] : std::string();
+  outcome_.reason = abortReason(last, finished_, static_cast<int>(ids.size()));
 }
 
 // Assays of nothing but text, such as numbers with decimal commas, would pass for samples of
@@ -224,26 +266,47 @@ void Driver::requireNumbers() {
   if (none) throw Error("The assays of all equations are text: there is no number among them");
 }
 
+// Samples go through all rounds in blocks, so that an abort leaves whole samples.
 void Driver::solveBatch() {
-  const std::string total = std::to_string(plan_.rounds.size());
-  for (const PlannedRound& round : plan_.rounds) {
-    progress("Solving round " + std::to_string(round.number) + " / " + total + " ...", 7);
-    if (round.isFormula) {
-      defineByFormula(round, 0, data_->samples());
-    } else {
-      if (round.model == EstimationModel::WeighedLeastSquare && data_->samples() > 1) {
-        log("Round " + std::to_string(round.number) + ": " +
-            modelCaptions()[static_cast<size_t>(round.model)] +
-            " weighs by the assays of the first sample when all samples are solved together");
-      }
-      startPress(round);
-      for (int s = 0; s < data_->samples(); ++s) {
-        if (s % samplesPerPoll == 0 && aborted()) return;
-        solveCase(round, s);
-      }
+  presses_.resize(plan_.rounds.size());
+  for (size_t r = 0; r < plan_.rounds.size(); ++r) {
+    const PlannedRound& round = plan_.rounds[r];
+    if (round.isFormula) continue;
+    if (round.model == EstimationModel::WeighedLeastSquare && data_->samples() > 1) {
+      outcome_.found.note("Round " + std::to_string(round.number) + ": " +
+                          modelCaptions()[static_cast<size_t>(round.model)] +
+                          " weighs by the assays of the first sample when all samples are solved "
+                          "together");
     }
-    subtractRound(round, 0, data_->samples());
-    if (aborted()) return;
+    startPress(round, presses_[r]);
+    show(round, presses_[r]);
+    lastSolved_ = &round;
+  }
+  for (int first = 0; first < data_->samples(); first += samplesPerBlock) {
+    const int last = std::min(first + samplesPerBlock, data_->samples());
+    solveBlock(first, last);
+    finished_ = last;
+  }
+}
+
+void Driver::solveBlock(int firstSample, int lastSample) {
+  const std::string total = std::to_string(plan_.rounds.size());
+  if (firstSample > 0) {
+    progress("Solving sample " + std::to_string(firstSample + 1) + " / " +
+                 std::to_string(data_->samples()) + " ...",
+             7);
+  }
+  for (size_t r = 0; r < plan_.rounds.size(); ++r) {
+    const PlannedRound& round = plan_.rounds[r];
+    if (firstSample == 0) {
+      progress("Solving round " + std::to_string(round.number) + " / " + total + " ...", 7);
+    }
+    if (round.isFormula) {
+      defineByFormula(round, firstSample, lastSample);
+    } else {
+      for (int s = firstSample; s < lastSample; ++s) solveCase(round, presses_[r], s);
+    }
+    subtractRound(round, firstSample, lastSample);
   }
 }
 
@@ -253,11 +316,12 @@ void Driver::solvePerSample() {
   if (request_.minerals == nullptr) throw Error("The mineral database is not open");
   SampleChemistry own(*request_.minerals);
   MineralChemistryWriter used(result_, lists_, F1ELoc_);
+  Press press;
   for (int s = 0; s < data_->samples(); ++s) {
-    if (s % samplesPerPoll == 0) {
+    if (s % samplesPerBlock == 0) {
       progress("Solving sample " + std::to_string(s + 1) + " / " + total + " ...", 7);
     }
-    if (aborted()) return;
+    poll();
     restoreColumns(result_.F1MinB, ownComposition_, result_.F1Min);
     for (int mineral = 0; mineral < data_->minerals(); ++mineral) {
       if (ownComposition_[static_cast<size_t>(mineral)]) {
@@ -270,12 +334,15 @@ void Driver::solvePerSample() {
         defineByFormula(round, s, s + 1);
       } else {
         useOwnChemistry(round, s, own);
-        startPress(round);
-        solveCase(round, s);
+        startPress(round, press);
+        show(round, press);
+        lastSolved_ = &round;
+        solveCase(round, press, s);
       }
       subtractRound(round, s, s + 1);
     }
     used.write(lists_.SampleIDs[static_cast<size_t>(s)]);
+    finished_ = s + 1;
   }
 }
 
@@ -287,20 +354,29 @@ void Driver::useOwnChemistry(const PlannedRound& round, int sample, SampleChemis
     const bool found = own.overwrite(mineral.kind, mineral.symbol, lists_.MinIDs[place],
                                      lists_.SampleIDs[static_cast<size_t>(sample)], F1ELoc_,
                                      result_.F1Min, round.number);
-    if (!found) continue;
+    if (!found) {
+      outcome_.found.note("Mineral " + mineral.identifier +
+                              " has no composition of its own: the general one is taken",
+                          {.record = lists_.SampleIDs[static_cast<size_t>(sample)]});
+      continue;
+    }
     ownComposition_[place] = true;
     data_->readComposition(result_.F1Min, round.number - 1);
   }
 }
 
-void Driver::startPress(const PlannedRound& round) {
+void Driver::startPress(const PlannedRound& round, Press& press) {
   const auto m = round.equations.size();
   const auto n = round.minerals.size();
-  fillCoefficients(round, *data_, a_);
-  models_.start(round.model, static_cast<int>(m), static_cast<int>(n), a_.data());
-  b_.assign(m, 0.0);
-  x_.assign(n, 0.0);
-  shown_ = {static_cast<int>(m), static_cast<int>(n), a_, {}, {}, {}};
+  fillCoefficients(round, *data_, press.a);
+  press.models.start(round.model, static_cast<int>(m), static_cast<int>(n), press.a.data());
+  press.b.assign(m, 0.0);
+  press.x.assign(n, 0.0);
+}
+
+void Driver::show(const PlannedRound& round, const Press& press) {
+  shown_ = {
+      static_cast<int>(press.b.size()), static_cast<int>(press.x.size()), press.a, {}, {}, {}};
   solver_.optMalli.select(static_cast<int>(round.model));
 }
 
@@ -324,8 +400,8 @@ double Driver::rightHandSide(const PlannedRound& round, size_t equation, int sam
       AmountFormula& expression = calculated_.at(&e)->formula;
       const double value = expression.evaluate(amountsOf(sample));
       if (expression.failed()) {
-        session_.log.LisaaLog("Line " + e.item + " gives " + expression.errorText(), LogKind::Log,
-                              true);
+        outcome_.found.error("Line " + e.item + " gives " + expression.errorText() + ": 0 is taken",
+                             {.record = lists_.SampleIDs[s]});
       }
       const bool noNegative = round.model == EstimationModel::NonNegative ||
                               round.model == EstimationModel::WeighedNonNegative;
@@ -339,21 +415,27 @@ double Driver::rightHandSide(const PlannedRound& round, size_t equation, int sam
   }
 }
 
-void Driver::solveCase(const PlannedRound& round, int sample) {
+void Driver::solveCase(const PlannedRound& round, Press& press, int sample) {
+  constexpr int casesPerPoll = 16;
+  if (sample % casesPerPoll == 0) poll();
   const auto s = static_cast<size_t>(sample);
-  for (size_t i = 0; i < b_.size(); ++i) b_[i] = rightHandSide(round, i, sample);
-  const bool show = shown_.b.size() < shownCases;
-  if (show) shown_.r.emplace_back(b_.size());
-  const std::string_view message =
-      models_.solve(b_.data(), x_.data(), show ? shown_.r.back().data() : nullptr);
-  if (show) {
-    shown_.b.push_back(b_);
-    shown_.x.push_back(x_);
+  for (size_t i = 0; i < press.b.size(); ++i) press.b[i] = rightHandSide(round, i, sample);
+  const bool isShown = &round == lastSolved_ && shown_.b.size() < shownCases;
+  if (isShown) shown_.r.emplace_back(press.b.size());
+  const std::string_view message = press.models.solve(press.b.data(), press.x.data(),
+                                                      isShown ? shown_.r.back().data() : nullptr);
+  if (isShown) {
+    shown_.b.push_back(press.b);
+    shown_.x.push_back(press.x);
   }
-  if (!message.empty()) messages_[s] += message;
+  if (!message.empty()) {
+    messages_[s] += message;
+    outcome_.found.warn("Round " + std::to_string(round.number) + ":" + std::string(message),
+                        {.record = lists_.SampleIDs[s]});
+  }
   for (size_t j = 0; j < round.minerals.size(); ++j) {
     const int number = round.minerals[j].resultNumber;
-    if (number >= 0) data_->amounts[static_cast<size_t>(number)][s] = x_[j];
+    if (number >= 0) data_->amounts[static_cast<size_t>(number)][s] = press.x[j];
   }
 }
 
@@ -377,6 +459,7 @@ void Driver::defineByFormula(const PlannedRound& round, int firstSample, int las
                       AmountFormula::Layout::Column, AmountFormula::Totals::Unknown);
     }
     for (int s = firstSample; s < lastSample; ++s) {
+      poll();
       std::vector<double> amounts = amountsOf(s);
       double value = 0;
       if (isRest) {
@@ -387,9 +470,9 @@ void Driver::defineByFormula(const PlannedRound& round, int firstSample, int las
       } else {
         value = formula->evaluate(amounts);
         if (formula->failed()) {
-          session_.log.LisaaLog("Equation " + mineral.formula + " of " + mineral.identifier +
-                                    " gives " + formula->errorText(),
-                                LogKind::Log, true);
+          outcome_.found.error("Equation " + mineral.formula + " of " + mineral.identifier +
+                                   " gives " + formula->errorText() + ": 0 is taken",
+                               {.record = lists_.SampleIDs[static_cast<size_t>(s)]});
         }
       }
       data_->amounts[number][static_cast<size_t>(s)] = value;
@@ -427,12 +510,25 @@ void Driver::showLastPress() {
   fill(solver_.F1R, shown_.r);
 }
 
-void Driver::fix() {
-  progress("Fixing ...", 9);
-  writeResiduals(result_, *data_, lists_);
-  writeAmounts(result_, *data_, lists_, request_.digits);
-  writeNotes(result_, lists_, request_.setUpName, messages_);
-  writeBulkChemistry(result_, lists_, F1ELoc_);
+// An abort that comes only now drops the samples not yet written.
+void Driver::writeResults() {
+  session_.progress.ShowProgress("Fixing ...", 9);
+  ResultWriter writer(result_, *data_, lists_, F1ELoc_,
+                      {request_.digits, request_.setUpName, messages_});
+  int written = 0;
+  try {
+    while (written < finished_) {
+      if (outcome_.done()) pollNow();
+      const int last = std::min(written + samplesPerBlock, finished_);
+      writer.write(written, last);
+      written = last;
+    }
+  } catch (const AbortRequested&) {
+    outcome_.ended = Ended::Aborted;
+    finished_ = written;
+    keepChemistryOf(result_, lists_, finished_);
+  }
+  writer.finish();
 }
 
 }  // namespace
@@ -441,26 +537,29 @@ double GaussianDeviate(double mean, double sd) {
   return RandomGauss(mean, sd);
 }
 
-void RetAndCalc(const ModalRequest& request, int mode, ModalLists& lists, frmResult& result,
-                frmSolve& solver, ModalScratch& scratch, Session& session,
-                ErrorSimulation* simulation) {
-  Driver driver(request, lists, result, solver, scratch, session);
-  clearSheet(result.F1N);
-  clearSheet(result.F1MinChemPerSample);
-  if (mode != modalMode::Simulate) {
-    session.progress.bar.setMaximum(progressEnd);
-    driver.progress("Counting rounds...", 1);
+Outcome RetAndCalc(const ModalRequest& request, ModalMode mode, ModalLists& lists,
+                   frmResult& result, frmSolve& solver, ModalScratch& scratch, Session& session,
+                   ErrorSimulation* simulation) {
+  for (Worksheet* sheet :
+       {&result.F1N, &result.F1MinChemPerSample, &result.F1R, &result.F1MC, &result.F1BulkC}) {
+    clearSheet(*sheet);
   }
+  result.equationColumns.clear();
+  if (mode != ModalMode::Simulate) {
+    session.progress.bar.setMaximum(progressEnd);
+    session.progress.ShowProgress("Counting rounds...", 1);
+  }
+  Outcome outcome;
   try {
-    if (mode <= 0) driver.retrieve();
-    if (mode == modalMode::Simulate && simulation != nullptr) driver.simulate(*simulation);
-    driver.solve();
+    outcome = Driver(request, lists, result, solver, scratch, session).run(mode, simulation);
   } catch (...) {
     session.progress.ShowProgress("", 0);
     throw;
   }
   session.progress.ShowProgress("", 0);
-  session.progress.txtInfo.setCaption("Calculation ready!");
+  if (outcome.done()) session.progress.txtInfo.setCaption("Calculation ready!");
+  if (outcome.aborted()) session.progress.txtInfo.setCaption("Aborted " + outcome.reason);
+  return outcome;
 }
 
 }  // namespace lodex

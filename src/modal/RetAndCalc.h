@@ -37,13 +37,13 @@ struct ModalRequest {
   std::string setUpName;
 };
 
-/// Modes of RetAndCalc. Any negative number is an automated run.
-namespace modalMode {
-inline constexpr int Automated = -1;  // retrieve and solve
-inline constexpr int Retrieve = 0;    // retrieve and solve
-inline constexpr int SolveAgain = 1;  // solve with the data retrieved before
-inline constexpr int Simulate = 2;    // solve with errors added to those data
-}  // namespace modalMode
+/// What a run does; the numbers are those that callers' texts use.
+enum class ModalMode {
+  Automated = -1,  // retrieve and solve, without windows
+  Retrieve = 0,    // retrieve and solve
+  SolveAgain = 1,  // solve with the data retrieved before
+  Simulate = 2,    // solve with errors added to those data
+};
 
 /// Hidden sheets that the driver works in, so that they can be inspected.
 struct ModalScratch {
@@ -53,12 +53,16 @@ struct ModalScratch {
 
 /// The modal calculation: fetches the assays and the mineral chemistry, finds round by round the
 /// amounts of the round's minerals from what the rounds before leave unexplained, and fills the
-/// sheets of `result`; the last round solved stands in `solver`. Amounts are text rounded to the
-/// decimals asked for. Reports to the session's progress line and log; a set abort flag ends it
-/// early with what there is. Throws Error when it cannot go on.
-void RetAndCalc(const ModalRequest& request, int mode, ModalLists& lists, frmResult& result,
-                frmSolve& solver, ModalScratch& scratch, Session& session,
-                ErrorSimulation* simulation = nullptr);
+/// sheets of `result`; `solver` shows the last round solved. Amounts are text rounded to the
+/// decimals asked for.
+///
+/// Aborted by the session's abort flag, the run keeps the samples that went through all rounds;
+/// the others are empty in all result sheets, and the reason names the last one kept. Failed, the
+/// result sheets are empty. What was noticed is in the outcome alone: the caller hands it to the
+/// session.
+Outcome RetAndCalc(const ModalRequest& request, ModalMode mode, ModalLists& lists,
+                   frmResult& result, frmSolve& solver, ModalScratch& scratch, Session& session,
+                   ErrorSimulation* simulation = nullptr);
 
 /// A normal deviate by the polar method of Marsaglia.
 double GaussianDeviate(double mean, double sd);

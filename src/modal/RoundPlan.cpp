@@ -16,8 +16,6 @@
 namespace lodex {
 namespace {
 
-using Log = std::function<void(const std::string&)>;
-
 // Numbers compare as numbers: sample "7" is also sample "7.0".
 std::string sampleKey(std::string_view text) {
   const auto number = parseNumber(text);
@@ -25,9 +23,9 @@ std::string sampleKey(std::string_view text) {
 }
 
 std::vector<double> readXFile(const PlannedEquation& equation, const XLine& x,
-                              const ModalLists& lists, Worksheet& F1X) {
+                              const ModalLists& lists, Worksheet& F1X, Findings& found) {
   const std::string line = "Line " + equation.item + ": ";
-  if (x.file.empty()) throw FileError(line + "there is no file behind it");
+  if (x.file.empty()) throw FileError(line + "it names no file");
   if (x.sampleColumn < 1 || x.valueColumn < 1) {
     throw FileError(line + "the columns of sample and value are not known");
   }
@@ -40,6 +38,10 @@ std::vector<double> readXFile(const PlannedEquation& equation, const XLine& x,
   for (const std::string& sample : lists.SampleIDs) {
     const auto hit = values.find(sampleKey(sample));
     out.push_back(hit == values.end() ? 0 : hit->second);
+    if (hit == values.end()) {
+      found.warn(line + "the file has no such sample: 0 is taken",
+                 {.file = x.file, .record = sample});
+    }
   }
   return out;
 }
@@ -57,7 +59,7 @@ int methodIndex(const ModalData& data, int element, const std::string& method) {
 }
 
 // An item such as "SiO2 (12) / XRF" counts by its row, whatever its label says.
-void reportLabel(const std::string& item, int row, const Worksheet& F1ELoc, const Log& log) {
+void reportLabel(const std::string& item, int row, const Worksheet& F1ELoc, Findings& found) {
   const std::string label(trimBlanks(std::string_view(item).substr(0, item.find('('))));
   if (label.empty() || row < 1 || row > F1ELoc.LastRow()) return;
   for (const int column :
@@ -65,16 +67,16 @@ void reportLabel(const std::string& item, int row, const Worksheet& F1ELoc, cons
     const std::string name = F1ELoc.TextRC(row, column);
     if (label == name || label == name.substr(0, name.find(' '))) return;
   }
-  log("Equation " + item + " takes " + F1ELoc.TextRC(row, eloc::Element) + ", element row " +
-      std::to_string(row) + ", not " + label);
+  found.warn("Equation " + item + " takes " + F1ELoc.TextRC(row, eloc::Element) + ", element row " +
+             std::to_string(row) + ", not " + label);
 }
 
-void reportModel(const Worksheet& F1CalcOpt, const PlannedRound& round, int row, const Log& log) {
+void reportModel(const Worksheet& F1CalcOpt, const PlannedRound& round, int row, Findings& found) {
   const std::string model = F1CalcOpt.TextRC(row, setup::Model);
   const auto taken = static_cast<int>(round.model);
   if (model.empty() || parseInteger(model) == taken) return;
-  log("Estimation model " + model + " of round " + std::to_string(round.number) +
-      " is not known: " + modelCaptions()[static_cast<size_t>(taken)] + " is taken");
+  found.warn("Estimation model " + model + " of round " + std::to_string(round.number) +
+             " is not known: " + modelCaptions()[static_cast<size_t>(taken)] + " is taken");
 }
 
 // The solver's work space grows with the square of the larger side.
@@ -94,7 +96,7 @@ std::string methodOf(const Worksheet& F1CalcOpt, int row, const std::string& ite
 }
 
 PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalData& data,
-                             const ModalLists& lists, Worksheet& F1X) {
+                             const ModalLists& lists, Worksheet& F1X, Findings& found) {
   PlannedEquation equation;
   equation.item = F1CalcOpt.TextRC(row, setup::Equation);
   equation.kind = equationKind(equation.item);
@@ -112,7 +114,7 @@ PlannedEquation planEquation(const Worksheet& F1CalcOpt, int row, const ModalDat
       break;
     case EquationKind::XFile:
       equation.coefficients = x.text;
-      equation.values = readXFile(equation, x, lists, F1X);
+      equation.values = readXFile(equation, x, lists, F1X, found);
       break;
     case EquationKind::XCalculated: {
       // A set-up file keeps only the item, which holds the expression as well.
@@ -143,7 +145,7 @@ PlannedMineral planMineral(const Worksheet& F1CalcOpt, int row, const ModalLists
 
 PlannedRound planRound(const Worksheet& F1CalcOpt, int number, const ModalData& data,
                        const ModalLists& lists, const Worksheet& F1MC, Worksheet& F1X,
-                       bool perSample) {
+                       bool perSample, Findings& found) {
   PlannedRound round;
   round.number = number;
   const RoundRows rows = findRound(F1CalcOpt, number);
@@ -157,7 +159,7 @@ PlannedRound planRound(const Worksheet& F1CalcOpt, int number, const ModalData& 
   for (int row = rows.first; row < rows.first + rows.count; ++row) {
     const std::string item = F1CalcOpt.TextRC(row, setup::Equation);
     if (!item.empty() && !round.isFormula) {
-      round.equations.push_back(planEquation(F1CalcOpt, row, data, lists, F1X));
+      round.equations.push_back(planEquation(F1CalcOpt, row, data, lists, F1X, found));
     }
     if (!F1CalcOpt.HasContent(row, setup::Mineral)) continue;
     round.minerals.push_back(planMineral(F1CalcOpt, row, lists, F1MC, perSample));
@@ -166,23 +168,23 @@ PlannedRound planRound(const Worksheet& F1CalcOpt, int number, const ModalData& 
   return round;
 }
 
-void reportEquations(const RoundPlan& plan, const ModalData& data, const Log& log) {
+void reportEquations(const RoundPlan& plan, const ModalData& data, Findings& found) {
   const std::vector<bool> used = plan.usedAssays(data);
   for (const PlannedRound& round : plan.rounds) {
     for (const PlannedEquation& equation : round.equations) {
       if (equation.kind != EquationKind::Assay || equation.assay >= 0) continue;
-      log("Equation " + equation.item + " of round " + std::to_string(round.number) +
-          " has no assay: 0 is taken for it");
+      found.warn("Equation " + equation.item + " of round " + std::to_string(round.number) +
+                 " has no assay: 0 is taken for it");
     }
   }
   for (int assay = 0; assay < data.assays(); ++assay) {
-    // Fields of a database that are no assays at all are not worth a word.
+    // Fields of a database that are not assays need no mention.
     if (used[static_cast<size_t>(assay)] || !data.isAssay(assay)) continue;
-    log("Assay " + data.assayNames[static_cast<size_t>(assay)] + " feeds no equation");
+    found.note("Assay " + data.assayNames[static_cast<size_t>(assay)] + " feeds no equation");
   }
 }
 
-void reportMinerals(const RoundPlan& plan, const ModalLists& lists, const Log& log) {
+void reportMinerals(const RoundPlan& plan, const ModalLists& lists, Findings& found) {
   for (size_t i = 0; i < lists.MinLabels.size(); ++i) {
     const std::string& label = lists.MinLabels[i];
     bool inRound = false;
@@ -191,26 +193,27 @@ void reportMinerals(const RoundPlan& plan, const ModalLists& lists, const Log& l
         inRound = inRound || mineral.number == static_cast<int>(i) || mineral.identifier == label;
       }
     }
-    if (!inRound) log("Mineral " + label + " is in no round");
+    if (!inRound) found.warn("Mineral " + label + " is in no round");
     for (size_t j = 0; j < i; ++j) {
       if (lists.MinLabels[j] == label) continue;
       if (symbolOrText(lists.MinLabels[j]) == symbolOrText(label)) {
-        log("Minerals " + lists.MinLabels[j] + " and " + label + " share the symbol " +
-            symbolOrText(label));
+        found.warn("Minerals " + lists.MinLabels[j] + " and " + label + " share the symbol " +
+                   symbolOrText(label));
       }
       if (lists.MinIDs[j] == lists.MinIDs[i]) {
-        log("Minerals " + lists.MinLabels[j] + " and " + label + " share the number " +
-            lists.MinIDs[i] + ": the composition of the first counts for both");
+        found.warn("Minerals " + lists.MinLabels[j] + " and " + label + " share the number " +
+                   lists.MinIDs[i] + ": the composition of the first counts for both");
       }
     }
   }
   for (const PlannedRound& round : plan.rounds) {
     for (const PlannedMineral& mineral : round.minerals) {
-      if (mineral.number < 0) log("Mineral " + mineral.identifier + " is not in the calculation");
+      if (mineral.number >= 0) continue;
+      found.error("Mineral " + mineral.identifier + " is not in the calculation");
     }
     if (!round.isFormula && (round.equations.empty() || round.minerals.empty())) {
-      log("Round " + std::to_string(round.number) + " has no " +
-          (round.equations.empty() ? "equations" : "minerals"));
+      found.warn("Round " + std::to_string(round.number) + " has no " +
+                 (round.equations.empty() ? "equations" : "minerals"));
     }
   }
 }
@@ -229,25 +232,27 @@ std::vector<bool> RoundPlan::usedAssays(const ModalData& data) const {
 
 RoundPlan planRounds(const Worksheet& F1CalcOpt, const Worksheet& F1ELoc, const ModalData& data,
                      const ModalLists& lists, const Worksheet& F1MC, Worksheet& F1X,
-                     const Log& log) {
+                     const Watch& watch) {
   RoundPlan plan;
   for (int row = 1; row <= F1CalcOpt.LastRow(); ++row) {
     plan.perSample = plan.perSample || F1CalcOpt.NumberRC(row, setup::SampleSpecific) == 1 ||
                      F1CalcOpt.NumberRC(row, setup::Special) == 1;
   }
   for (const int number : roundNumbers(F1CalcOpt)) {
-    plan.rounds.push_back(planRound(F1CalcOpt, number, data, lists, F1MC, F1X, plan.perSample));
+    watch.poll();
+    plan.rounds.push_back(
+        planRound(F1CalcOpt, number, data, lists, F1MC, F1X, plan.perSample, watch.found));
   }
   for (const PlannedRound& round : plan.rounds) {
-    reportModel(F1CalcOpt, round, findRound(F1CalcOpt, round.number).first, log);
+    reportModel(F1CalcOpt, round, findRound(F1CalcOpt, round.number).first, watch.found);
     requireSize(round);
     for (const PlannedEquation& equation : round.equations) {
       if (equation.kind != EquationKind::Assay) continue;
-      reportLabel(equation.item, equation.element + 1, F1ELoc, log);
+      reportLabel(equation.item, equation.element + 1, F1ELoc, watch.found);
     }
   }
-  reportEquations(plan, data, log);
-  reportMinerals(plan, lists, log);
+  reportEquations(plan, data, watch.found);
+  reportMinerals(plan, lists, watch.found);
   return plan;
 }
 

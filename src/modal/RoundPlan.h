@@ -1,12 +1,12 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "modal/LinearModels.h"
 #include "modal/ModalData.h"
 #include "modal/SetUp.h"
+#include "modal/Watch.h"
 
 namespace lodex {
 
@@ -28,7 +28,7 @@ struct PlannedMineral {
   int number = -1;        // place in MinIDs
   int resultNumber = -1;  // the mineral whose column takes the amount; -1 for none
   bool sampleSpecific = false;
-  std::string formula;  // formula rounds: the text behind "###"
+  std::string formula;  // formula rounds: the text after "###"
 };
 
 struct PlannedRound {
@@ -49,13 +49,14 @@ struct RoundPlan {
 };
 
 /// Resolves the set-up against the assays and minerals. `F1MC` has its mineral headings already,
-/// `F1X` is the sheet into which files of X lines are read. `log` is told of what a user could
-/// miss: equations without an assay, assays without an equation, minerals in no round, symbols
-/// that two minerals share, labels and models that do not fit. Throws FileError for an X line whose
-/// file cannot be read, Error for a round that is too large to be solved.
+/// `F1X` is the sheet into which files of X lines are read. Reports equations
+/// without an assay, assays without an equation, minerals in no round, symbols that two minerals
+/// share, labels and models that do not fit, and samples that the file of an X line lacks. Throws
+/// FileError for an X line whose file cannot be read, Error for a round that is too large to be
+/// solved.
 RoundPlan planRounds(const Worksheet& F1CalcOpt, const Worksheet& F1ELoc, const ModalData& data,
                      const ModalLists& lists, const Worksheet& F1MC, Worksheet& F1X,
-                     const std::function<void(const std::string&)>& log);
+                     const Watch& watch);
 
 /// The coefficients of a round, stored column by column: equations x minerals, as mass fractions.
 void fillCoefficients(const PlannedRound& round, const ModalData& data, std::vector<double>& a);

@@ -18,7 +18,7 @@ int wholeNumber(const Worksheet& sheet, int row, int column) {
   return parseInteger(sheet.TextRC(row, column)).value_or(0);
 }
 
-std::string behindLastSlash(std::string_view text) {
+std::string afterLastSlash(std::string_view text) {
   const size_t slash = text.rfind('/');
   return std::string(slash == std::string_view::npos ? text : text.substr(slash + 1));
 }
@@ -29,7 +29,7 @@ void clearRow(Worksheet& sheet, int row) {
 
 void storeMineral(Worksheet& sheet, int row, const RoundMineral& mineral) {
   const size_t slash = mineral.identifier.rfind('/');
-  sheet.TextRC(row, setup::MineralId, behindLastSlash(mineral.identifier));
+  sheet.TextRC(row, setup::MineralId, afterLastSlash(mineral.identifier));
   sheet.TextRC(row, setup::MineralHead,
                slash == std::string::npos ? "" : mineral.identifier.substr(0, slash));
   sheet.TextRC(row, setup::Mineral, mineral.identifier);
@@ -59,7 +59,7 @@ void storeEquation(Worksheet& sheet, int row, const RoundEquation& equation) {
       if (open != std::string::npos && close != std::string::npos) {
         sheet.TextRC(row, setup::ElementRow, equation.item.substr(open + 1, close - open - 1));
       }
-      sheet.TextRC(row, setup::Method, trimBlanks(behindLastSlash(equation.item)));
+      sheet.TextRC(row, setup::Method, trimBlanks(afterLastSlash(equation.item)));
     }
   }
 }
@@ -82,7 +82,7 @@ void identifyMineral(Worksheet& sheet, int row, const std::string& identifier) {
 }
 
 // The method of an item that a user typed without blanks: "BM" of "Cu (29)/BM".
-std::string behindBracket(std::string_view item) {
+std::string afterBracket(std::string_view item) {
   const size_t close = item.find(')');
   if (close == std::string_view::npos) return "";
   const std::string_view rest = trimBlanks(item.substr(close + 1));
@@ -96,7 +96,7 @@ void identifyEquation(Worksheet& sheet, int row, const std::string& item) {
     const std::string inside = bracket[1].substr(0, bracket[1].find(')'));
     sheet.NumberRC(row, setup::ElementRow, numberOf(inside));
   }
-  const std::string method = pieces.size() > 1 ? pieces[1] : behindBracket(item);
+  const std::string method = pieces.size() > 1 ? pieces[1] : afterBracket(item);
   if (!method.empty()) sheet.TextRC(row, setup::Method, trimBlanksRight(method));
   sheet.TextRC(row, setup::Equation, item);
 }
@@ -260,7 +260,8 @@ std::vector<std::string> loadingRemarks(const Worksheet& F1OpenSave, const Works
   const EquationKind first = equationKind(F1CalcOpt.TextRC(1, setup::Equation));
   const bool isXText = first == EquationKind::XFile || first == EquationKind::XCalculated;
   if (!digits.empty() && !isXText && parseInteger(digits).value_or(-1) < 0) {
-    remarks.push_back("Decimals " + digits + " of the set-up are no such number and not taken");
+    remarks.push_back("Decimals " + digits +
+                      " of the set-up are not a number of decimals and are not used");
   }
   return remarks;
 }

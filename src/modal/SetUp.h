@@ -16,7 +16,7 @@ namespace lodex {
 namespace setup {
 enum Column {
   Round = 1,
-  MineralId,       // the number behind the last "/"
+  MineralId,       // the number after the last "/"
   MineralHead,     // the identifier up to the last "/"
   Mineral,         // the full identifier; empty when the row has no mineral
   SampleSpecific,  // 1: composition of the sample at hand, else 0
@@ -91,8 +91,8 @@ std::optional<SetUpRound> readRound(const Worksheet& F1CalcOpt, int round);
 /// Builds F1CalcOpt from the file image.
 void ValmistaF1CalcOpt(const Worksheet& F1OpenSave, Worksheet& F1CalcOpt);
 
-/// What a user should know about a file image that was loaded: rows behind an empty round, which
-/// are not read, and decimals that are no number.
+/// What a user should know about a file image that was loaded: rows after an empty round, which
+/// are not read, and decimals that are not a number.
 std::vector<std::string> loadingRemarks(const Worksheet& F1OpenSave, const Worksheet& F1CalcOpt);
 
 /// Builds rows 3 and on of the file image from F1CalcOpt, the rounds numbered from 1 without gaps;
@@ -100,10 +100,10 @@ std::vector<std::string> loadingRemarks(const Worksheet& F1OpenSave, const Works
 void ValmistaF1OpenSave(const Worksheet& F1CalcOpt, const std::vector<std::string>& labels,
                         Worksheet& F1OpenSave);
 
-/// The minerals of all rounds in order; one that stands in two rounds stands here twice.
+/// The minerals of all rounds in order; one of two rounds appears twice.
 void collectMinerals(const Worksheet& F1CalcOpt, ModalLists& lists);
 
-/// The minerals of row 2 of the file image that stand in no round.
+/// The minerals of row 2 of the file image that are in no round.
 std::vector<std::string> mineralsInNoRound(const Worksheet& F1OpenSave, const ModalLists& lists);
 
 /// Adds a mineral to the lists by its identifier.

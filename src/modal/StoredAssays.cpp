@@ -20,10 +20,9 @@
 namespace lodex {
 namespace {
 
-using Log = std::function<void(const std::string&)>;
-
 constexpr const char* samplesView = "@Samples";
 constexpr const char* samplesTable = "Sample";
+constexpr int recordsPerPoll = 1024;
 
 bool isUnit(std::string_view text) {
   return text == "%" || equalsNoCase(text, "ppm") || equalsNoCase(text, "ppb");
@@ -206,13 +205,13 @@ std::vector<MappedField> fieldsOf(const Worksheet& F1Ref) {
 class StoredReader {
  public:
   StoredReader(const StoredSource& source, const Worksheet& F1ELoc, ModalLists& lists,
-               frmResult& result, const Log& log)
+               frmResult& result, const Watch& watch)
       : source_(source),
         map_(source.database->map),
         F1ELoc_(F1ELoc),
         lists_(lists),
         result_(result),
-        log_(log),
+        watch_(watch),
         filter_(filterOf(source)),
         master_(sampleMasterTable(*source.database)) {}
 
@@ -229,27 +228,36 @@ class StoredReader {
     const std::string table = map_.table(tableRow);
     const auto join = joinOf(map_, master_, table);
     if (!join) {
-      log_("Table " + table + " does not join with table " + master_ + ": its assays are left out");
+      watch_.found.error(
+          "The table does not join with table " + master_ + ": its assays are left out",
+          placeOf(table));
       return;
     }
     const auto records = source_.database->connection.OpenRecordset(
         retrievalQuery(source_, filter_, master_, table, *join), CursorKind::ForwardOnly);
-    const std::vector<double> factors = placeColumns(records->Fields(), tableRow, fields);
-    copyRecords(*records, table, factors);
-    lastColumn_ += static_cast<int>(factors.size());
+    const std::vector<StoredColumn> columns = placeColumns(records->Fields(), tableRow, fields);
+    copyRecords(*records, table, columns);
+    lastColumn_ += static_cast<int>(columns.size());
   }
 
  private:
+  struct StoredColumn {
+    double factor = 1;
+    bool isAssay = false;
+  };
+
+  Place placeOf(const std::string& table, const std::string& sample = "") const {
+    return {.file = source_.database->path, .sheet = table, .record = sample};
+  }
   std::string nameOf(const MappedField& field) const {
     return map_.table(field.tableRow) + " | " +
            map_.F1Key2.TextRC(field.tableRow, field.fieldColumn);
   }
 
-  // Heads the table's columns and enters its assays in F1Kirja. Returns the factor of each column,
-  // 1 for those that hold no assay.
-  std::vector<double> placeColumns(const std::vector<Field>& recordFields, int tableRow,
-                                   const std::vector<MappedField>& fields) {
-    std::vector<double> factors(recordFields.size() - 1, 1.0);
+  // Heads the table's columns and enters its assays in F1Kirja.
+  std::vector<StoredColumn> placeColumns(const std::vector<Field>& recordFields, int tableRow,
+                                         const std::vector<MappedField>& fields) {
+    std::vector<StoredColumn> columns(recordFields.size() - 1);
     for (size_t k = 1; k < recordFields.size(); ++k) {
       const int column = lastColumn_ + static_cast<int>(k);
       const std::string& name = recordFields[k].name;
@@ -260,7 +268,7 @@ class StoredReader {
           continue;
         }
         const AssayColumn known = describeField(map_.table(tableRow), name, F1ELoc_);
-        factors[k - 1] = known.factor;
+        columns[k - 1] = {known.factor, true};
         if (known.factor != 1) {
           result_.F1Ini.ColText(
               column, name + " as " + F1ELoc_.TextRC(field.elementRow, eloc::MineralField));
@@ -268,7 +276,7 @@ class StoredReader {
         enter(field, column, known.isTotal);
       }
     }
-    return factors;
+    return columns;
   }
 
   // Of several fields with the same element and method a total serves, else the first.
@@ -277,39 +285,49 @@ class StoredReader {
     const int method = static_cast<int>(place - methods_.begin()) + 1;
     const int served = static_cast<int>(result_.F1Kirja.NumberRC(field.elementRow, method));
     if (served > 0 && (!isTotal || totals_.count(served) > 0)) {
-      log_("Assay " + nameOf(field) +
-           " feeds no equation: an earlier field has the same element and method");
+      watch_.found.note("Assay " + nameOf(field) +
+                        " feeds no equation: an earlier field has the same element and method");
       return;
     }
     if (served > 0) {
-      log_("Assay " + result_.F1Ini.ColText(served) +
-           " feeds no equation: a later field has the total of its element");
+      watch_.found.note("Assay " + result_.F1Ini.ColText(served) +
+                        " feeds no equation: a later field has the total of its element");
     }
     if (isTotal) totals_.insert(column);
     result_.F1Kirja.NumberRC(field.elementRow, method, column);
   }
 
   void copyRecords(Recordset& records, const std::string& table,
-                   const std::vector<double>& factors) {
+                   const std::vector<StoredColumn>& columns) {
     SampleRows rows(lists_, result_.F1Ini);
-    CellStore& cells = result_.F1Ini.cellsForReader(1);
     lists_.SampleIDsAreNumbers = records.Fields()[0].type.isNumber();
-    int surplus = 0;
-    for (; !records.Eof(); records.MoveNext()) {
-      const int row = rows.next(records.Text(0), lists_.SampleIDsAreNumbers);
+    for (int read = 0; !records.Eof(); records.MoveNext(), ++read) {
+      if (read % recordsPerPoll == 0) watch_.poll();
+      const std::string sample = records.Text(0);
+      const int row = rows.next(sample, lists_.SampleIDsAreNumbers);
       if (row == 0) {
-        ++surplus;
+        watch_.found.error("The table has more records of the sample than others: left out",
+                           placeOf(table, sample));
         continue;
       }
-      for (size_t k = 0; k < factors.size(); ++k) {
-        const auto number = numberIn(records.Value(static_cast<int>(k) + 1));
-        if (!number) continue;
-        cells.setNumber(row, lastColumn_ + static_cast<int>(k) + 1, *number * factors[k]);
-      }
+      copyRecord(records, placeOf(table, sample), columns, row);
     }
-    if (surplus > 0) {
-      log_("Table " + table + " has " + std::to_string(surplus) +
-           " records more than its samples: they are left out");
+  }
+
+  void copyRecord(const Recordset& records, const Place& place,
+                  const std::vector<StoredColumn>& columns, int row) {
+    CellStore& cells = result_.F1Ini.cellsForReader(1);
+    for (size_t k = 0; k < columns.size(); ++k) {
+      const int field = static_cast<int>(k) + 1;
+      const FieldValue& value = records.Value(field);
+      const auto number = numberIn(value);
+      if (number) {
+        cells.setNumber(row, lastColumn_ + field, *number * columns[k].factor);
+      } else if (columns[k].isAssay && !isNull(value)) {
+        watch_.found.warn("Field " + records.Fields()[static_cast<size_t>(field)].name +
+                              ": text counts as not assayed",
+                          place);
+      }
     }
   }
 
@@ -318,7 +336,7 @@ class StoredReader {
   const Worksheet& F1ELoc_;
   ModalLists& lists_;
   frmResult& result_;
-  const Log& log_;
+  const Watch& watch_;
   std::optional<Filter> filter_;
   std::string master_;
   std::vector<std::string> methods_;
@@ -411,7 +429,7 @@ std::string sampleMasterTable(MappedDatabase& database) {
 }
 
 void buildMethodMap(const StoredSource& source, const Worksheet& F1ELoc, Worksheet& F1Ref,
-                    const Log& log) {
+                    Findings& found) {
   F1Ref = Worksheet();
   const DatabaseMap& map = source.database->map;
   const std::string master = sampleMasterTable(*source.database);
@@ -422,7 +440,7 @@ void buildMethodMap(const StoredSource& source, const Worksheet& F1ELoc, Workshe
     const auto join = joinOf(map, master, table);
     const auto keys = keyFields(map, table);
     // A key of several fields means several records a sample, such as the compositions of its
-    // minerals: those are no assays.
+    // minerals: those are not assays.
     if (!join || keys.size() > 1) continue;
     int column = 1;
     for (const std::string& field : map.fields(t)) {
@@ -432,7 +450,8 @@ void buildMethodMap(const StoredSource& source, const Worksheet& F1ELoc, Workshe
       if (known.elementRow == 0) {
         std::string symbol = field;
         if (field.find('/') != std::string::npos && ElementNumber(symbol) > 0) {
-          log("Assay " + table + " | " + field + " feeds no equation: its element is not known");
+          found.note("Assay " + table + " | " + field +
+                     " feeds no equation: its element is not known");
         }
         continue;
       }
@@ -446,12 +465,12 @@ void buildMethodMap(const StoredSource& source, const Worksheet& F1ELoc, Workshe
 
 void retrieveStoredAssays(const StoredSource& source, const Worksheet& F1Ref,
                           const Worksheet& F1ELoc, ModalLists& lists, frmResult& result,
-                          const Log& log) {
+                          const Watch& watch) {
   const std::vector<MappedField> fields = fieldsOf(F1Ref);
   if (fields.empty()) throw Error("The database has no field with an assay of an element");
   lists.SampleIDs.clear();
   result.F1Ini.ColText(1, "SampleNo");
-  StoredReader reader(source, F1ELoc, lists, result, log);
+  StoredReader reader(source, F1ELoc, lists, result, watch);
   reader.nameMethods(fields);
   int previous = 0;
   for (const MappedField& field : fields) {

@@ -23,7 +23,7 @@ TabbedText::TabbedText(std::string_view path) : name_(path) {
   const std::string content = readFile(path, kMaxBytes);
   std::string_view rest = content;
   if (rest.starts_with("\xEF\xBB\xBF")) rest.remove_prefix(3);
-  if (!isValidUtf8(rest)) throw FileError(name_ + " is no UTF-8 text");
+  if (!isValidUtf8(rest)) throw FileError(name_ + " is not UTF-8 text");
   for (int line = 1; !rest.empty(); ++line) {
     const size_t end = rest.find('\n');
     std::string_view text = rest.substr(0, end);

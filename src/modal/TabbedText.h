@@ -21,7 +21,7 @@ class TabbedText {
   int column(std::string_view heading) const;
   int required(std::string_view heading) const;
 
-  /// A cell's text; "" behind the end of a short line and for column -1.
+  /// A cell's text; "" after the end of a short line and for column -1.
   const std::string& cell(int record, int column) const;
 
   /// Throws FileError with the file, the line of a record and the text.

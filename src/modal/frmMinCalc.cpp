@@ -41,12 +41,12 @@ frmMinCalc::frmMinCalc(Session& session, taulukot& tables, ModalLists& lists, fr
   cmdXOK.onClick([this] { guarded([this] { acceptXLine(); }); });
   cmdCalc.onClick([this] { guarded([this] { calculate(); }); });
   cmdRun.onClick(
-      [this] { RetAndCalc(retrieveData ? modalMode::Retrieve : modalMode::SolveAgain); });
+      [this] { RetAndCalc(retrieveData ? ModalMode::Retrieve : ModalMode::SolveAgain); });
   cmdReset.onClick([this] { guarded([this] { reset(); }); });
   cmdReport.onClick([this] { guarded([this] { report(); }); });
   mnuRequery.onClick([this] {
     retrieveData = true;
-    RetAndCalc(modalMode::Retrieve);
+    RetAndCalc(ModalMode::Retrieve);
   });
   mnuAddeq.onClick([this] {
     const auto text = session_.dialogs().inputBox("Give eqation, e.g. 2.5*Py-Ccp", "Equation", "");
@@ -73,8 +73,9 @@ void frmMinCalc::Alusta() {
   retrieveData = true;
   colours_.assign(static_cast<size_t>(tables_.F1ELoc.LastRow()), elementWithoutData);
   if (stored.database != nullptr) {
-    buildMethodMap(stored, tables_.F1ELoc, F1Ref,
-                   [this](const std::string& line) { session_.log.LisaaLog(line, LogKind::Log); });
+    Findings found;
+    buildMethodMap(stored, tables_.F1ELoc, F1Ref, found);
+    session_.notice(found);
     for (int row = 1; row <= F1Ref.LastRow(); ++row) {
       if (F1Ref.HasContent(row, 1)) colours_[static_cast<size_t>(row) - 1] = elementWithData;
     }
@@ -240,8 +241,8 @@ void frmMinCalc::pickXColumn(int index) {
     return;
   }
   // The list leaves the sample column out.
-  const bool behindSamples = newX_.sampleColumn > 0 && index + 1 >= newX_.sampleColumn;
-  newX_.valueColumn = index + (behindSamples ? 2 : 1);
+  const bool afterSamples = newX_.sampleColumn > 0 && index + 1 >= newX_.sampleColumn;
+  newX_.valueColumn = index + (afterSamples ? 2 : 1);
 }
 
 void frmMinCalc::acceptXLine() {
@@ -303,7 +304,7 @@ void frmMinCalc::OpenFile(std::string_view name, bool silent, bool& ok) {
     if (!path.empty()) setUpName = nameOfSetUp(path);
     ok = F1CalcOpt.LastRow() > 0;
   } catch (const Error&) {
-    // A bad file leaves the form with what was read up to there; `ok` tells.
+    // A bad file leaves the form with what was read up to there, and `ok` false.
   }
 }
 
@@ -327,10 +328,21 @@ void frmMinCalc::report() {
 
 void frmMinCalc::calculate() {
   StoreCurrentRound();
-  RetAndCalc(retrieveData ? modalMode::Retrieve : modalMode::SolveAgain);
+  RetAndCalc(retrieveData ? ModalMode::Retrieve : ModalMode::SolveAgain);
 }
 
-bool frmMinCalc::RetAndCalc(int mode) {
+int frmMinCalc::decimals() {
+  const auto given = parseInteger(txtDigits.text());
+  if (!given && !txtDigits.text().empty()) {
+    Findings found;
+    found.warn("\"" + txtDigits.text() +
+               "\" is not a number of decimals: " + std::to_string(defaultDigits) + " are taken");
+    session_.notice(found);
+  }
+  return given.value_or(defaultDigits);
+}
+
+bool frmMinCalc::RetAndCalc(ModalMode mode) {
   ModalRequest request;
   request.F1CalcOpt = &F1CalcOpt;
   request.assays = source;
@@ -341,25 +353,27 @@ bool frmMinCalc::RetAndCalc(int mode) {
   request.F1ELoc = &tables_.F1ELoc;
   request.minerals = &minerals_;
   request.allTotal = chkAllTot.checked();
-  request.digits = parseInteger(txtDigits.text()).value_or(defaultDigits);
-  if (!txtDigits.text().empty() && !isNumericText(txtDigits.text())) {
-    session_.log.LisaaLog("Decimals " + txtDigits.text() +
-                          " are no number: " + std::to_string(defaultDigits) + " are taken");
-  }
+  request.digits = decimals();
   request.setUpName = setUpName;
+  Outcome outcome;
   try {
     if (!minerals_.IsOpen()) {
       openDatabase(session_, minerals_, session_.ExpandPath(session_.record.MineralDbPath, ""));
     }
-    lodex::RetAndCalc(request, mode, lists_, result_, solver_, scratch, session_, &simulation);
+    outcome =
+        lodex::RetAndCalc(request, mode, lists_, result_, solver_, scratch, session_, &simulation);
   } catch (const Error& failure) {
-    session_.dialogs().messageBox(failure.what());
+    outcome = {Ended::Failed, failure.what(), {}};
+  }
+  session_.notice(outcome.found);
+  if (outcome.failed()) {
+    session_.dialogs().messageBox(outcome.reason);
     return false;
   }
-  retrieveData = false;
+  if (outcome.done()) retrieveData = false;
   result_.lstFract.clear();
   for (const std::string& label : lists_.MinLabels) result_.lstFract.add(label);
-  if (mode >= 0) result_.show();
+  if (mode != ModalMode::Automated) result_.show();
   return true;
 }
 

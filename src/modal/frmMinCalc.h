@@ -86,16 +86,16 @@ class frmMinCalc : public Form {
   /// Stores the round and goes `step` rounds on; never below round 1.
   void UpDown1(int step);
   /// Loads a set-up file, asking for one when the name is empty and `silent` is not set; an empty
-  /// name with `silent` takes what stands in F1OpenSave. `ok` tells whether that gave rounds. A
+  /// name with `silent` takes what F1OpenSave holds. `ok` is set when that gave rounds. A
   /// file that cannot be read leaves the form with what was read up to there.
   void OpenFile(std::string_view name, bool silent, bool& ok);
   /// Makes the form show the set-up in F1OpenSave.
   void takeOpenSave();
   void ValmistaF1OpenSave() { lodex::ValmistaF1OpenSave(F1CalcOpt, lists_.MinLabels, F1OpenSave); }
 
-  /// Runs the calculation and shows the result form unless the mode is negative. False when it
-  /// ended with an error, which the user was told.
-  bool RetAndCalc(int mode);
+  /// Runs the calculation, reports what it noticed and shows the result form unless the run is
+  /// automated. False when it failed, which the user saw in a message box.
+  bool RetAndCalc(ModalMode mode);
 
  private:
   /// Tells the user of an error instead of letting it out of a button.
@@ -111,6 +111,8 @@ class frmMinCalc : public Form {
   void reset();
   void report();
   void clearRoundLists();
+  /// What txtDigits asks for, the usual number when it does not hold one.
+  int decimals();
 
   Session& session_;
   taulukot& tables_;

@@ -10,7 +10,7 @@
 namespace lodex {
 
 /// Everything that a modal calculation read and found, sheet by sheet, for the user to inspect.
-/// Headings stand in the column heads (ColText), so that row 1 is the first sample or the first
+/// Headings are in the column heads (ColText), so that row 1 is the first sample or the first
 /// element of the element table F1ELoc. Amounts and compositions are in per cent.
 class frmResult : public Form {
  public:

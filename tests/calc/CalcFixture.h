@@ -83,7 +83,7 @@ class CalcFixture : public ImportFixture {
     calculations.Calculate();
   }
 
-  /// A sheet of the result, rows and columns from where data stand: one text per row.
+  /// A sheet of the result, from its first data row and column on: one text per row.
   std::vector<std::string> resultRows(const std::string& name) {
     Worksheet& book = sheets.result.F1D;
     book.Sheet(book.SheetNumber(name));

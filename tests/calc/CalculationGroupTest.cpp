@@ -92,7 +92,7 @@ TEST_F(CalculationGroupTest, StopsAtAnUnreadableWorkbookOrSkipsIt) {
   writeMethod("C.xls", {});
   load();
   EXPECT_THAT(calculations.lstCalc.items(), ElementsAre("A"));
-  EXPECT_EQ(group.problems().size(), 1u);
+  EXPECT_EQ(group.found().all().size(), 1u);
   group.load((groups / "TEST").string(), UnreadableBook::Skip);
   EXPECT_THAT(group.MethodListOrder(), ElementsAre("A", "C"));
 }
@@ -103,8 +103,9 @@ TEST_F(CalculationGroupTest, TheFirstOfAClashingNameAnswers) {
   load();
   EXPECT_EQ(group.count(), 2);
   EXPECT_EQ(group.method(group.MethodIndex("Norm")).book.TextSRC(5, 1, 1), "first");
-  ASSERT_EQ(group.problems().size(), 1u);
-  EXPECT_THAT(group.problems()[0], testing::HasSubstr("NORM.xls is not used"));
+  ASSERT_EQ(group.found().all().size(), 1u);
+  EXPECT_THAT(describe(group.found().all()[0]),
+              testing::HasSubstr("NORM.xls: The workbook is not used"));
 }
 
 TEST_F(CalculationGroupTest, FindsInputAndOutputByNameElseByPlace) {

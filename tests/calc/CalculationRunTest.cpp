@@ -22,7 +22,7 @@ TEST_F(CalculationRunTest, JoinsSheetsAndLaysResultsOutAsADataSheet) {
   frmDataIN& first = addSheet(
       "one", {"HEADER|SampleNo|SiO2 %", "ELEMENT||SiO2", "METHOD", "UNIT||%", "|S2|60", "|S1|50"});
   SheetStructure structure = first.structure();
-  structure.row(sysrow::Field) = 2;  // what stands there in column 2 is the key's field
+  structure.row(sysrow::Field) = 2;  // column 2 of it holds the key's field
   first.F1D.TextRC(2, 2, "SampleKey");
   first.setStructure(structure);
   addSheet("two",

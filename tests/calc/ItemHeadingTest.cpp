@@ -56,15 +56,18 @@ TEST(SampleJoin, OfNothingIsEmpty) {
   structure.firstDataRow = 2;
   structure.idColumn = 1;
   const auto log = [](std::string_view) { FAIL(); };
-  EXPECT_EQ(joinSamples({}, log).A2.RowCount(), 0);
-  EXPECT_EQ(joinSamples({{1, "e", &empty, structure, false, true}}, log).A2.RowCount(), 0);
+  Findings found;
+  EXPECT_EQ(joinSamples({}, log, found).A2.RowCount(), 0);
+  EXPECT_EQ(joinSamples({{1, "e", &empty, structure, false, true}}, log, found).A2.RowCount(), 0);
   Worksheet sheet;
   sheet.TextRC(2, 1, "S1");
-  EXPECT_EQ(joinSamples({{1, "not selected", &sheet, structure, false, false}}, log).A2.RowCount(),
-            0);
+  EXPECT_EQ(
+      joinSamples({{1, "not selected", &sheet, structure, false, false}}, log, found).A2.RowCount(),
+      0);
   structure.firstDataRow = 0;
-  EXPECT_EQ(joinSamples({{1, "no data row", &sheet, structure, false, true}}, log).A2.RowCount(),
-            0);
+  EXPECT_EQ(
+      joinSamples({{1, "no data row", &sheet, structure, false, true}}, log, found).A2.RowCount(),
+      0);
 }
 
 }  // namespace

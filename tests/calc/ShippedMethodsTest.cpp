@@ -85,8 +85,8 @@ class ShippedGroupTest : public CalcFixture {
 };
 
 TEST_F(ShippedGroupTest, FeedsEveryColumnOnce) {
-  addSheet("rock", {"HEADER|No|a|b|c|d|e", "ELEMENT||SiO2|Na2O|FeO|S|Cu", "METHOD",
-                    "UNIT||%|%|%|%|ppm", "|R1|60|10|20|2|10000"});
+  addSheet("rock", {"HEADER|No|a|b|c|d|e|f|g|h|i", "ELEMENT||SiO2|Na2O|FeO|S|Cu|Al2O3|MgO|CaO|K2O",
+                    "METHOD", "UNIT||%|%|%|%|ppm|%|%|%|%", "|R1|60|10|20|2|10000|1|1|1|1"});
   loadAndRun();
   EXPECT_GT(result("CIPW", "Pyrite"), 3);
   EXPECT_EQ(result("CIPW", "Thenardite"), 0) << "sulphur was counted again as SO3";

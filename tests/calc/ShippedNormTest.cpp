@@ -429,7 +429,7 @@ TEST(CipwTest, ClosesBackToTheOxides) {
         }
         const double expected = part.mass + (oxide == "SiO2" ? deficit : 0);
         missing += expected - back;
-        // Only what the rules may leave without a partner stays behind.
+        // Only what the rules may leave without a partner is left.
         const bool mayStay = oxide == "CO2" || oxide == "SO3" || oxide == "S" || oxide == "Cl" ||
                              oxide == "F" || oxide == "Cr2O3" || oxide == "P2O5";
         if (mayStay && unassigned > 1e-9) continue;

@@ -75,7 +75,7 @@ TEST_F(ReferenceTables, PeriodicTable) {
   EXPECT_EQ(data.TextRC(27, 5), "+3");
 }
 
-// Slips of the pen stand out against what holds for all elements.
+// Typing mistakes show against what holds for all elements.
 TEST_F(ReferenceTables, PropertiesArePlausible) {
   const Worksheet& data = tables->F1Data;
   for (int n = 1; n <= 103; ++n) {

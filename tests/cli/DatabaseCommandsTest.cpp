@@ -43,7 +43,7 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   EXPECT_EQ(combined.status, 0);
   EXPECT_THAT(combined.text, HasSubstr(" -3 records written in ANALYSES"));
   EXPECT_THAT(runLodex("combine " + quoted("a.mdb") + "--into " + quoted("a.mdb") + "2>&1").text,
-              HasSubstr("a.mdb is what is added to and no source"));
+              HasSubstr("a.mdb is the database to add to and not used as a source"));
   EXPECT_EQ(runLodex("export " + quoted("b.mdb") + quoted("out") + "2>&1").text, "");
   EXPECT_EQ(readFile((folder / "out" / "ANALYSES.csv").string()),
             "\"Sample\",\"Fe/XRF/%\"\r\n\"S1\",5.5\r\n\"S2\",6\r\n\"S3\",\r\n");

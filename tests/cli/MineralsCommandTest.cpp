@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <string>
+
+#include "cli/RunLodex.h"
 
 namespace lodex {
 namespace {
@@ -12,22 +12,8 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-struct CommandRun {
-  int status;
-  std::string text;
-};
-
 CommandRun runMinerals(const std::string& arguments) {
-  const std::string command = std::string(LODEX_BIN_DIR) + "/lodex minerals " + arguments + " 2>&1";
-  CommandRun outcome{-1, ""};
-  FILE* pipe = ::popen(command.c_str(), "r");
-  if (!pipe) return outcome;
-  char buffer[4096];
-  while (const size_t got = std::fread(buffer, 1, sizeof buffer, pipe)) {
-    outcome.text.append(buffer, got);
-  }
-  outcome.status = WEXITSTATUS(::pclose(pipe));
-  return outcome;
+  return runLodex("minerals " + arguments + " 2>&1");
 }
 
 TEST(MineralsCommand, ListsWhatWasAskedFor) {

@@ -1,20 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
-#include "RunLodex.h"
 #include "basic/Files.h"
+#include "cli/RunLodex.h"
 #include "worksheet/Worksheet.h"
 
 namespace lodex {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 namespace fs = std::filesystem;
@@ -28,17 +25,8 @@ class ModalCommand : public testing::Test {
   ~ModalCommand() override { fs::remove_all(folder_); }
 
   CommandRun run(const std::string& arguments) {
-    const std::string command = "cd '" + folder_.string() +
-                                "' && HOME=. " LODEX_BIN_DIR "/lodex modal " + arguments + " 2>&1";
-    CommandRun outcome{-1, ""};
-    FILE* pipe = ::popen(command.c_str(), "r");
-    if (!pipe) return outcome;
-    char buffer[4096];
-    while (const size_t got = std::fread(buffer, 1, sizeof buffer, pipe)) {
-      outcome.text.append(buffer, got);
-    }
-    outcome.status = WEXITSTATUS(::pclose(pipe));
-    return outcome;
+    return runShell("cd '" + folder_.string() + "' && HOME=. " LODEX_BIN_DIR "/lodex modal " +
+                    arguments + " 2>&1");
   }
   std::string path(const std::string& name) const { return (folder_ / name).string(); }
 
@@ -60,9 +48,9 @@ TEST_F(ModalCommand, CalculatesPrintsAndSaves) {
                                    "A-1       10.00  80.00  90.00\n"
                                    "A-2        0.00  50.00  50.00\n"));
   EXPECT_THAT(done.text, HasSubstr("Cu ppm as Cu %"));
-  EXPECT_THAT(done.text, HasSubstr("FeOT"));  // told in the log: it feeds no equation
+  EXPECT_THAT(done.text, HasSubstr("FeOT"));  // reported: it feeds no equation
   EXPECT_THAT(done.text, HasSubstr("All samples: two"));
-  EXPECT_THAT(done.text, EndsWith("\nassays_modal.xls\n"));
+  EXPECT_THAT(done.text, HasSubstr("\n\nassays_modal.xls\n"));
 
   Worksheet book;
   book.Read(path("assays_modal.xls"));
@@ -104,7 +92,7 @@ TEST_F(ModalCommand, StoredSamplesGiveTheAmountsOfTheirFile) {
     ASSERT_EQ(stored.status, 0) << stored.text;
     ASSERT_EQ(file.status, 0) << file.text;
     EXPECT_EQ(amountsIn(stored.text), amountsIn(file.text));
-    EXPECT_THAT(stored.text, EndsWith(std::string(row.name) + "_modal.xls\n"));
+    EXPECT_THAT(stored.text, HasSubstr("\n" + std::string(row.name) + "_modal.xls\n"));
   }
   const std::string ore = "'" + path("ore") + ".mdb'";
   runLodex("sql " + ore + " 'CREATE VIEW [f_Top] AS SELECT * FROM [Sample] WHERE [From] < 214'");
@@ -112,6 +100,20 @@ TEST_F(ModalCommand, StoredSamplesGiveTheAmountsOfTheirFile) {
   EXPECT_EQ(top.status, 0) << top.text;
   EXPECT_THAT(top.text, HasSubstr("LX-1042"));
   EXPECT_THAT(top.text, testing::Not(HasSubstr("LX-1043")));
+}
+
+TEST_F(ModalCommand, AnInterruptWhileItReadsEndsItTruthfully) {
+  writeFileWhole(path("two.mmq"), setUp);
+  writeFileWhole(path("assays.txt"), "Sample\tCu ppm\nA-1\t34625\n");
+  const CommandRun outcome =
+      runInterrupted("modal --assays '" + path("assays.txt") + "' --setup '" + path("two.mmq") +
+                         "' --out '" + path("r.xls") + "'",
+                     SIGINT);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.text, HasSubstr("stopping"));
+  EXPECT_THAT(outcome.text,
+              HasSubstr("aborted before any sample was calculated; nothing is saved"));
+  EXPECT_FALSE(fs::exists(path("r.xls")));
 }
 
 TEST_F(ModalCommand, PrintsTheSetUp) {

@@ -60,7 +60,7 @@ Amounts runModal(const std::string& assays, const std::string& setUp) {
   return amounts;
 }
 
-// The mixtures that the ore samples were made of; the numbers stand in the examples' README too.
+// The mixtures that the ore samples were made of; the examples' README has the numbers, too.
 TEST(ShippedExamples, OreSamplesComeBack) {
   const Amounts found = runModal("ore_assays.txt", "ore.mmq");
   ASSERT_EQ(found.status, 0);

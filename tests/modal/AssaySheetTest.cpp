@@ -18,7 +18,7 @@ struct Sheet {
       sheet.TextRC(static_cast<int>(r) + 1, columns, cells[r]);
     }
   }
-  AssaySheet source() { return {&sheet, 1, 2, 3, 4, 5, 2}; }
+  AssaySheet source() { return {&sheet, 1, 2, 3, 4, 5, 2, "Ores"}; }
 
   Worksheet sheet;
   int columns = 0;
@@ -26,9 +26,10 @@ struct Sheet {
 
 struct Retrieved : ModalFixture {
   explicit Retrieved(Sheet& sheet) {
-    onlyText = retrieveAssays(sheet.source(), F1ELoc, lists, result,
-                              [this](const std::string& line) { log += line + "\n"; });
+    onlyText = retrieveAssays(sheet.source(), F1ELoc, lists, result, {found});
+    for (const Finding& finding : found.all()) log += describe(finding) + "\n";
   }
+  Findings found;
   std::vector<int> onlyText;
   std::string log;
 };
@@ -97,10 +98,13 @@ TEST(AssaySheet, CellsThatAreNoNumbers) {
   EXPECT_EQ(r.result.F1Ini.TextRC(1, 2), "0");
   EXPECT_EQ(r.result.F1Ini.TextRC(2, 2), "");
   EXPECT_EQ(r.result.F1Ini.TextRC(3, 2), "2");
-  EXPECT_EQ(r.log, "ID empty on row 7\nText counts as 0 in 1 cells of column 3 (Cu)\n");
+  EXPECT_EQ(r.log,
+            "sheet Ores, row 7: The row has no sample identifier\n"
+            "sheet Ores, C5: Text counts as 0\n");
+  EXPECT_FALSE(r.found.hasErrors());
 }
 
-TEST(AssaySheet, CommasAndNegativeValuesAreTold) {
+TEST(AssaySheet, CommasAndNegativeValuesAreReported) {
   Sheet s;
   s.column({"Sample", "Sample", "", "", "S1", "S2", "S3"});
   s.column({"Cu", "Cu", "", "%", "n.a.", " 48,125", "1,5"});
@@ -108,9 +112,11 @@ TEST(AssaySheet, CommasAndNegativeValuesAreTold) {
   s.column({"Si", "Si", "", "%", "", "", ""});
   Retrieved r(s);
   EXPECT_EQ(r.log,
-            "Text counts as 0 in 3 cells of column 3 (Cu): write 48.125, not 48,125\n"
-            "Text counts as 0 in 1 cells of column 4 (S)\n"
-            "2 negative values in column 4 (S)\n");
+            "sheet Ores, C5: Text counts as 0 (2 times)\n"
+            "sheet Ores, C6: A number with a decimal comma counts as 0: write it with a point "
+            "(2 times)\n"
+            "sheet Ores, D5: Negative value (2 times)\n");
+  EXPECT_EQ(r.found.count(Severity::Error), 2u);  // numbers were lost
   EXPECT_EQ(r.onlyText, std::vector<int>{2});
 }
 
@@ -133,9 +139,12 @@ TEST(AssaySheet, NothingIsIgnoredInSilence) {
   s.column({"Rock", "", "", "", "gabbro"});
   Retrieved r(s);
   EXPECT_EQ(r.log,
-            "Assay column 4 (FeOT %) feeds no equation: its element is not known\n"
-            "Assay column 5 (SiO2) feeds no equation: its element is not known\n"
-            "Unit g/t of column 3 (Cu g/t) is not known: its values are taken as %\n");
+            "sheet Ores, column D: Assay column 4 (FeOT %) feeds no equation: its element is not "
+            "known\n"
+            "sheet Ores, column E: Assay column 5 (SiO2) feeds no equation: its element is not "
+            "known\n"
+            "sheet Ores, column C: Unit g/t of column 3 (Cu g/t) is not known: its values are "
+            "taken as %\n");
 }
 
 TEST(AssaySheet, UnknownStructureIsAnError) {
@@ -146,7 +155,8 @@ TEST(AssaySheet, UnknownStructureIsAnError) {
   ModalFixture f;
   AssaySheet source = s.source();
   source.elementRow = 0;
-  EXPECT_THROW(retrieveAssays(source, f.F1ELoc, f.lists, f.result, [](const auto&) {}), Error);
+  Findings found;
+  EXPECT_THROW(retrieveAssays(source, f.F1ELoc, f.lists, f.result, {found}), Error);
 }
 
 }  // namespace

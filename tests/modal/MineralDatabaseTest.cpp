@@ -167,14 +167,14 @@ TEST_F(MineralDatabaseTest, NamesFileAndLineOfAMistakeAndKeepsTheOldDatabase) {
   } rows[] = {
       {"minerals.txt", "", "is empty"},
       {"minerals.txt", "MineralID\tMinSymbol\n", "no column Mineral"},
-      {"minerals.txt", head + good + good, "line 3: the MineralID 1 stands twice"},
+      {"minerals.txt", head + good + good, "line 3: the MineralID 1 appears twice"},
       {"minerals.txt", head + "1.5\tPy\tPyrite\tFeS2\n", "line 2: MineralID must be a whole"},
       {"minerals.txt", head + "1\tPy\tPyrite\tXx9(\n", "line 2: the formula Xx9( cannot be read"},
       {"minerals.txt", head + "1\tPy\tPyrite\tFeS2\t4,9\n", "line 2: Density must be a number"},
       {"minerals.txt", head + "1\tP/y\tPyrite\tFeS2\n", "line 2: the symbol P/y"},
       {"minerals.txt", head + "1\t\tPyrite\tFeS2\n", "line 2: MinSymbol is empty"},
       {"minerals.txt", head + "1\ta\tb\tS\t1\tc\td\te\n", "line 2: there are more cells"},
-      {"minerals.txt", head + "1\tPy\t\xC4\tFeS2\n", "no UTF-8"},
+      {"minerals.txt", head + "1\tPy\t\xC4\tFeS2\n", "not UTF-8"},
       {"phases.txt", "PCID\tPhaseSymbol\tPhaseKey\tLocation\tXx %\n", "Xx %"},
       {"phases.txt", "PCID\tPhaseSymbol\tPhaseKey\tLocation\tCu %\n1\ta\tb\tc\t<1\n",
        "line 2: Cu %"},
@@ -208,9 +208,11 @@ TEST_F(MineralDatabaseTest, RetrievesCompositionsInTheOrderOfTheList) {
   const ModalLists lists{{"12", "7", "7", "20"}, {"M/Py/12", "P/Gangue/7", "M/Ccp/7", "Pl/20"}, {}};
   Worksheet F1Min;
   F1Min.TextRC(10, 1, "old");
-  std::vector<int> told;
-  RetrieveMineralChemistry(connection, lists, F1ELoc, F1Min, [&](int i) { told.push_back(i); });
-  EXPECT_EQ(told, (std::vector<int>{1, 2, 3, 4}));
+  std::vector<int> fetched;
+  Findings found;
+  RetrieveMineralChemistry(
+      connection, lists, F1ELoc, F1Min, [&](int i) { fetched.push_back(i); }, found);
+  EXPECT_EQ(fetched, (std::vector<int>{1, 2, 3, 4}));
   EXPECT_EQ(F1Min.ColText(3), "7");
   EXPECT_NEAR(F1Min.NumberRC(5, 1), 53.45, 0.02);
   EXPECT_EQ(F1Min.TextRC(4, 2), "60.5") << "the phase 7, not the mineral 7";
@@ -231,7 +233,7 @@ TEST_F(MineralDatabaseTest, RetrievesCompositionsInTheOrderOfTheList) {
   for (const auto& row : missing) {
     try {
       RetrieveMineralChemistry(connection, {{"12", row.id}, {"M/Py/12", row.label}, {}}, F1ELoc,
-                               F1Min, nullptr);
+                               F1Min, nullptr, found);
       ADD_FAILURE() << row.id;
     } catch (const Error& error) {
       EXPECT_EQ(error.what(), row.error) << row.id;

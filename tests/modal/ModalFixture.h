@@ -78,8 +78,11 @@ struct ModalFixture {
     }
   }
 
-  void run(int mode = modalMode::SolveAgain) {
-    RetAndCalc(request, mode, lists, result, solver, scratch, session, &simulation);
+  Outcome run(ModalMode mode = ModalMode::SolveAgain) {
+    const Outcome outcome =
+        RetAndCalc(request, mode, lists, result, solver, scratch, session, &simulation);
+    session.notice(outcome.found);
+    return outcome;
   }
 
   bool logged(const std::string& part) const {

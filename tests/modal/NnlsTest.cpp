@@ -58,7 +58,7 @@ TEST(Nnls, DegenerateSystems) {
             NnlsMode::BadDimensions);
 }
 
-// The conditions of Kuhn and Tucker hold exactly at the solution, whatever the road to it.
+// The conditions of Kuhn and Tucker hold exactly at the solution, whatever the way to it.
 TEST(Nnls, RandomProblemsAreOptimal) {
   std::mt19937 random(20240117);
   std::uniform_real_distribution<double> uniform(-0.3, 1);

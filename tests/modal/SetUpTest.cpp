@@ -77,11 +77,11 @@ TEST(SetUp, RemarksOnAFile) {
   Worksheet opt;
   ValmistaF1CalcOpt(file, opt);
   EXPECT_EQ(roundCount(opt), 2);
-  EXPECT_EQ(
-      loadingRemarks(file, opt),
-      (std::vector<std::string>{"Rows 9 and on are not read: the round in rows 9 and 10 is empty",
-                                "Decimals abc of the set-up are no such number and not taken"}));
-  file.TextRC(4, 1, "X:abc");  // the text of a calculation stands in the same place
+  EXPECT_EQ(loadingRemarks(file, opt),
+            (std::vector<std::string>{
+                "Rows 9 and on are not read: the round in rows 9 and 10 is empty",
+                "Decimals abc of the set-up are not a number of decimals and are not used"}));
+  file.TextRC(4, 1, "X:abc");  // the text of a calculation is in the same place
   ValmistaF1CalcOpt(file, opt);
   EXPECT_EQ(loadingRemarks(file, opt).size(), 1u);
 }
@@ -174,7 +174,7 @@ TEST(SetUp, OddFilesGiveWhatTheyHold) {
   Worksheet file;
   file.TextRC(4, 1, "S / XRF");     // no bracket: no element row
   file.TextRC(4, 2, "X:(Py+1)*2");  // a bracket of its own
-  file.TextRC(10, 1, "lost");       // behind an empty round
+  file.TextRC(10, 1, "lost");       // after an empty round
   ValmistaF1CalcOpt(file, opt);
   ASSERT_EQ(opt.LastRow(), 2);
   EXPECT_EQ(opt.TextRC(1, setup::ElementRow), "");

@@ -45,7 +45,7 @@ const std::vector<Mineral>& minerals() {
                       numberOf(cell("Density")),
                       {}};
       if (!converter.SolveCompound(mineral.formula, mineral.elements)) {
-        ADD_FAILURE() << mineral.symbol << ": " << mineral.formula << " is no formula";
+        ADD_FAILURE() << mineral.symbol << ": " << mineral.formula << " is not a formula";
       }
       rows.push_back(std::move(mineral));
     }
@@ -85,7 +85,7 @@ TEST(ShippedMinerals, RowsCanBeToldApart) {
   }
 }
 
-// A symbol heads a result column, stands between slashes in identifiers and in calculations.
+// A symbol heads a result column and is part of identifiers, between slashes, and calculations.
 TEST(ShippedMinerals, SymbolsServeAsHeadingsAndInCalculations) {
   const CompoundConverter converter;
   for (const auto& m : minerals()) {

@@ -42,9 +42,10 @@ struct Stored : testing::Test, ModalFixture {
   void map() { mapTables(session, database, true, MapRole::Source); }
   void retrieve() {
     map();
-    const auto tell = [this](const std::string& line) { log += line + "\n"; };
-    buildMethodMap(source, F1ELoc, F1Ref, tell);
-    retrieveStoredAssays(source, F1Ref, F1ELoc, lists, result, tell);
+    Findings found;
+    buildMethodMap(source, F1ELoc, F1Ref, found);
+    retrieveStoredAssays(source, F1Ref, F1ELoc, lists, result, {found});
+    for (const Finding& finding : found.all()) log += describe(finding) + "\n";
   }
   // The stored value of an element (row of F1ELoc) by the method's name.
   std::string assay(int sample, int element, const std::string& method) {
@@ -119,7 +120,7 @@ TEST_F(Stored, JoinsTablesBySample) {
   sql("CREATE TABLE [AAS] ([SampleNo] LONG PRIMARY KEY, [Cu/ppm] TEXT (9), [Ni/ppm] SINGLE)");
   sql("INSERT INTO [AAS] VALUES (3, '5000', Null)");
   sql("INSERT INTO [AAS] VALUES (1, '<10', Null)");
-  // Compositions of minerals in samples are no assays.
+  // Compositions of minerals in samples are not assays.
   sql("CREATE TABLE [Grains] ([SampleNo] LONG, [Grain] LONG, [Fe/%] SINGLE, "
       "PRIMARY KEY ([SampleNo], [Grain]))");
   sql("INSERT INTO [Grains] VALUES (1, 1, 10)");

@@ -198,7 +198,7 @@ TEST(frmMinCalc, OpensCalculatesAndReports) {
   b.form.cmdCalc.click();
   EXPECT_FALSE(b.form.retrieveData);
   EXPECT_TRUE(b.result.visible());
-  // Half of the copper minerals dissolves by default: 1.73 % Cu stands for 10 % chalcopyrite.
+  // Half of the copper minerals dissolves by default: 1.73 % Cu means 10 % chalcopyrite.
   EXPECT_EQ(b.result.F1MC.TextRC(1, 2), "10.00");
   EXPECT_EQ(b.result.F1MC.TextRC(1, 3), "40.00");
   EXPECT_EQ(b.result.F1MC.TextRC(2, 4), "90.00");
@@ -215,7 +215,7 @@ TEST(frmMinCalc, OpensCalculatesAndReports) {
   b.form.cmdRun.click();
   EXPECT_EQ(b.result.F1MC.TextRC(1, 2), "10.00");
 
-  b.form.OpenFile(file, true, ok);  // other minerals may stand in it: everything is read anew
+  b.form.OpenFile(file, true, ok);  // it may have other minerals: everything is read anew
   b.form.cmdRun.click();
   EXPECT_EQ(b.result.F1Ini.NumberRC(1, 2), 1.7313);
 
@@ -233,7 +233,7 @@ TEST(frmMinCalc, SampleSpecificPathGivesTheSameWithoutRecords) {
   b.form.F1OpenSave.TextRC(5, 1, "2");
   b.form.takeOpenSave();
   b.form.F1CalcOpt.NumberRC(1, setup::SampleSpecific, 1);
-  ASSERT_TRUE(b.form.RetAndCalc(modalMode::Retrieve));
+  ASSERT_TRUE(b.form.RetAndCalc(ModalMode::Retrieve));
   EXPECT_EQ(b.result.F1MC.TextRC(1, 2), "10.000");
   EXPECT_EQ(b.result.F1MinChemPerSample.LastRow(), 2);
   EXPECT_EQ(b.result.F1MinChemPerSample.TextRC(2, 1), "B");
@@ -248,7 +248,7 @@ TEST(frmMinCalc, SampleSpecificPathGivesTheSameWithoutRecords) {
       "VALUES (170, 'Ccp', 1, 69.252)");
   db.Close();
   b.assays.TextRC(5, 2, "1");
-  ASSERT_TRUE(b.form.RetAndCalc(modalMode::Retrieve));
+  ASSERT_TRUE(b.form.RetAndCalc(ModalMode::Retrieve));
   EXPECT_EQ(b.result.F1MC.TextRC(1, 2), "5.000");
   EXPECT_EQ(b.result.F1MC.TextRC(2, 2), "0.000");
   EXPECT_NEAR(b.result.F1Min.NumberRC(copper, 1), 34.63, 0.01);  // restored for sample B
@@ -261,7 +261,7 @@ TEST(frmMinCalc, ASymbolOfAnotherMineralIsTold) {
   b.form.F1OpenSave.TextRC(4, 1, "Cu (29) / BM");
   b.form.takeOpenSave();
   b.takeAssays();
-  ASSERT_TRUE(b.form.RetAndCalc(modalMode::Retrieve));
+  ASSERT_TRUE(b.form.RetAndCalc(ModalMode::Retrieve));
   const std::string log = b.session.log.txtLog.text();
   EXPECT_NE(log.find("Mineral M/Py/170 has the composition of number 170, which is Ccp"),
             std::string::npos);
@@ -280,7 +280,7 @@ TEST(frmMinCalc, AssaysOfTextAloneAreAnError) {
   b.form.cmdCalc.click();
   EXPECT_TRUE(b.dialogs.allAsked());
   b.assays.TextRC(6, 3, "0.5");
-  EXPECT_TRUE(b.form.RetAndCalc(modalMode::Retrieve));
+  EXPECT_TRUE(b.form.RetAndCalc(ModalMode::Retrieve));
 }
 
 TEST(frmMinCalc, ErrorsAreTold) {
