@@ -51,6 +51,10 @@ std::array<int, 2> sizesInBrackets(std::string_view declaration) {
 
 constexpr int kMaxPrecision = 28;  // of a decimal field
 
+// Words that parseFieldType knows by their beginning.
+constexpr std::array<std::string_view, 7> kLongerWords{
+    "INTEGER", "INTEGER4", "DATETIME", "TIMESTAMP", "BOOLEAN", "VARCHAR2", "CHARACTER"};
+
 }  // namespace
 
 bool FieldType::isText() const {
@@ -100,6 +104,15 @@ FieldType parseFieldType(std::string_view declaration) {
     return type;
   }
   return {FieldCode::VarText, 255};
+}
+
+bool isFieldType(std::string_view declaration) {
+  const std::string upper = toUpper(trimWhite(declaration));
+  const size_t end = upper.find_first_of(" (");
+  const std::string_view word = std::string_view(upper).substr(0, end);
+  const auto names = [word](const TypeWord& known) { return known.word == word; };
+  return std::any_of(kTypeWords.begin(), kTypeWords.end(), names) ||
+         std::find(kLongerWords.begin(), kLongerWords.end(), word) != kLongerWords.end();
 }
 
 std::string jetTypeName(FieldType type) {

@@ -67,6 +67,9 @@ struct Field {
 /// unknown word gives text of 255 characters.
 FieldType parseFieldType(std::string_view declaration);
 
+/// Whether the first word of a declaration names a type, in any case.
+bool isFieldType(std::string_view declaration);
+
 /// The type as a statement of the Jet dialect names it, such as "TEXT (50)" or "DECIMAL (10, 2)".
 std::string jetTypeName(FieldType type);
 

@@ -133,7 +133,9 @@ void requireFieldType(std::string_view type) {
         c == '(' || c == ')' || c == ' ' || (open == 0 ? isLetter(c) : isDigit(c) || c == ',');
     fits = fits && allowed && (open == 0 || open == 1);
   }
-  if (!fits || open != 0) throw Error("\"" + std::string(type) + "\" is no field type");
+  if (!fits || open != 0 || !isFieldType(type)) {
+    throw Error("\"" + std::string(type) + "\" is not a field type");
+  }
 }
 
 bool AddField(Session& session, Connection& connection, const NewField& request, bool ask,
@@ -169,7 +171,7 @@ bool AddField(Session& session, Connection& connection, const NewField& request,
 
 bool CheckAndAddField(Session& session, Connection& connection, DatabaseMap& map,
                       const TableKey& key, const std::string& table, const std::string& field,
-                      std::string type, bool& isKey) {
+                      std::string type, bool& isKey, std::string* reason) {
   if (table == "TABLE" || table == "*") return false;
   // A field that is only to be indexed may hold a value twice.
   const bool plainIndex = !isKey && type.find("(I)") != std::string::npos;
@@ -188,8 +190,12 @@ bool CheckAndAddField(Session& session, Connection& connection, DatabaseMap& map
     commands.run(createIndex(table, field, !plainIndex, primary));
     if (primary) map.addKey(table, field);
     return true;
+  } catch (const FileError& failure) {
+    commands.failed(failure);
+    throw;
   } catch (const Error& failure) {
     commands.failed(failure);
+    if (reason) *reason = failure.what();
     return false;
   }
 }

@@ -17,8 +17,8 @@ std::string sqlTypeOf(std::string_view codeOrType);
 /// there was any.
 bool stripTypeMarkers(std::string& type);
 
-/// Throws Error unless the text is a field type: a word, perhaps more, and a size in brackets.
-/// Types come from cells and must not bring other SQL with them.
+/// Throws Error unless the text is a field type: a known word, perhaps more, and a size in
+/// brackets. Types come from cells and must not bring other SQL with them.
 void requireFieldType(std::string_view type);
 
 /// What AddField makes.
@@ -45,10 +45,11 @@ struct TableKey {
 /// Makes sure that a destination has a table with a field, and keeps its map in step. Tables are
 /// made with the key of `key`; a type with markers sets `isKey`, which asks for a unique index.
 /// Nothing is done for the names "TABLE" and "*" of columns that were not identified. True when the
-/// field is there after the call; what was done and what failed is in the log.
+/// field is there after the call; what was done and what failed is in the log, and `reason` (null
+/// for none) gets why it failed. Throws FileError when the database as a whole cannot be written.
 bool CheckAndAddField(Session& session, Connection& connection, DatabaseMap& map,
                       const TableKey& key, const std::string& table, const std::string& field,
-                      std::string type, bool& isKey);
+                      std::string type, bool& isKey, std::string* reason = nullptr);
 
 /// Makes the tables for a user's own calculations and groups: "UserGroups" and, if asked,
 /// "UserCalc", each with the key field SampleNo. An empty `keyType` is a text of 50 characters;

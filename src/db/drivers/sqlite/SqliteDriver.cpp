@@ -152,6 +152,10 @@ class SqliteDriver : public Driver {
 
   // The lock is taken at once: a unit of work then fails at its start and not half-way.
   void begin() override {
+    // The engine would begin a unit of work that can only read.
+    if (sqlite3_db_readonly(file_->handle, "main") == 1) {
+      throw FileError("Database " + file_->path + " is write-protected", dberror::Unspecified);
+    }
     run("BEGIN IMMEDIATE");
     file_->inUnit = true;
   }

@@ -59,12 +59,12 @@ std::string refusal(const std::string& reason) {
       throw FileError(name + " is damaged or no database", dberror::Unspecified);
     case SQLITE_READONLY:
       if (code == SQLITE_READONLY_DBMOVED) {
-        throw Error(name + " was moved or replaced meanwhile and must be opened again",
-                    dberror::Unspecified);
+        throw FileError(name + " was moved or replaced meanwhile and must be opened again",
+                        dberror::Unspecified);
       }
-      throw Error(name + " is write-protected", dberror::Unspecified);
+      throw FileError(name + " is write-protected", dberror::Unspecified);
     case SQLITE_FULL:
-      throw Error(name + " cannot grow: the disk is full", dberror::Unspecified);
+      throw FileError(name + " cannot grow: the disk is full", dberror::Unspecified);
     case SQLITE_CANTOPEN:
     case SQLITE_IOERR:
     case SQLITE_PERM:
