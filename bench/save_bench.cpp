@@ -38,7 +38,7 @@ struct Bench {
 };
 
 SheetToSave describedAssays(Worksheet& sheet) {
-  SheetToSave described{"assays", &sheet, {}};
+  SheetToSave described{"assays", &sheet, {}, 0};
   for (int i = sysrow::Table; i <= sysrow::Multiplier; ++i) {
     described.structure.row(i) = i - sysrow::Table + 1;
   }
@@ -62,7 +62,7 @@ SheetToSave describedAssays(Worksheet& sheet) {
 void save(Bench& bench, const SaveRequest& request) {
   bench.session.log.clear();
   const SaveOutcome outcome = saveSheets(bench.session, bench.database, request);
-  if (!outcome.finished || outcome.SaveErrors != 0) std::abort();
+  if (outcome.outcome.exitStatus() != 0) std::abort();
 }
 
 void append(benchmark::State& state) {

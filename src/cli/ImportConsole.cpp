@@ -48,10 +48,7 @@ ImportConsole::ImportConsole(CommandContext& context, const ReadingChoice& choic
   sheets_.chkUseThes.setChecked(!choice.noThesaurus);
   sheets_.ConvertDecimalCommas = choice.decimalComma;
   sheets_.chkUnIDToUser.setChecked(true);
-}
-
-ImportConsole::~ImportConsole() {
-  for (const std::string& line : shortened_) context_.err << line << '\n';
+  import_.loadAllRows = true;
 }
 
 void ImportConsole::loadThesaurus() {
@@ -74,10 +71,6 @@ void ImportConsole::openOne(const std::string& file) {
     const std::string reason = opened.NotReadable;
     opened.close();
     throw FileError(reason);
-  }
-  if (opened.AD.RowCount() > frmDataIN::gridRows) {
-    shortened_.push_back("lodex: " + file + ": only " + std::to_string(frmDataIN::gridRows) +
-                         " of " + std::to_string(opened.AD.RowCount()) + " rows are used");
   }
   printLines(session().log.txtLog.text(), "");
 }

@@ -29,8 +29,6 @@ void addReadingOptions(CLI::App& command, ReadingChoice& choice);
 class ImportConsole {
  public:
   ImportConsole(CommandContext& context, const ReadingChoice& choice);
-  /// Reports once more which files were too long, after all that was printed meanwhile.
-  ~ImportConsole();
   ImportConsole(const ImportConsole&) = delete;
   ImportConsole& operator=(const ImportConsole&) = delete;
 
@@ -67,7 +65,6 @@ class ImportConsole {
   ImportContext import_;
   Form shell_;
   DataSheets sheets_;
-  std::vector<std::string> shortened_;  // reports on files with more rows than a sheet takes
 };
 
 /// Throws Error when some of the files could not be opened.

@@ -46,9 +46,11 @@ void runSave(const SaveOptions& options, CommandContext& context) {
 
   const frmLog& log = console.session().log;
   if (options.showLog) context.out << replaceAll(log.txtLog.text(), "\r\n", "\n") << '\n';
-  if (!finished || stage.SaveErrors() > 0) console.printLines(log.txtErr.text(), "lodex: ");
   context.err << stage.savedRecords() << " records written in " << options.database << '\n';
-  if (!finished) throw Error("saving was cancelled; what was written until then stays");
+  if (!finished) {
+    throw Error("saving was stopped " + stage.outcome().reason +
+                "; what was written until then stays");
+  }
   if (stage.SaveErrors() > 0) {
     throw Error(std::to_string(stage.SaveErrors()) + " values or records were not saved");
   }

@@ -78,13 +78,11 @@ void leaveCaptionsInFront(const DescribedSheet& sheet, int top) {
 }
 
 void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
-  constexpr int widestTable = 256;
   Worksheet& cells = sheet.cells;
   log.push_back("-Moving first column to ID col = 2");
   const int last = cells.LastCol();
-  if (last >= widestTable) {
-    log.warn("-Last column (" + std::to_string(last) + "=" + sheet.text(sysrow::Header, last) +
-             ") dropped to make room for the ID column");
+  if (last >= maxColumns) {
+    log.found.error("The last column was left out to make room for the captions", {.column = last});
     cells.DeleteRange(1, last, 1, last, Shift::Columns);
   }
   cells.InsertRange(1, 1, 1, 1, Shift::Columns);
@@ -156,8 +154,8 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
   sheet.setText(sysrow::Indexed, structure.idColumn, "YES");
   if (structure.mineralColumn == 0) findMineralColumn(sheet, log);
   if (looksLikeUnits(sheet.cells, structure.firstDataRow, structure.idColumn)) {
-    log.warn("-Row " + std::to_string(structure.firstDataRow) +
-             " looks like a row of units: set it as the UNIT row");
+    log.found.warn("The row looks like a row of units: set it as the UNIT row",
+                   {.row = structure.firstDataRow});
   }
   if (thesaurus != nullptr && !thesaurus->empty()) {
     applyThesaurus(*thesaurus, sheet, log, descriptions);

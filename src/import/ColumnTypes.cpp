@@ -19,6 +19,13 @@ std::optional<double> cellNumber(const Worksheet& sheet, int row, int column,
   return parseNumber(text);
 }
 
+// True for the text of a whole number as that number is written, which 00123, 5E1 and 10.0 are not.
+bool isWholeNumberText(const std::string& text) {
+  const auto number = parseInteger(text);
+  return number && std::abs(static_cast<double>(*number)) < longLimit &&
+         std::to_string(*number) == text;
+}
+
 }  // namespace
 
 std::string columnType(const Worksheet& sheet, int column, int firstRow, int lastRow) {
@@ -47,13 +54,12 @@ std::string idColumnType(const Worksheet& sheet, int column, int firstRow, int l
   size_t longest = 0;
   for (int row = firstRow; row <= lastRow; ++row) {
     const std::string text = sheet.TextRC(row, column);
-    if (text.empty()) {
+    if (trimWhite(text).empty()) {
       emptyRow(row);
       continue;
     }
     longest = std::max(longest, characterCount(text));
-    const auto number = cellNumber(sheet, row, column, text);
-    if (!number || std::abs(*number) >= longLimit) isText = true;
+    isText = isText || !isWholeNumberText(text);
   }
   if (!isText) return "LONG(U,I)";
   const int tens = static_cast<int>(roundHalfEven(static_cast<double>(longest) / 10)) + 1;

@@ -13,8 +13,9 @@ namespace lodex {
 /// 32 bits, "TEXT(<longest + 10>)" when a cell is no number.
 std::string columnType(const Worksheet& sheet, int column, int firstRow, int lastRow);
 
-/// The type of the sample identifier: "LONG(U,I)", or "TEXT(<n>)(U,I)" when a cell is no number or
-/// reaches 2147483647 on either side, n being 10 * (longest / 10, rounded half to even, + 1).
+/// The type of the sample identifier: "LONG(U,I)", or "TEXT(<n>)(U,I)" when a field of numbers
+/// would change an identifier: one that is not written as its whole number (00123, 10.25, 5E1) or
+/// reaches 2147483647 on either side. n is 10 * (longest / 10, rounded half to even, + 1).
 /// `emptyRow` is called for every row without identifier.
 std::string idColumnType(const Worksheet& sheet, int column, int firstRow, int lastRow,
                          const std::function<void(int row)>& emptyRow);

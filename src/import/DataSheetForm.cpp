@@ -31,6 +31,17 @@ Descriptions descriptionsOf(Worksheet& cells) {
   return described ? Descriptions::Keep : Descriptions::Rewrite;
 }
 
+// The same findings in places that name the sheet.
+Findings onSheet(const Findings& found, const std::string& sheet) {
+  Findings named;
+  for (const Finding& finding : found.all()) {
+    Place place = finding.places.front();
+    place.sheet = sheet;
+    named.add(finding.severity, finding.text, place, finding.count);
+  }
+  return named;
+}
+
 constexpr int pickFirstDataRow = 20;
 constexpr int pickIdColumn = 21;
 constexpr int pickMineralColumn = 22;
@@ -275,9 +286,7 @@ IdentifyRules DataSheetForm::rules() const {
 
 void DataSheetForm::logLines(const LogLines& lines) {
   if (!lines.empty()) session().log.LisaaLog(join(lines, "\r\n"));
-  for (const std::string& line : lines.warnings) {
-    session().log.LisaaLog(caption() + ": " + line.substr(1), LogKind::Errors);
-  }
+  session().notice(onSheet(lines.found, caption()));
 }
 
 void DataSheetForm::runAutoIdentify(bool useThesaurus, const DescribedSheet& sheet, LogLines& log) {
@@ -341,7 +350,7 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
   if (request.automatic) runAutoIdentify(request.useThesaurus, sheet, log);
   if (request.columns) runColumns(request.onlyNonX, sheet, log);
   if (request.columns && descriptions_ == Descriptions::Rewrite) {
-    warnOfUnknownHeadings(sheet, log);
+    reportUnknownHeadings(sheet, log);
   }
   if (request.unidentifiedToUser) {
     IdentifyRules rules = this->rules();
@@ -566,6 +575,7 @@ void DataSheetForm::openData() {
   std::string path;
   if (!OpenFileDlg(session().dialogs(), "Open data File", path)) return;
   F1D.Read(path);
+  session().notice(F1D.ReadFindings());
   gridF1D.refresh();
 }
 

@@ -30,6 +30,9 @@ struct ImportContext {
   /// Opens a database file as a source; empty where there is none to do it.
   std::function<void(const std::string& path)> AvaaDB{};
 
+  /// Text files are loaded with all their rows, without a question.
+  bool loadAllRows = false;
+
   // What the shell's check boxes say.
   bool methodFromFileName = false;          // chkFILEISMET
   std::string unidentifiedTable = "USERX";  // txtUnID

@@ -249,28 +249,31 @@ void DataSheets::convertLimits(frmDataIN& sheet) {
   SheetStructure structure = sheet.structure();
   const int converted = convertBelowDetection({sheet.F1D, structure});
   if (converted == 0) return;
-  context_.session.log.LisaaLog("-" + std::to_string(converted) +
-                                " values below the detection limit are now half of the limit");
+  notice(Severity::Note, "Half of the limit stands in for a value below the detection limit", sheet,
+         converted);
   sheet.gridF1D.refresh();
 }
 
 void DataSheets::treatDecimalCommas(frmDataIN& sheet) {
   SheetStructure structure = sheet.structure();
   const DescribedSheet described{sheet.F1D, structure};
-  frmLog& log = context_.session.log;
   if (!ConvertDecimalCommas) {
     const DecimalCommas found = findDecimalCommas(described);
-    if (found.count == 0) return;
-    log.LisaaLog(sheet.caption() + ": " + std::to_string(found.count) +
-                     " values with a comma, such as \"" + found.example +
-                     "\", are text and count as no numbers",
-                 LogKind::Both);
+    notice(Severity::Warning,
+           "A value with a comma, such as \"" + found.example + "\", is text and not a number",
+           sheet, found.count);
     return;
   }
   const int converted = convertDecimalCommas(described);
   if (converted == 0) return;
-  log.LisaaLog("-" + std::to_string(converted) + " values with a decimal comma are now numbers");
+  notice(Severity::Note, "A comma was read as a decimal point", sheet, converted);
   sheet.gridF1D.refresh();
+}
+
+void DataSheets::notice(Severity severity, std::string_view text, const Form& sheet, int count) {
+  Findings found;
+  found.add(severity, text, {.sheet = sheet.caption()}, static_cast<size_t>(count));
+  context_.session.notice(found);
 }
 
 bool DataSheets::IDENTIFY(bool askLog) {
@@ -304,7 +307,7 @@ bool DataSheets::IDENTIFY(bool askLog) {
       treatDecimalCommas(*sheet);
       if (ConvertBelowDetection) convertLimits(*sheet);
     } catch (const Error& error) {
-      session.log.LisaaLog(name + ": " + error.what(), LogKind::Both);
+      notice(Severity::Error, std::string("The sheet was not identified: ") + error.what(), *sheet);
     }
   }
   session.progress.ShowProgress("", 0);

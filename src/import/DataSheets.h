@@ -78,6 +78,7 @@ class DataSheets {
   void makeNamesUnique();
   void convertLimits(frmDataIN& sheet);
   void treatDecimalCommas(frmDataIN& sheet);
+  void notice(Severity severity, std::string_view text, const Form& sheet, int count = 1);
 
   ImportContext& context_;
   std::vector<std::unique_ptr<frmDataIN>> sheets_;

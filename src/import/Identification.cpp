@@ -189,7 +189,7 @@ bool looksLikeUnits(const Worksheet& sheet, int row, int idColumn) {
   return 2 * units > filled;
 }
 
-void warnOfUnknownHeadings(const DescribedSheet& sheet, LogLines& log) {
+void reportUnknownHeadings(const DescribedSheet& sheet, LogLines& log) {
   const int header = sheet.structure.row(sysrow::Header);
   if (header == 0 || !sheet.has(sysrow::Identified)) return;
   const int last = sheet.cells.LastCol();
@@ -197,7 +197,7 @@ void warnOfUnknownHeadings(const DescribedSheet& sheet, LogLines& log) {
   for (int column = sheet.structure.idColumn + 1; column <= last; ++column) {
     if (sheet.text(sysrow::Identified, column).starts_with("X")) return;
   }
-  log.warn("-No column was understood: is row " + std::to_string(header) + " the heading?");
+  log.found.error("No column was understood: is row " + std::to_string(header) + " the heading?");
 }
 
 void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, LogLines& log) {
@@ -249,6 +249,7 @@ void CheckIDCOL(const DescribedSheet& sheet, int newColumn, int oldColumn, std::
 void cleanNames(const DescribedSheet& sheet, LogLines& log) {
   const int first = std::max(1, sheet.structure.idColumn);
   for (int column = first; column <= sheet.cells.LastCol(); ++column) {
+    if (sheet.text(sysrow::Table, column) == noTable) continue;
     setSafeName(sheet, sysrow::Table, column, "Table", true, log);
   }
   for (int column = first; column <= sheet.cells.LastCol(); ++column) {

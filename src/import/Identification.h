@@ -96,8 +96,8 @@ std::string unitOfWord(std::string_view word);
 /// True for a row that has no text in `idColumn`, and units in most of its other filled cells.
 bool looksLikeUnits(const Worksheet& sheet, int row, int idColumn);
 
-/// Warns when no column behind the ID column has been understood.
-void warnOfUnknownHeadings(const DescribedSheet& sheet, LogLines& log);
+/// Reports an error when no column after the ID column was understood.
+void reportUnknownHeadings(const DescribedSheet& sheet, LogLines& log);
 
 /// Sends columns with a heading and without a mark to the table for unidentified ones. A column
 /// that was given table, field and type by somebody else, as the results of a calculation are, goes

@@ -8,7 +8,7 @@ namespace lodex {
 namespace {
 
 SheetToSave sheetToSave(const DataSheetForm& form, std::string_view name) {
-  return {std::string(name), &form.F1D, form.structure()};
+  return {std::string(name), &form.F1D, form.structure(), 0};
 }
 
 }  // namespace
@@ -55,6 +55,7 @@ SaveRequest SavingStage::request(bool resultOnly) {
       request.sheets.push_back(sheetToSave(sheets_.result, name));
     } else if (const frmDataIN* sheet = sheets_.find(name)) {
       request.sheets.push_back(sheetToSave(*sheet, name));
+      request.sheets.back().rowsNotLoaded = sheet->RowsNotLoaded();
     }
   }
   return request;
@@ -69,7 +70,8 @@ bool SavingStage::SaveInDB(bool resultOnly) {
   }
   outcome_ = saveSheets(session_, destination_.destination(), request(resultOnly));
   destination_.refreshTables();
-  return outcome_.finished;
+  if (outcome().failed()) throw Error(outcome().reason);
+  return outcome().done();
 }
 
 void SavingStage::guarded() {

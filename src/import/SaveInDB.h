@@ -22,10 +22,11 @@ class SavingStage {
   Label lblDB;  // the destination's file name
 
   /// Saves the sheets selected in lstSrcD, or the calculation result alone and silently. False when
-  /// nothing was saved to the end; what went wrong has been told.
+  /// nothing was saved to the end. Throws Error when the database refuses as a whole.
   bool SaveInDB(bool resultOnly);
   /// Of the last saving.
-  int SaveErrors() const { return outcome_.SaveErrors; }
+  const Outcome& outcome() const { return outcome_.outcome; }
+  int SaveErrors() const { return outcome_.SaveErrors(); }
   int savedRecords() const { return outcome_.records; }
 
  private:

@@ -4,15 +4,14 @@
 #include <ctime>
 #include <memory>
 #include <optional>
+#include <utility>
 
-#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
 #include "basic/Text.h"
 #include "chem/Headings.h"
 #include "db/FieldValues.h"
-#include "db/Recordset.h"
-#include "db/SchemaOperations.h"
+#include "import/SaveTables.h"
 
 namespace lodex {
 
@@ -31,64 +30,26 @@ std::string timeText() {
   return text;
 }
 
-// One sheet of a workbook with its description.
-class Source {
- public:
-  Source(const SheetToSave& saved, int sheet) : saved_(saved), sheet_(sheet) {}
+// The value that a cell gives its field.
+FieldValue valueOf(const SaveColumn& column, const std::string& text) {
+  if (text.empty()) return {};
+  std::optional<double> number = parseNumber(text);
+  if (!number || (!column.multiplier && !column.digits)) return text;
+  if (column.multiplier) number = toSingle(*number) * *column.multiplier;
+  if (column.digits) number = RoundTo(*number, *column.digits);
+  return *number;
+}
 
-  int idColumn() const { return saved_.structure.idColumn; }
-  int firstRow() const {
-    return std::max({1, saved_.structure.firstDataRow, saved_.structure.highestRow() + 1});
+// A sample's identifier for the key field. A field of numbers takes only what it would not change.
+FieldValue keyValue(const std::string& id, const SaveTable& table) {
+  const Field& key = table.fields[static_cast<size_t>(table.key)];
+  FieldValue value = valueForField(id, key, table.name);
+  if (key.type.isNumber() && fieldText(value) != trimBlanks(id)) {
+    throw Error("Field [" + key.name + "] of table [" + table.name +
+                "] holds numbers and would change this identifier");
   }
-  int lastRow() const { return saved_.cells->LastRow(sheet_); }
-  int lastColumn() const { return saved_.cells->LastCol(sheet_); }
-  std::string text(int row, int column) const { return saved_.cells->TextSRC(sheet_, row, column); }
-
-  bool has(int systemRow) const { return saved_.structure.row(systemRow) > 0; }
-  std::string described(int systemRow, int column) const {
-    return has(systemRow) ? text(saved_.structure.row(systemRow), column) : std::string();
-  }
-  std::string table(int column) const {
-    if (!has(sysrow::Table)) return saved_.cells->SheetName(sheet_);
-    const std::string name = described(sysrow::Table, column);
-    return column == idColumn() && name == systemRowCaption(sysrow::Table) ? "USER" : name;
-  }
-  std::string field(int column) const {
-    const std::string name =
-        has(sysrow::Field) ? described(sysrow::Field, column) : heading(column);
-    const bool unnamed = name.empty() || name == systemRowCaption(sysrow::Field);
-    return column == idColumn() && unnamed ? "SampleNo" : name;
-  }
-
- private:
-  // What a column is called where nobody named its field.
-  std::string heading(int column) const {
-    const std::string title = described(sysrow::Header, column);
-    if (!title.empty() || has(sysrow::Header)) return title;
-    const std::string text = saved_.cells->ColText(column);
-    return text.empty() || text.starts_with('-') ? columnLetters(column) : text;
-  }
-
-  const SheetToSave& saved_;
-  int sheet_;
-};
-
-// A column of the sheet that goes into one table.
-struct Target {
-  int column = 0;
-  int field = -1;  // in the records; -1 if the table lacks it
-  std::string name;
-  std::optional<double> multiplier;
-  std::optional<int> digits;
-};
-
-struct TargetTable {
-  std::string name;
-  std::unique_ptr<Recordset> records;
-  std::vector<Field> fields;
-  int key = -1;
-  std::vector<Target> targets;
-};
+  return value;
+}
 
 class Saving {
  public:
@@ -97,27 +58,38 @@ class Saving {
 
   SaveOutcome run() {
     start();
-    for (const SheetToSave& sheet : request_.sheets) {
-      if (!saveWorkbook(sheet)) {
-        outcome_.finished = false;
-        session_.progress.ShowProgress("", 0);
-        return outcome_;
+    try {
+      for (const SheetToSave& sheet : request_.sheets) {
+        if (!saveWorkbook(sheet)) break;
       }
+    } catch (const Error& failure) {
+      result_.outcome.ended = Ended::Failed;
+      result_.outcome.reason = failure.what();
+      if (!reached_.empty()) result_.outcome.reason += "; nothing was saved after " + reached_;
     }
     end();
-    return outcome_;
+    return std::move(result_);
   }
 
  private:
   void log(const std::string& text, LogKind kind = LogKind::Log) {
     session_.log.LisaaLog(text, kind);
   }
+  // Adds to the outcome and tells the user.
+  void notice(const Findings& found) {
+    result_.outcome.found.append(found);
+    session_.notice(found);
+  }
+  void notice(Severity severity, const std::string& text, const Place& place, size_t count = 1) {
+    Findings found;
+    found.add(severity, text, place, count);
+    notice(found);
+  }
 
   void start() {
     for (const SheetToSave& sheet : request_.sheets) {
       for (int i = 1; i <= sheet.cells->NumSheets(); ++i) total_ += sheet.cells->LastRow(i);
     }
-    session_.progress.bar.setMaximum(total_);
     session_.progress.ShowStop(true);
     if (request_.resultOnly) return;
     session_.log.clear();
@@ -128,9 +100,10 @@ class Saving {
   }
 
   void end() {
-    if (!request_.resultOnly) {
+    notice(nameless_);
+    if (!request_.resultOnly && result_.outcome.done()) {
       log("Saving ended at " + timeText());
-      log(std::to_string(outcome_.SaveErrors) + " errors detected", LogKind::Both);
+      log(std::to_string(result_.SaveErrors()) + " errors detected", LogKind::Both);
       session_.log.show();
     }
     session_.progress.ShowProgress("", 0);
@@ -139,6 +112,7 @@ class Saving {
 
   // False when the user stops the saving.
   bool saveWorkbook(const SheetToSave& sheet) {
+    const Place place{.sheet = sheet.name};
     const SheetStructure& structure = sheet.structure;
     if (structure.row(sysrow::Table) == 0 && structure.row(sysrow::Field) == 0) {
       const Answer answer = session_.dialogs().messageBox(
@@ -146,26 +120,57 @@ class Saving {
               " using default table and fields?\n-Yes = Use default names\n"
               "-No = Don't save data of this file\n-Cancel = Cancel saving",
           MessageButtons::YesNoCancel, MessageIcon::Question);
-      if (answer == Answer::No) return true;
-      if (answer != Answer::Yes) return false;
+      if (answer == Answer::No) {
+        notice(Severity::Note, "The sheet was not saved, as you chose", place);
+        return true;
+      }
+      if (answer != Answer::Yes) {
+        abort("before sheet " + sheet.name);
+        return false;
+      }
     }
     if (structure.idColumn < 1) {
-      ++outcome_.SaveErrors;
-      log("!ERROR " + sheet.name + " has no ID column and was not saved", LogKind::Both);
+      notice(Severity::Error, "The sheet has no ID column and was not saved", place);
       return true;
     }
     for (int number = 1; number <= sheet.cells->NumSheets(); ++number) {
-      const Source source(sheet, number);
-      if (source.lastRow() == 0) continue;
-      const std::vector<std::string> tables = prepareTables(source);
-      if (!writeRows(source, tables)) return false;
+      const SaveSource source(sheet, number);
+      if (source.lastRow() >= source.firstRow() && !saveSheet(source, place)) return false;
+    }
+    if (sheet.rowsNotLoaded > 0) {
+      notice(Severity::Error, "The row of the file is not loaded and was not saved", place,
+             static_cast<size_t>(sheet.rowsNotLoaded));
     }
     return true;
   }
 
+  bool saveSheet(const SaveSource& source, const Place& place) {
+    std::vector<SaveTable> tables = tablesOf(source);
+    Findings found;
+    source.reportHomeless(found);
+    if (tables.empty() && !found.hasErrors()) {
+      found.error("No column has a table and a field: nothing of the sheet was saved", place);
+    }
+    notice(found);
+    if (tables.empty()) return true;
+
+    // Questions come before the work: nobody else is kept waiting meanwhile.
+    const std::vector<std::string> types = typesOf(source);
+    key_ = keyOf(source, types[static_cast<size_t>(source.idColumn())]);
+    Findings shared;
+    reportSharedFields(tables, key_.KeyFieldName, source, shared);
+    notice(shared);
+    if (!makeTables(session_, destination_, tables, key_, types)) {
+      abort("before any row of sheet " + place.sheet);
+      return false;
+    }
+    reportFailures(source, tables);
+    return writeRows(source, tables);
+  }
+
   // --- Structure ---
 
-  std::string typeOf(const Source& source, int column) {
+  std::string typeOf(const SaveSource& source, int column) {
     if (!source.has(sysrow::Type)) {
       const auto answer = session_.dialogs().inputBox(
           "Field type for [" + source.table(column) + "].[" + source.field(column) + "]",
@@ -178,108 +183,69 @@ class Saving {
     return length ? "TEXT(" + std::to_string(*length) + ")" : kStandardType;
   }
 
-  // By column. Questions come before the work: nobody else is kept waiting meanwhile.
-  std::vector<std::string> typesOf(const Source& source) {
+  // By column.
+  std::vector<std::string> typesOf(const SaveSource& source) {
     std::vector<std::string> types(static_cast<size_t>(source.lastColumn()) + 1);
-    for (int column = source.idColumn(); column <= source.lastColumn(); ++column) {
-      if (source.table(column).empty() || source.field(column).empty()) continue;
-      types[static_cast<size_t>(column)] = typeOf(source, column);
+    const int id = source.idColumn();
+    types[static_cast<size_t>(id)] =
+        source.table(id).empty() ? source.described(sysrow::Type, id) : typeOf(source, id);
+    for (const SaveColumn& column : source.columns()) {
+      types[static_cast<size_t>(column.column)] = typeOf(source, column.column);
     }
     return types;
   }
 
-  bool ensureField(const std::string& table, const std::string& field, const std::string& type,
-                   bool isKey) {
-    return CheckAndAddField(session_, destination_.connection, destination_.map, key_, table, field,
-                            type, isKey);
-  }
-
-  // Makes the tables and fields of a sheet; returns the tables in the order of the columns.
-  std::vector<std::string> prepareTables(const Source& source) {
-    std::vector<std::string> tables;
-    const std::vector<std::string> types = typesOf(source);
-    Transaction work(destination_.connection);
-    key_ = {};
-    for (int column = source.idColumn(); column <= source.lastColumn(); ++column) {
-      const std::string table = source.table(column);
-      const std::string field = source.field(column);
-      const bool isId = column == source.idColumn();
-      if (table.empty() || field.empty()) {
-        if (isId) key_ = keyOf(field, source.described(sysrow::Type, column));
-        continue;
+  void reportFailures(const SaveSource& source, const std::vector<SaveTable>& tables) {
+    const auto report = [&](const std::string& what, const std::string& reason, int column) {
+      notice(Severity::Error, what + " could not be made: " + reason,
+             source.place(source.systemRow(sysrow::Type), column));
+    };
+    for (const SaveTable& table : tables) {
+      const bool byItsFields = !table.targets.empty() && !table.targets.front().failure.empty();
+      if (!table.failure.empty() && !byItsFields) {
+        report("Table [" + table.name + "]", table.failure, source.idColumn());
       }
-      const std::string& type = types[static_cast<size_t>(column)];
-      if (isId) key_ = keyOf(field, type);
-      if (!ensureField(table, field, type, isId)) continue;
-      const auto known = std::find_if(tables.begin(), tables.end(), [&](const std::string& other) {
-        return equalsNoCase(other, table);
-      });
-      if (known != tables.end()) continue;
-      tables.push_back(table);
-      if (!equalsNoCase(field, key_.KeyFieldName)) {
-        ensureField(table, key_.KeyFieldName, key_.KeyFieldType, true);
+      for (const SaveTarget& target : table.targets) {
+        if (target.failure.empty()) continue;
+        report("Field [" + target.name + "] of table [" + table.name + "]", target.failure,
+               target.columns.front().column);
       }
     }
-    work.commit();
-    return tables;
-  }
-
-  static TableKey keyOf(const std::string& field, std::string type) {
-    stripTypeMarkers(type);
-    if (type.empty() || type == systemRowCaption(sysrow::Type)) type = "TEXT (50)";
-    return {field, type};
   }
 
   // --- Data ---
 
-  TargetTable targetTable(const Source& source, const std::string& name) {
-    TargetTable table;
-    table.name = name;
-    table.records = openEmpty(name);
-    table.fields = table.records->Fields();
-    table.key = table.records->FieldIndex(key_.KeyFieldName);
-    for (int column = source.idColumn() + 1; column <= source.lastColumn(); ++column) {
-      if (!equalsNoCase(source.table(column), name)) continue;
-      Target target;
-      target.column = column;
-      target.name = source.field(column);
-      if (target.name.empty()) continue;
-      target.field = table.records->FieldIndex(target.name);
-      target.multiplier = parseNumber(source.described(sysrow::Multiplier, column));
-      target.digits = parseInteger(source.described(sysrow::Digits, column));
-      table.targets.push_back(std::move(target));
-    }
-    return table;
-  }
-
-  std::unique_ptr<Recordset> openEmpty(const std::string& table) {
-    return destination_.connection.OpenRecordset("SELECT * FROM " + quoteName(table) +
-                                                 " WHERE 1 = 0");
-  }
-
-  bool writeRows(const Source& source, const std::vector<std::string>& names) {
-    std::vector<TargetTable> tables;
-    for (const std::string& name : names) tables.push_back(targetTable(source, name));
+  bool writeRows(const SaveSource& source, std::vector<SaveTable>& tables) {
+    session_.progress.bar.setMaximum(total_);
+    openTables(destination_.connection, tables, key_);
     auto work = std::make_unique<Transaction>(destination_.connection);
+    const auto makeLasting = [&](int row, const std::string& id) {
+      work->commit();
+      result_.records += std::exchange(written_, 0);
+      if (!id.empty()) reached_ = "sample " + id + ", row " + std::to_string(row);
+    };
     int rows = 0;
-    bool goOn = true;
-    for (int row = source.firstRow(); goOn && row <= source.lastRow(); ++row) {
+    std::string last;  // the sample before
+    for (int row = source.firstRow(); row <= source.lastRow(); ++row) {
       ++count_;
-      goOn = !stopped();
-      if (!goOn) break;
-      const std::string id = source.text(row, source.idColumn());
-      for (TargetTable& table : tables) {
-        if (!id.empty()) writeRecord(source, row, id, table);
+      if (stopped()) {
+        makeLasting(row - 1, last);
+        tellAborted();
+        return false;
+      }
+      const std::string id = source.value(row, source.idColumn());
+      if (!id.empty()) last = id;
+      if (id.empty()) reportNameless(source, row, tables);
+      for (SaveTable& table : tables) {
+        if (!id.empty()) saveRecord(source, row, id, table);
       }
       if (++rows % kRowsAtOnce != 0) continue;
-      work->commit();
-      // New records stay in memory as long as their recordset is open.
-      for (TargetTable& table : tables) table.records = openEmpty(table.name);
+      makeLasting(row, last);
+      openTables(destination_.connection, tables, key_);
       work = std::make_unique<Transaction>(destination_.connection);
     }
-    work->commit();
-    if (!goOn) tellAborted();
-    return goOn;
+    makeLasting(source.lastRow(), last);
+    return true;
   }
 
   bool stopped() {
@@ -289,57 +255,78 @@ class Saving {
     return true;
   }
 
+  void abort(const std::string& where) {
+    result_.outcome.ended = Ended::Aborted;
+    result_.outcome.reason = where;
+  }
+
   void tellAborted() {
+    abort(reached_.empty() ? "before the first sample" : "after " + reached_);
     session_.dialogs().messageBox("Aborted!");
     log("!! Aborted !!");
-    session_.progress.txtInfo.setCaption("");
     session_.log.show();
   }
 
-  void writeRecord(const Source& source, int row, const std::string& id, TargetTable& table) {
-    if (!request_.resultOnly) {
-      session_.progress.ShowProgress(
-          "Writing row " + std::to_string(count_) + " of " + std::to_string(total_) + " (TABLE=" +
-              table.name + ") [Errors: " + std::to_string(outcome_.SaveErrors) + "] ...",
-          std::max(1, count_));
-    }
-    std::unique_ptr<Recordset> found;
-    Recordset* records = nullptr;
-    try {
-      found = request_.merge ? findSample(id, table) : nullptr;
-      records = found ? found.get() : table.records.get();
-      if (!found) {
-        records->AddNew();
-        records->SetValue(key_.KeyFieldName, id);
+  // Blank rows and what stands outside of the columns that are saved are no loss.
+  void reportNameless(const SaveSource& source, int row, const std::vector<SaveTable>& tables) {
+    for (const SaveTable& table : tables) {
+      for (const SaveTarget& target : table.targets) {
+        for (const SaveColumn& column : target.columns) {
+          if (source.value(row, column.column).empty()) continue;
+          return nameless_.error("The row has values but no identifier and was not saved",
+                                 source.place(row, 0));
+        }
       }
-    } catch (const Error& failure) {
-      if (records) records->CancelUpdate();
-      return countError(id, table, failure);
-    }
-    for (const Target& target : table.targets) {
-      try {
-        setField(*records, target, source.text(row, target.column), table);
-      } catch (const Error& failure) {
-        countError(id, table, failure);
-      }
-    }
-    try {
-      const bool isEdited = records->Editing() != EditMode::None;
-      records->Update();
-      if (isEdited) ++outcome_.records;
-    } catch (const Error& failure) {
-      records->CancelUpdate();
-      countError(id, table, failure);
     }
   }
 
+  void saveRecord(const SaveSource& source, int row, const std::string& id, SaveTable& table) {
+    if (!request_.resultOnly) {
+      session_.progress.ShowProgress(
+          "Writing row " + std::to_string(count_) + " of " + std::to_string(total_) + " (TABLE=" +
+              table.name + ") [Errors: " + std::to_string(result_.SaveErrors()) + "] ...",
+          std::max(1, count_));
+    }
+    const Place place = source.place(row, 0, id);
+    if (!table.failure.empty()) {
+      return add(Severity::Error,
+                 "The record was not saved: there is no table [" + table.name + "]", place);
+    }
+    try {
+      writeRecord(source, row, id, table);
+    } catch (const FileError&) {
+      throw;
+    } catch (const Error& failure) {
+      countError(place, table, failure);
+    }
+  }
+
+  void writeRecord(const SaveSource& source, int row, const std::string& id, SaveTable& table) {
+    const std::unique_ptr<Recordset> found = request_.merge ? findSample(id, table) : nullptr;
+    Recordset& records = found ? *found : *table.records;
+    // Whatever refuses the record, the next one starts afresh.
+    struct AtEnd {
+      Recordset& records;
+      ~AtEnd() { records.CancelUpdate(); }
+    } const atEnd{records};
+    if (!found) {
+      records.AddNew();
+      records.SetValue(key_.KeyFieldName, table.key < 0 ? FieldValue(id) : keyValue(id, table));
+    }
+    for (const SaveTarget& target : table.targets)
+      setField(source, row, id, records, target, table);
+    if (records.Editing() == EditMode::None) return;
+    records.Update();
+    ++written_;
+  }
+
   // The record of a sample; null if there is none.
-  std::unique_ptr<Recordset> findSample(const std::string& id, const TargetTable& table) {
+  std::unique_ptr<Recordset> findSample(const std::string& id, const SaveTable& table) {
     if (table.key < 0) return nullptr;
     const Field& key = table.fields[static_cast<size_t>(table.key)];
     auto found = destination_.connection.OpenRecordset(
         "SELECT * FROM " + quoteName(table.name) + " WHERE " + quoteName(key.name) + " = ?",
-        CursorKind::Client, {valueForField(id, key, table.name)});
+        CursorKind::Client, {keyValue(id, table)});
     if (found->Eof()) return nullptr;
     log("-Sample " + id + " already exists in table. " +
         (request_.overwrite ? "Overwritind data!" : "Writing in fields where Null value.") +
@@ -347,40 +334,80 @@ class Saving {
     return found;
   }
 
-  void setField(Recordset& records, const Target& target, const std::string& text,
-                const TargetTable& table) {
-    if (target.field < 0) {
-      throw Error("Table [" + table.name + "] has no field [" + target.name + "]");
+  // The first column with a value gives it; a value that cannot be stored is counted, and the rest
+  // of the record goes on.
+  void setField(const SaveSource& source, int row, const std::string& id, Recordset& records,
+                const SaveTarget& target, const SaveTable& table) {
+    const SaveColumn* first = nullptr;
+    FieldValue stored;
+    bool refused = false;
+    for (const SaveColumn& column : target.columns) {
+      const std::string text = source.value(row, column.column);
+      if (text.empty()) continue;
+      if (target.field < 0) {
+        add(Severity::Error,
+            "The value was not saved: table [" + table.name + "] has no field [" + target.name +
+                "]",
+            source.place(row, column.column, id));
+        continue;
+      }
+      try {
+        const FieldValue value = valueForField(
+            valueOf(column, text), table.fields[static_cast<size_t>(target.field)], table.name);
+        if (target.field == table.key) {
+          reportDiffering(source.place(row, column.column, id), target, text, id, text == id);
+        } else if (first == nullptr) {
+          first = &column;
+          stored = value;
+        } else {
+          reportDiffering(source.place(row, column.column, id), target, text,
+                          source.value(row, first->column), value == stored);
+        }
+      } catch (const Error& failure) {
+        countError(source.place(row, column.column, id), table, failure);
+        refused = true;
+      }
     }
+    if (target.field < 0 || target.field == table.key || (refused && first == nullptr)) return;
     if (!request_.overwrite && !isNull(records.Value(target.field))) return;
-    const FieldValue value = valueOf(target, text);
-    const Field& field = table.fields[static_cast<size_t>(target.field)];
-    records.SetValue(target.field, valueForField(value, field, table.name));
+    records.SetValue(target.field, stored);
   }
 
-  static FieldValue valueOf(const Target& target, const std::string& text) {
-    if (text.empty()) return {};
-    std::optional<double> number = parseNumber(text);
-    if (!number || (!target.multiplier && !target.digits)) return text;
-    if (target.multiplier) number = toSingle(*number) * *target.multiplier;
-    if (target.digits) number = RoundTo(*number, *target.digits);
-    return *number;
+  // Of two columns for one field, the second has something else to say.
+  void reportDiffering(const Place& place, const SaveTarget& target, const std::string& text,
+                       const std::string& taken, bool isSame) {
+    if (isSame) return;
+    log("-Sample " + place.record + ": field [" + target.name + "] gets " + taken + ", not " +
+        text);
+    add(Severity::Error,
+        "A value was not saved: an earlier column has another one for field [" + target.name + "]",
+        place);
   }
 
-  void countError(const std::string& id, const TargetTable& table, const Error& failure) {
-    ++outcome_.SaveErrors;
-    log(std::to_string(outcome_.SaveErrors) + " !ERROR in writing Sample " + id + " in " +
-            table.name + ". ErrNumber=" + std::to_string(failure.number()) + " " + failure.what(),
+  void countError(const Place& place, const SaveTable& table, const Error& failure) {
+    add(Severity::Error, failure.what(), place);
+    log(std::to_string(result_.SaveErrors()) + " !ERROR in writing Sample " + place.record +
+            " in " + table.name + ". ErrNumber=" + std::to_string(failure.number()) + " " +
+            failure.what(),
         LogKind::Both);
+  }
+
+  // For findings that have a line of their own in the log.
+  void add(Severity severity, const std::string& text, const Place& place) {
+    result_.outcome.found.add(severity, text, place);
+    session_.found.add(severity, text, place);
   }
 
   Session& session_;
   MappedDatabase& destination_;
   const SaveRequest& request_;
-  SaveOutcome outcome_;
+  SaveOutcome result_;
   TableKey key_;
+  std::string reached_;  // the last sample that is lasting
   int total_ = 0;
   int count_ = 0;
+  int written_ = 0;  // records of the open transaction
+  Findings nameless_;
 };
 
 }  // namespace

@@ -58,6 +58,9 @@ constexpr std::string_view systemRowCaption(int index) {
   return systemRowTexts[static_cast<size_t>(index)].caption;
 }
 
+/// In the TABLE row: the column is not to be stored.
+inline constexpr std::string_view noTable = "*";
+
 /// Where the structure of a data sheet stands. 0 means that a row or column is absent.
 struct SheetStructure {
   std::array<int, systemRowCount> rows{};

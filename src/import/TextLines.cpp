@@ -174,16 +174,16 @@ void forEachField(std::string_view text, const TextSplit& split,
   }
 }
 
-std::vector<std::string> unevenLineNotes(std::string_view text, const TextSplit& split) {
-  constexpr int mostNotes = 5;
-  std::vector<std::string> notes;
-  int first = 0, uneven = 0, row = 0, fields = 0;
+Findings unevenLines(std::string_view text, const TextSplit& split) {
+  Findings found;
+  int first = 0, row = 0, fields = 0;
   bool blank = true;
   const auto endLine = [&] {
     if (row == 1) first = fields;
-    if (row <= 1 || fields == first || blank || ++uneven > mostNotes) return;
-    notes.push_back("-Line " + std::to_string(row) + " has " + std::to_string(fields) +
-                    " fields, the first line " + std::to_string(first));
+    if (row <= 1 || fields == first || blank) return;
+    found.warn(
+        "The line has more or fewer fields than the first line, which has " + std::to_string(first),
+        {.row = row});
   };
   forEachField(text, split, [&](int r, int column, std::string_view content) {
     if (r != row) {
@@ -195,11 +195,7 @@ std::vector<std::string> unevenLineNotes(std::string_view text, const TextSplit&
     if (!content.empty()) blank = false;
   });
   endLine();
-  if (uneven > mostNotes) {
-    notes.push_back("-" + std::to_string(uneven - mostNotes) +
-                    " more lines have another number of fields than the first line");
-  }
-  return notes;
+  return found;
 }
 
 std::string windowNameOf(std::string_view path) {

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
+
 namespace lodex {
 
 /// Splits a line at every occurrence of the separator: n occurrences give n + 1 fields, so that
@@ -38,9 +40,9 @@ std::vector<std::string> splitLine(std::string_view line, const TextSplit& split
 void forEachField(std::string_view text, const TextSplit& split,
                   const std::function<void(int row, int column, std::string_view text)>& field);
 
-/// What to tell of lines that have another number of fields than the first: the first few, then
-/// how many more. Empty lines do not count.
-std::vector<std::string> unevenLineNotes(std::string_view text, const TextSplit& split);
+/// Warnings of the lines that have another number of fields than the first, in places with their
+/// row. Empty lines do not count.
+Findings unevenLines(std::string_view text, const TextSplit& split);
 
 /// The name of the window for a file: without its folder and without anything from its first "."
 /// on. A name that would be empty stays whole.

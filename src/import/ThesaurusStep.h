@@ -7,19 +7,16 @@
 #include <unordered_map>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "import/SystemRows.h"
 
 namespace lodex {
 
-/// Lines for the log, in the order in which they came up.
+/// Lines for the log, in the order in which they came up, and what the user must see even without
+/// opening the log; places name no sheet yet.
 struct LogLines : std::vector<std::string> {
   using std::vector<std::string>::vector;
-  /// Those of them that the user must see even without opening the log.
-  std::vector<std::string> warnings;
-  void warn(const std::string& line) {
-    push_back(line);
-    warnings.push_back(line);
-  }
+  Findings found;
 };
 
 /// Columns of a thesaurus: the text looked for, the caption of the system row where it counts, and

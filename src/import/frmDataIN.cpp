@@ -7,6 +7,7 @@
 #include "basic/Files.h"
 #include "basic/Text.h"
 #include "import/frmSplitDialog.h"
+#include "session/Ini.h"
 #include "worksheet/files/TextReader.h"
 
 namespace lodex {
@@ -14,6 +15,9 @@ namespace {
 
 // More raw cells than this are refused: they would take gigabytes.
 constexpr std::int64_t mostRawCells = 30'000'000;
+
+constexpr const char* settingsSection = "Import";
+constexpr const char* allRowsKey = "LoadAllRows";
 
 struct TextSize {
   int rows = 0;
@@ -48,6 +52,18 @@ bool needsTextReader(const std::string& text) {
 frmDataIN::frmDataIN(ImportContext& context, std::string_view caption)
     : DataSheetForm(context, "frmDataIN", caption) {
   mnuRenameWindow.onClick([this] { RenameWindow(); });
+  mnuLoadAllRows.setEnabled(false);
+  mnuLoadAllRows.onClick([this] { guarded([this] { LoadAllRows(); }); });
+  const std::string& ini = session().record.UserIni;
+  mnuAlwaysLoadAllRows.setChecked(GetIni(ini, settingsSection, allRowsKey) == "1");
+  mnuAlwaysLoadAllRows.setEnabled(!ini.empty());
+  mnuAlwaysLoadAllRows.onClick([this] {
+    guarded([this] {
+      const bool always = !mnuAlwaysLoadAllRows.checked();
+      PutIni(session().record.UserIni, settingsSection, allRowsKey, always ? "1" : "0");
+      mnuAlwaysLoadAllRows.setChecked(always);
+    });
+  });
 }
 
 void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::string_view separator,
@@ -60,10 +76,12 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
   } else if (kind != "ASCII") {
     try {
       type = F1D.Read(path);
+      session().notice(F1D.ReadFindings());
     } catch (const Error& failure) {
       unread = failure.what();
     }
   }
+  path_ = path;
   bool readAsText = false;
   NotReadable.clear();
   if (type == FileType::Text) {
@@ -74,18 +92,25 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
     if (readAsText) {
       readText(bytes, separator);
     } else {
-      logUnevenLines(decodeText(bytes), {"\t", false, true});
+      notice(unevenLines(decodeText(bytes), {"\t", false, true}));
     }
   }
   if (!readAsText) AD.Size(0, 0);
   if (!unread.empty()) {
-    session().log.LisaaLog("-" + fileNameOf(path) + " is taken as lines of text: " + unread);
+    Findings found;
+    found.warn("The file is taken as lines of text: " + unread);
+    notice(std::move(found));
   }
   F1D.Sheet(1);
   setCaption(windowNameOf(path));
   if (identify) AutoIdentify(true);
   Changed = false;
   gridF1D.refresh();
+}
+
+void frmDataIN::notice(Findings found) {
+  found.nameFile(path_);
+  session().notice(found);
 }
 
 TextSplit frmDataIN::askedSplit(std::string_view text, std::string_view separator) {
@@ -103,17 +128,27 @@ void frmDataIN::readText(std::string_view bytes, std::string_view separator) {
   const TextSplit split = askedSplit(text, separator);
   TextSeparator = split.separator;
   fillFrom(text, split);
-  logUnevenLines(text, split);
-  if (AD.RowCount() > gridRows) {
-    session().log.LisaaLog("-The grid shows " + std::to_string(gridRows) + " of " +
-                           std::to_string(AD.RowCount()) + " rows of the file; " +
-                           std::to_string(AD.RowCount() - gridRows) + " stay outside of it");
-  }
+  notice(unevenLines(text, split));
+  if (RowsNotLoaded() > 0) offerAllRows();
 }
 
-void frmDataIN::logUnevenLines(std::string_view text, const TextSplit& split) {
-  const std::vector<std::string> notes = unevenLineNotes(text, split);
-  if (!notes.empty()) session().log.LisaaLog(join(notes, "\r\n"));
+void frmDataIN::offerAllRows() {
+  const std::string all = std::to_string(AD.RowCount());
+  const std::string shown = std::to_string(loadedRows_);
+  const bool always = context().loadAllRows || mnuAlwaysLoadAllRows.checked();
+  const bool load =
+      always || session().dialogs().messageBox(
+                    fileNameOf(path_) + " has " + all + " rows; the grid shows the first " + shown +
+                        ".\nLoad all rows?",
+                    MessageButtons::YesNo, MessageIcon::Question) == Answer::Yes;
+  Findings found;
+  if (!load) found.warn("The grid shows the first " + shown + " of " + all + " rows");
+  if (load && loadedRows_ < maxRows) fillGrid(AD.RowCount());
+  if (load && RowsNotLoaded() > 0) {
+    found.add(Severity::Error, "A row beyond those that a sheet can hold was left out",
+              {.row = maxRows + 1}, static_cast<size_t>(RowsNotLoaded()));
+  }
+  notice(std::move(found));
 }
 
 void frmDataIN::fillFrom(std::string_view text, const TextSplit& split) {
@@ -128,11 +163,49 @@ void frmDataIN::fillFrom(std::string_view text, const TextSplit& split) {
   }
   // As wide as the longest line, so that no field of any line is lost.
   AD.Size(size.rows, std::max(1, size.columns));
+  const int rows = std::min(size.rows, context().loadAllRows ? maxRows : gridRows);
   F1D = Worksheet();
-  forEachField(text, split, [this](int row, int column, std::string_view field) {
+  forEachField(text, split, [this, rows](int row, int column, std::string_view field) {
     AD.Cell(column, row, field);
-    if (row <= gridRows) F1D.TextRC(row, column, field);
+    if (row <= rows) F1D.TextRC(row, column, field);
   });
+  setLoadedRows(rows);
+}
+
+void frmDataIN::fillGrid(int rows) {
+  rows = std::min(rows, maxRows);
+  F1D = Worksheet();
+  for (int row = 1; row <= rows; ++row) {
+    for (int column = 1; column <= AD.ColCount(); ++column) {
+      const auto& field = AD.Cell(column, row);
+      if (!field.empty()) F1D.TextRC(row, column, field);
+    }
+  }
+  setLoadedRows(rows);
+}
+
+void frmDataIN::setLoadedRows(int rows) {
+  loadedRows_ = rows;
+  mnuLoadAllRows.setEnabled(RowsNotLoaded() > 0);
+}
+
+int frmDataIN::RowsNotLoaded() const {
+  return std::max(0, AD.RowCount() - loadedRows_);
+}
+
+void frmDataIN::LoadAllRows() {
+  if (RowsNotLoaded() == 0) return;
+  if ((Changed || structure().highestRow() > 0) &&
+      session().dialogs().messageBox("The sheet is filled anew from its file: what was identified "
+                                     "or edited in it goes.\nLoad all rows?",
+                                     MessageButtons::YesNo, MessageIcon::Question) != Answer::Yes) {
+    return;
+  }
+  edit("Load all rows", [this](const DescribedSheet& sheet) {
+    fillGrid(AD.RowCount());
+    sheet.structure = {};
+  });
+  bIdentified = false;
 }
 
 void frmDataIN::takeSheet(const Worksheet& source, int sheet) {
@@ -162,7 +235,7 @@ void frmDataIN::Parse() {
   session().dialogs().showModal(dialog);
   if (dialog.split().separator.empty()) return;
   const WideLimits wide(F1D);
-  for (int row = 1; row <= std::min(AD.RowCount(), gridRows); ++row) {
+  for (int row = 1; row <= std::min(AD.RowCount(), loadedRows_); ++row) {
     int column = 0;
     for (int cell = 1; cell <= AD.ColCount(); ++cell) {
       for (const std::string& piece : splitLine(AD.Cell(cell, row), dialog.split())) {

@@ -15,16 +15,24 @@ class frmDataIN : public DataSheetForm {
  public:
   explicit frmDataIN(ImportContext& context, std::string_view caption = {});
 
-  /// Raw cells of a text file, rows that the grid has no room for included. Empty for files that
-  /// did not come through the text reader.
+  /// Raw cells of a text file, with the rows that the grid does not show. Empty for files that did
+  /// not come through the text reader.
   SampleTable AD;
   std::string TextSeparator;
   /// Why the sheet shows the lines of a file that is neither a workbook nor text; "" otherwise.
   std::string NotReadable;
   MenuItem mnuRenameWindow{*this, "mnuRenameWindow", "Rename Window..."};
+  MenuItem mnuLoadAllRows{*this, "mnuLoadAllRows", "Load all rows"};
+  MenuItem mnuAlwaysLoadAllRows{*this, "mnuAlwaysLoadAllRows", "Always load all rows"};
 
-  /// Rows of a text file that the grid shows.
+  /// Rows of a text file that the grid shows unless the user, the settings or a command ask for
+  /// all.
   static constexpr int gridRows = 16000;
+  /// Rows of the text file that the sheet does not hold.
+  int RowsNotLoaded() const;
+  /// Fills the sheet anew with every row of its text file and forgets its structure. Asks first
+  /// where something was identified or edited.
+  void LoadAllRows();
 
   /// Loads a file and names the window after it. Kind "ASCII" reads it as text; otherwise it is
   /// read by its content, and what no reader knows as text. `separator` is the column separator of
@@ -51,8 +59,14 @@ class frmDataIN : public DataSheetForm {
 
  private:
   TextSplit askedSplit(std::string_view text, std::string_view separator);
-  void logUnevenLines(std::string_view text, const TextSplit& split);
+  void notice(Findings found);
   void fillFrom(std::string_view text, const TextSplit& split);
+  void fillGrid(int rows);
+  void setLoadedRows(int rows);
+  void offerAllRows();
+
+  std::string path_;
+  int loadedRows_ = 0;  // of AD
 };
 
 }  // namespace lodex

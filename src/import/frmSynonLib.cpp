@@ -48,6 +48,7 @@ void frmSynonLib::guarded(Command command) {
 void frmSynonLib::Aukaise(std::string_view path) {
   Worksheet loaded;
   loaded.Read(path);
+  session_.notice(loaded.ReadFindings());
   loaded.Sheet(1);
   for (int column = 1; column <= loaded.LastCol(); ++column) {
     loaded.ColText(column, loaded.TextRC(1, column));

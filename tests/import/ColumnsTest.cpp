@@ -39,7 +39,14 @@ TEST(ColumnType, ComesFromTheContent) {
 TEST(IdColumnType, IsLongOrATextInTens) {
   const TypeCase cases[] = {
       {"numbers", {"1", "2147483646"}, "LONG(U,I)"},
-      {"leading zeros are numbers", {"00123"}, "LONG(U,I)"},
+      {"leading zeros", {"7", "00123"}, "TEXT(10)(U,I)"},
+      {"decimals", {"10.25", "11"}, "TEXT(10)(U,I)"},
+      {"whole but written with decimals", {"12.0"}, "TEXT(10)(U,I)"},
+      {"powers", {"50", "5E1"}, "TEXT(10)(U,I)"},
+      {"signs", {"+5"}, "TEXT(10)(U,I)"},
+      {"blanks around", {" 7"}, "TEXT(10)(U,I)"},
+      {"a cell of blanks is none", {"7", "  "}, "LONG(U,I)"},
+      {"negative", {"-7", "0"}, "LONG(U,I)"},
       {"limit", {"2147483647"}, "TEXT(20)(U,I)"},
       {"negative limit", {"-2147483647"}, "TEXT(20)(U,I)"},
       {"text", {"A-1"}, "TEXT(10)(U,I)"},

@@ -62,7 +62,7 @@ TEST_F(Open, TextFilesOfEveryShape) {
     }
   }
   EXPECT_TRUE(dialogs.allAsked());
-  EXPECT_TRUE(logHas("-h.xls is taken as lines of text: "));
+  EXPECT_TRUE(logHas("h.xls: The file is taken as lines of text: "));
 }
 
 TEST_F(Open, GivenSeparatorIsTakenAsItIs) {
@@ -90,18 +90,57 @@ TEST_F(Open, CancelledQuestionLeavesLinesWhole) {
   EXPECT_EQ(rowText(form.F1D, 2), "c|d");
 }
 
-TEST_F(Open, RowsBeyondTheGridStayInTheRawTable) {
+TEST_F(Open, RowsBeyondTheGridAreLoadedOnDemand) {
   const std::pair<int, int> cases[] = {{16000, 0}, {16001, 16001}, {20000, 20000}};
   for (const auto& [lines, rawRows] : cases) {
+    if (rawRows > 0) {
+      dialogs.expectMessage("long.txt has " + std::to_string(lines) +
+                                " rows; the grid shows the first 16000.\nLoad all rows?",
+                            Answer::No);
+    }
     frmDataIN form(context);
     form.OpenFile(write("long.txt", manyLines(lines)), "", "", false);
     EXPECT_EQ(form.F1D.LastRow(), 16000);
     EXPECT_EQ(form.AD.RowCount(), rawRows);
+    EXPECT_EQ(form.RowsNotLoaded(), lines - 16000);
+    EXPECT_EQ(form.mnuLoadAllRows.enabled(), rawRows > 0);
     if (rawRows > 0) {
       EXPECT_EQ(form.AD.Cell(1, lines), std::to_string(lines));
     }
   }
-  EXPECT_TRUE(logHas("16000 of 20000 rows"));
+  EXPECT_TRUE(logHas("long.txt: The grid shows the first 16000 of 20000 rows"));
+}
+
+TEST_F(Open, AllRowsComeByQuestionMenuAndSetting) {
+  const std::string file = write("long.txt", manyLines(16500));
+  const std::string question =
+      "long.txt has 16500 rows; the grid shows the first 16000.\nLoad all rows?";
+  dialogs.expectMessage(question, Answer::Yes);
+  frmDataIN asked(context);
+  asked.OpenFile(file, "", "", false);
+  EXPECT_EQ(asked.F1D.TextRC(16500, 1), "16500");
+  EXPECT_EQ(asked.RowsNotLoaded(), 0);
+
+  dialogs.expectMessage(question, Answer::No);
+  session.record.UserIni = path("user.ini");
+  frmDataIN later(context);
+  later.OpenFile(file, "", "", false);
+  later.AjaTunnista({});
+  dialogs.expectMessage(
+      "The sheet is filled anew from its file: what was identified or edited in "
+      "it goes.\nLoad all rows?",
+      Answer::Yes);
+  later.mnuLoadAllRows.click();
+  EXPECT_EQ(later.F1D.LastRow(), 16500);
+  EXPECT_EQ(later.SystemRows(sysrow::Element), 0);
+  EXPECT_FALSE(later.mnuLoadAllRows.enabled());
+
+  later.mnuAlwaysLoadAllRows.click();
+  frmDataIN always(context);
+  EXPECT_TRUE(always.mnuAlwaysLoadAllRows.checked());
+  always.OpenFile(file, "", "", false);
+  EXPECT_EQ(always.F1D.LastRow(), 16500);
+  EXPECT_TRUE(dialogs.allAsked());
 }
 
 TEST_F(Open, WhatCannotBeOpenedIsAnErrorAndChangesNothing) {

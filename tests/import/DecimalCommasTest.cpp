@@ -1,6 +1,9 @@
+// Texts that stand for numbers: decimal commas and values below a detection limit.
 #include "import/DecimalCommas.h"
 
 #include <gtest/gtest.h>
+
+#include "import/BelowDetection.h"
 
 namespace lodex {
 namespace {
@@ -42,6 +45,20 @@ TEST(DecimalCommas, IdentifiersAndTextsKeepThem) {
   EXPECT_EQ(convertDecimalCommas(sheet), 1);
   EXPECT_EQ(cells.NumberRC(4, 2), 72.34);
   for (const int column : {1, 3, 4}) EXPECT_EQ(cells.TextRC(4, column), rows[3][column - 1]);
+}
+
+TEST(BelowDetection, HalfOfAPositiveLimit) {
+  struct Case {
+    const char* text;
+    double half;  // 0 for none
+  };
+  for (const Case& test : {Case{"< 5", 2.5}, Case{"<0.01", 0.005}, Case{" <1E-2 ", 0.005},
+                           Case{"<0", 0}, Case{"<-5", 0}, Case{"<x", 0}, Case{"<", 0}, Case{"5", 0},
+                           Case{">5", 0}, Case{"<<5", 0}, Case{"", 0}}) {
+    const auto half = halfOfLimit(test.text);
+    EXPECT_EQ(half.has_value(), test.half != 0) << test.text;
+    EXPECT_EQ(half.value_or(0), test.half) << test.text;
+  }
 }
 
 }  // namespace

@@ -193,26 +193,31 @@ TEST_F(Identify, NamesAreCleanedForTheDatabase) {
   frmDataIN& form = sheetOf({"No|Fe %|S %", "1|5|7"});
   form.AjaTunnista({});
   form.F1D.TextRC(form.SystemRows(sysrow::Table), 3, "Fe/TOT %");
+  form.F1D.TextRC(form.SystemRows(sysrow::Table), 4, "*");
   form.F1D.TextRC(form.SystemRows(sysrow::Element), 4, "S(tot)");
   form.F1D.TextRC(form.SystemRows(sysrow::Field), 4, "");
   IdentifyRequest request;
   request.columns = request.unidentifiedToUser = false;
   form.AjaTunnista(request);
   EXPECT_EQ(cell(form, sysrow::Table, 3), "Fe_TOT %");
+  EXPECT_EQ(cell(form, sysrow::Table, 4), "*");
   EXPECT_EQ(cell(form, sysrow::Field, 3), "Fe/%");
   EXPECT_EQ(cell(form, sysrow::Field, 4), "S_tot_");
   EXPECT_TRUE(logHas("Replacing Table name Fe/TOT % by Fe_TOT % due to illegal characters!"));
   EXPECT_TRUE(logHas("Replacing Field name S(tot) by S_tot_ due to illegal characters!"));
 }
 
-TEST_F(Identify, WideSheetLosesItsLastColumnToTheIds) {
-  for (const int columns : {255, 256, 300}) {
+TEST_F(Identify, OnlyTheWidestSheetLosesAColumnToTheIds) {
+  for (const int columns : {255, 256, 300, maxColumns}) {
     frmDataIN& form = sheets.newSheet("wide");
     for (int c = 1; c <= columns; ++c) form.F1D.TextRC(1, c, "h" + std::to_string(c));
+    session.found.clear();
     form.AjaTunnista({});
-    const int kept = columns < 256 ? columns : columns - 1;
+    const int kept = std::min(columns, maxColumns - 1);
     EXPECT_EQ(form.F1D.LastCol(), kept + 1);
     EXPECT_EQ(form.F1D.TextRC(1, kept + 1), "h" + std::to_string(kept));
+    EXPECT_EQ(session.found.count(Severity::Error), columns == maxColumns ? 2U : 1U);
+    EXPECT_THAT(describe(session.found.all().back()), HasSubstr("No column was understood"));
   }
 }
 
@@ -301,7 +306,9 @@ TEST_F(Identify, CommandRunsTheSelectedSheets) {
   EXPECT_TRUE(one.bIdentified);
   EXPECT_FALSE(two.bIdentified);
   EXPECT_TRUE(logHas("Running identify routine for file " + one.caption()));
-  EXPECT_EQ(session.log.txtErr.text(), two.caption() + ": the mineral database does not answer");
+  EXPECT_EQ(session.log.txtErr.text(),
+            "sheet " + two.caption() +
+                ": The sheet was not identified: the mineral database does not answer");
   EXPECT_TRUE(session.log.visible());
   EXPECT_FALSE(session.progress.visible());
 }

@@ -2,12 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include "OtherUser.h"
+#include "basic/Error.h"
 #include "db/Recordset.h"
 #include "import/ImportFixture.h"
 
 namespace lodex {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -54,12 +57,20 @@ class SaveTest : public ImportFixture {
     return lines;
   }
 
+  // What the last saving noticed, a line each.
+  std::vector<std::string> findings() {
+    std::vector<std::string> lines;
+    for (const Finding& finding : stage.outcome().found.all()) lines.push_back(describe(finding));
+    return lines;
+  }
+  void run(const std::string& sql) { destination.destination().connection.Execute(sql); }
+
   frmDDB destination{session};
   SavingStage stage{shell, session, sheets, destination};
 };
 
 TEST_F(SaveTest, MakesTablesAndWritesScaledRoundedValues) {
-  addAssays({"|S1|0.5|gneiss|1.2345", "||7|nobody|1", "|O'Brien]|2||x;--"});
+  addAssays({"|S1|0.5|gneiss|1.2345", "|O'Brien]|2||x;--"});
   EXPECT_TRUE(stage.SaveInDB(false));
   EXPECT_THAT(saved("SELECT * FROM [Assays]"), ElementsAre("S1|5000|1.23", "O'Brien]|20000|"));
   EXPECT_THAT(saved("SELECT * FROM [Log]"), ElementsAre("S1|gneiss", "O'Brien]|"));
@@ -146,20 +157,153 @@ TEST_F(SaveTest, CellsCannotBringSql) {
   EXPECT_TRUE(stage.SaveInDB(false));
   EXPECT_THAT(saved("SELECT * FROM [T]"), ElementsAre("1"));
   EXPECT_THAT(session.log.txtLog.text(), HasSubstr("!ERROR in executing command"));
+  // Each field is reported, and each value that it should have taken.
+  EXPECT_EQ(stage.SaveErrors(), 4);
+  EXPECT_THAT(findings(), Contains("sheet bad1, C3: Field [A] of table [T] could not be made: "
+                                   "\"LONG, [C] LONG\" is not a field type"));
+}
+
+TEST_F(SaveTest, ARefusedRecordDoesNotStopTheNext) {
+  addAssays({"|S1|1||", "|S1|2||", "|S2|3||", "|a name that is far too long|4||", "|S3|5||"});
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT [SampleNo] FROM [Assays]"), ElementsAre("S1", "S2", "S3"));
+  EXPECT_EQ(stage.SaveErrors(), 4);
+  EXPECT_EQ(stage.savedRecords(), 6);
+}
+
+TEST_F(SaveTest, MultipliesBeforeItRounds) {
+  addSheet("digits", {"TABLE|T|T", "FIELD|Id|A", "TYPE|TEXT(9)|DOUBLE", "LENGTH", "DIGITS||1",
+                      "INDEXED", "MULTIPLIER||100", "|1|0.1234", "|2|<0.1", "|3|  "});
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT * FROM [T]"), ElementsAre("1|12.3", "2|", "3|"));
   EXPECT_EQ(stage.SaveErrors(), 1);
+}
+
+TEST_F(SaveTest, WhatIsLeftOutIsReported) {
+  frmDataIN& sheet = addSheet(
+      "left", {"TABLE|T|T|*|", "FIELD|Id|A|B|C", "TYPE|TEXT(9)|LONG|LONG|LONG", "LENGTH", "DIGITS",
+               "INDEXED", "MULTIPLIER", "|1|2|3|", "||4||", "|||5|", "| |", "|A note||"});
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT * FROM [T] ORDER BY [Id]"), ElementsAre("1|2", "A note|"));
+  EXPECT_EQ(stage.SaveErrors(), 1);
+  EXPECT_THAT(findings(), ElementsAre("sheet left1, row 9: The row has values but no identifier "
+                                      "and was not saved"));
+  EXPECT_EQ(stage.outcome().exitStatus(), 1);
+  sheet.F1D.TextRC(8, 5, "homeless");
+  sheet.F1D.TextRC(9, 2, "4");
+  stage.chkMerge.setChecked(true);
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(findings(), ElementsAre("sheet left1, E8: The column has values but no table or no "
+                                      "field, and was not saved"));
+}
+
+TEST_F(SaveTest, TablesAndFieldsThatCannotBeMadeCountForEveryRecord) {
+  run("CREATE TABLE [Real] ([Id] LONG)");
+  run("CREATE VIEW [Log] AS SELECT [Id] FROM [Real]");
+  addAssays({"|S1|1|a|1", "|S2|2|b|2"});
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT [SampleNo] FROM [Assays]"), ElementsAre("S1", "S2"));
+  EXPECT_EQ(stage.SaveErrors(), 3);
+  EXPECT_THAT(findings(), Contains("sheet assays1, row 8, record S1: The record was not saved: "
+                                   "there is no table [Log] (2 times)"));
+}
+
+TEST_F(SaveTest, UnknownTypesAreRefused) {
+  addSheet("types", {"TABLE|T|T|T", "FIELD|Id|A|B", "TYPE|TEXT(9)|SINGEL|MEMO", "LENGTH", "DIGITS",
+                     "INDEXED", "MULTIPLIER", "|1|2|x", "|2||y"});
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT * FROM [T]"), ElementsAre("1|x", "2|y"));
+  EXPECT_THAT(findings(),
+              ElementsAre("sheet types1, C3: Field [A] of table [T] could not be made: \"SINGEL\" "
+                          "is not a field type",
+                          "sheet types1, C8, record 1: The value was not saved: table [T] has no "
+                          "field [A]"));
+}
+
+TEST_F(SaveTest, TablesMadeByAnotherProgramMeanwhileAreUsed) {
+  addAssays({"|S1|1|a|1"});
+  Connection other;
+  other.Open(ConnectionString(path("out.mdb"), "", ""));
+  other.Execute("CREATE TABLE [Assays] ([SampleNo] TEXT (20) PRIMARY KEY)");
+  other.Execute("CREATE TABLE [Log] ([SampleNo] TEXT (20) PRIMARY KEY, [Rock type] TEXT (8))");
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_EQ(stage.SaveErrors(), 0);
+  EXPECT_THAT(saved("SELECT * FROM [Assays]"), ElementsAre("S1|10000|1"));
+  EXPECT_THAT(saved("SELECT * FROM [Log]"), ElementsAre("S1|a"));
+}
+
+TEST_F(SaveTest, IdentifiersAreStoredAsTheyAreOrNotAtAll) {
+  frmDataIN& sheet =
+      addSheet("ids", {"TABLE|T|T", "FIELD|Id|A", "TYPE||LONG", "LENGTH", "DIGITS", "INDEXED",
+                       "MULTIPLIER", "|10.25|1", "|00123|2", "|5E1|3", "|50|4"});
+  sheet.CheckIDCOL(2, 0);
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT [Id] FROM [T]"), ElementsAre("00123", "10.25", "50", "5E1"));
+  EXPECT_EQ(stage.SaveErrors(), 0);
+
+  run("DROP TABLE [T]");
+  run("CREATE TABLE [T] ([Id] LONG PRIMARY KEY, [A] LONG)");
+  for (const bool merge : {true, false}) {
+    stage.chkMerge.setChecked(merge);
+    EXPECT_TRUE(stage.SaveInDB(false));
+    EXPECT_THAT(saved("SELECT * FROM [T]"), ElementsAre("50|4"));
+    EXPECT_EQ(stage.SaveErrors(), merge ? 3 : 4);
+  }
+}
+
+TEST_F(SaveTest, OfTwoColumnsForAFieldTheFirstValueCounts) {
+  addSheet("twice",
+           {"HEADER", "TABLE|T|T|T|T", "FIELD|Id|Fe|Fe|id", "TYPE|TEXT(9)|DOUBLE|DOUBLE|TEXT(9)",
+            "DIGITS", "INDEXED", "MULTIPLIER", "|1|5|5.0|1", "|2||7|2", "|3|8|9|3", "|4||x|other"});
+  SheetStructure structure = sheets.sheet(1).structure();
+  for (int i = sysrow::Table; i <= sysrow::Multiplier; ++i) structure.row(i) = 0;
+  structure.row(sysrow::Table) = 2;
+  structure.row(sysrow::Field) = 3;
+  structure.row(sysrow::Type) = 4;
+  sheets.sheet(1).setStructure(structure);
+  stage.chkMerge.setChecked(true);
+  stage.chkOverWrite.setChecked(true);
+  EXPECT_TRUE(stage.SaveInDB(false));
+  EXPECT_THAT(saved("SELECT * FROM [T]"), ElementsAre("1|5", "2|7", "3|8", "4|"));
+  EXPECT_THAT(
+      findings(),
+      ElementsAre("sheet twice1, column D: Several columns feed field [Fe] of table [T]: \"C\" and "
+                  "\"D\"; the first value of each record is taken",
+                  "sheet twice1, column E: Several columns feed field [id] of table [T]: the "
+                  "identifiers and \"E\"; the first value of each record is taken",
+                  "sheet twice1, D10, record 3: A value was not saved: an earlier column has "
+                  "another one for field [Fe]",
+                  "sheet twice1, D11, record 4: Field [Fe] of table [T] takes numbers, not \"x\"",
+                  "sheet twice1, E11, record 4: A value was not saved: an earlier column has "
+                  "another one for field [id]"));
+  EXPECT_TRUE(logHas("-Sample 3: field [Fe] gets 8, not 9"));
+}
+
+TEST_F(SaveTest, AWriteProtectedDatabaseGivesOneMessage) {
+  addAssays({"|S1|1|a|1", "|S2|2|b|2", "|S3|3|c|3"});
+  EXPECT_TRUE(stage.SaveInDB(false));
+  const ReadOnly locked(folder);
+  const AsOtherUser user;
+  EXPECT_TRUE(destination.openDestination(path("out.mdb"), false));
+  EXPECT_THROW(stage.SaveInDB(false), Error);
+  EXPECT_EQ(stage.SaveErrors(), 0);
+  EXPECT_EQ(stage.outcome().reason, "Database " + path("out.mdb") + " is write-protected");
 }
 
 TEST_F(SaveTest, AbortKeepsWhatWasWritten) {
   addAssays({"|S1|1|a|1", "|S2|2|b|2", "|S3|3|c|3"});
   MappedDatabase& target = destination.destination();
-  const SheetToSave sheet{"assays", &sheets.sheet(1).F1D, sheets.sheet(1).structure()};
-  int count = 0;
+  const SheetToSave sheet{"assays", &sheets.sheet(1).F1D, sheets.sheet(1).structure(), 0};
   Session* acting = nullptr;
-  NoEvents user([&] { acting->progress.AbortFlag = ++count == 3; });
+  NoEvents user([&] {
+    acting->progress.AbortFlag = acting->progress.txtInfo.caption().starts_with("Writing row 2 ");
+  });
   Session own{Services{dialogs, user, clipboard}};
   acting = &own;
   dialogs.expectMessage("Aborted!");
-  EXPECT_FALSE(saveSheets(own, target, {{sheet}, false, false, false}).finished);
+  const Outcome outcome = saveSheets(own, target, {{sheet}, false, false, false}).outcome;
+  EXPECT_TRUE(outcome.aborted());
+  EXPECT_EQ(outcome.reason, "after sample S2, row 9");
   EXPECT_THAT(saved("SELECT [SampleNo] FROM [Log]"), ElementsAre("S1", "S2"));
   EXPECT_THAT(own.log.txtLog.text(), HasSubstr("!! Aborted !!"));
   EXPECT_FALSE(own.progress.AbortFlag);

@@ -58,7 +58,7 @@ class SaveKillTest : public testing::Test {
     if (MapDatabase(session, database, {}) != MapResult::Mapped) return false;
     database.connection.BusyTimeout(60000);
     const SaveOutcome outcome = saveSheets(session, database, {{sheet}, true, true, false});
-    return outcome.finished && outcome.SaveErrors == 0;
+    return outcome.outcome.exitStatus() == 0;
   }
 
   // Saves in a process of its own and kills that. True when the kill came before the end.
@@ -88,7 +88,7 @@ class SaveKillTest : public testing::Test {
       std::filesystem::temp_directory_path() / ("lodex-kill-" + std::to_string(::getpid()));
   std::string path = (folder / "saved.mdb").string();
   Worksheet cells;
-  SheetToSave sheet{"assays", &cells, {}};
+  SheetToSave sheet{"assays", &cells, {}, 0};
 };
 
 TEST_F(SaveKillTest, ASampleStandsInBothTablesOrInNeither) {

@@ -59,6 +59,14 @@ TEST_F(SplitTitles, PartZeroMakesTheRowOnly) {
   EXPECT_EQ(rowText(form.F1D, form.SystemRows(sysrow::Element)), "ELEMENT|Fe|Au|Cu");
 }
 
+TEST_F(SplitTitles, WithoutCaptionsTheFirstColumnIsATitle) {
+  form.F1D.TextRC(1, 1, "SiO2_XRF_%");
+  split({"_", "1,2,3", ""});
+  // Rows that were made have their caption there and lose it to the piece.
+  EXPECT_EQ(rowText(form.F1D, form.SystemRows(sysrow::Element)), "SiO2|Fe||Cu");
+  EXPECT_EQ(rowText(form.F1D, form.SystemRows(sysrow::Unit)), "%|%||ppm");
+}
+
 TEST_F(SplitTitles, CancelChangesNothing) {
   split({"", "1,2", ""});
   EXPECT_EQ(form.F1D.LastRow(), 3);

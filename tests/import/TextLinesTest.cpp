@@ -109,13 +109,13 @@ TEST(ForEachField, KeepsThePlaceOfMissingValuesInAlignedText) {
   }
 }
 
-TEST(UnevenLines, AreToldForTheFirstFew) {
-  const TextSplit comma{",", false, true};
-  EXPECT_THAT(unevenLineNotes("a,b\n1,2\n\n3\n", comma),
-              ElementsAre("-Line 4 has 1 fields, the first line 2"));
-  const auto many = unevenLineNotes("a,b\n1\n1\n1\n1\n1\n1\n1\n", comma);
-  ASSERT_EQ(many.size(), 6U);
-  EXPECT_EQ(many[5], "-2 more lines have another number of fields than the first line");
+TEST(UnevenLines, AreReportedTogether) {
+  const Findings found = unevenLines("a,b\n1,2\n\n3\n4,5,6\n", {",", false, true});
+  ASSERT_EQ(found.all().size(), 1U);
+  EXPECT_EQ(describe(found.all()[0]),
+            "row 4: The line has more or fewer fields than the first line, which has 2 (2 times)");
+  EXPECT_EQ(found.all()[0].places[1].row, 5);
+  EXPECT_FALSE(found.hasErrors());
 }
 
 TEST(WindowName, IsTheFileNameUpToItsFirstDot) {

@@ -2121,6 +2121,22 @@
         <translation>Anna tälle ikkunalle toinen nimi</translation>
     </message>
     <message>
+        <source>Load all rows</source>
+        <translation>Lataa kaikki rivit</translation>
+    </message>
+    <message>
+        <source>Fill the sheet with every row of a long text file</source>
+        <translation>Täytä taulukko pitkän tekstitiedoston kaikilla riveillä</translation>
+    </message>
+    <message>
+        <source>Always load all rows</source>
+        <translation>Lataa aina kaikki rivit</translation>
+    </message>
+    <message>
+        <source>Load every row of long text files without asking</source>
+        <translation>Lataa pitkien tekstitiedostojen kaikki rivit kysymättä</translation>
+    </message>
+    <message>
         <source>Copy</source>
         <translation>Kopioi</translation>
     </message>
