@@ -109,7 +109,7 @@ AccessFile::AccessFile(const std::string& path) {
     header.content.resize(2048);
     if (::pread(descriptor_, header.content.data(), 2048, 0) != 2048 ||
         !isAccessHeader(header.bytes().chars().substr(0, 20))) {
-      throw FileError("it is no Access file or cut short at its start");
+      throw FileError("it is not an Access file, or it is cut short at its start");
     }
     const int version = header.bytes().u8(0x14);
     if (version > 6) throw FileError("it comes from a later version of Access");

@@ -41,8 +41,8 @@ class AccessFile {
   /// Makes `page` hold the page of that number, from 0. Throws FileError beyond the end.
   void read(std::uint32_t number, AccessPage& page) const;
 
-  /// A row of a data page; rows count from 0. The two bits above the position tell of deleted rows
-  /// and of rows that only point elsewhere.
+  /// A row of a data page; rows count from 0. The two bits above the position mark deleted rows and
+  /// rows that only point elsewhere.
   struct Row {
     bool deleted = false;
     bool pointer = false;

@@ -303,7 +303,7 @@ void AccessRows::readOffsets(const Crack& crack) {
   }
   const size_t countAt = size - crack.mask.size() - 1;
   const int count = record.u8(countAt);
-  // Offsets of one byte: "jumps" tell from which column on another 256 are to be added.
+  // Offsets of one byte: "jumps" give the column from which on another 256 are added.
   const size_t stored = (size - 1) / 256;
   size_t jumps = stored;
   const size_t firstAt = countAt - stored - 1;

@@ -128,7 +128,7 @@ std::string translatedRule(std::string_view field, std::string_view rule) {
   const std::string whole =
       field.empty() ? std::string(trimWhite(rule)) : Rule(rule, field).whole();
   for (const JetToken& token : splitJetTokens(whole)) {
-    if (isAnyWord(token, {"LIKE"})) throw Error("patterns are no condition of a table");
+    if (isAnyWord(token, {"LIKE"})) throw Error("a pattern cannot be a condition of a table");
     if (isAnyWord(token, {"Now", "Date", "Time"})) {
       throw Error("a condition of a table cannot depend on the time");
     }

@@ -6,7 +6,8 @@
 namespace lodex {
 
 /// A field's default value in Access ("=Date()", "Yes", "\"none\"") as an expression of the
-/// embedded engine. Throws Error for what it cannot say.
+/// embedded engine. Throws Error for what has no
+/// counterpart.
 std::string translatedDefault(std::string_view value);
 
 /// A validation rule of Access as a condition of the embedded engine. A rule of a field may leave

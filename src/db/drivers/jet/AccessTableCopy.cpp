@@ -93,8 +93,8 @@ std::string columnList(const AccessTable& table, const AccessIndex& index) {
   return list;
 }
 
-// A first attempt takes all for granted; what the records disprove (unique keys, required fields,
-// numbers that fit a double) is left out of the next one.
+// A first attempt assumes that everything holds; what the records disprove (unique keys, required
+// fields, numbers that fit a double) is left out of the next one.
 class TableCopy {
  public:
   TableCopy(const AccessFile& file, const AccessTable& table,
@@ -268,7 +268,7 @@ class TableCopy {
                            propertyOf(*column.properties, "ValidationRule"));
   }
 
-  // What Access demands beyond types and keys must not keep its records from coming over.
+  // What Access demands beyond types and keys must not keep its records from being copied.
   void create() {
     if (target_.tryRun(tableSql())) return;
     note("The defaults and rules of the table could not be kept");

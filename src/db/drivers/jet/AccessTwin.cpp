@@ -32,7 +32,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kPatience = 20'000;  // milliseconds without progress
+constexpr int kPatience = 15'000;  // milliseconds without progress
 constexpr std::chrono::minutes kLeftoverAge(10);
 constexpr size_t kStampBytes = 64 * 1024;
 // Counts up whenever twins are made in another way, so that old ones are made anew.

@@ -24,7 +24,7 @@ void setTwinFolder(std::string_view folder);
 ///
 /// Adds to `found`, at every opening, what the twin lacks (errors and warnings), and when the twin
 /// is made also where it is and how things are kept (notes). Throws FileError when the file cannot
-/// be read; no half-made twin stays behind.
+/// be read; no half-made twin remains.
 std::unique_ptr<Driver> openAccessTwin(std::string_view path, Findings& found);
 
 }  // namespace lodex
