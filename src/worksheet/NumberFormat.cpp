@@ -81,8 +81,11 @@ std::string formattedNumber(double number, std::string_view format, bool dates19
   if (choice.section == nullptr) return numberText(number);
   if (choice.section->tokens.empty()) return {};
   if (choice.section->isDate) {
-    const auto text = numberformat::dateText(number, *choice.section, dates1904);
-    return text ? *text : numberText(number);
+    // Workbooks that count from 1904 show negative times.
+    const bool negative = dates1904 && number < 0;
+    const auto text =
+        numberformat::dateText(negative ? -number : number, *choice.section, dates1904);
+    return !text ? numberText(number) : negative && !choice.ownSign ? "-" + *text : *text;
   }
   const std::string digits = numberformat::digitsText(std::abs(number), *choice.section);
   return number < 0 && !choice.ownSign ? "-" + digits : digits;

@@ -188,7 +188,7 @@ std::string scientificText(Decimal number, const Section& section) {
   const std::string mantissa = decimalText(number, section, 0, mark);
   const char plus = tokens[mark].letter;
   const std::string sign = power < 0 ? "-" : plus == '+' ? "+" : "";
-  return mantissa + "E" + sign +
+  return mantissa + tokens[mark].text + sign +
          wholeText(tokens, mark + 1, tokens.size(), std::to_string(std::abs(power)), false);
 }
 

@@ -59,6 +59,12 @@ class Parser {
     section_.tokens.push_back({kind, {}, letter, count});
   }
 
+  bool exponent() {
+    section_.tokens.push_back({TokenKind::Exponent, std::string(rest_.substr(0, 1)), rest_[1], 0});
+    rest_.remove_prefix(2);
+    return hasDigits();
+  }
+
   void addLiteral(std::string_view text) {
     section_.tokens.push_back({TokenKind::Literal, std::string(text), '\0', 0});
   }
@@ -90,8 +96,7 @@ class Parser {
     if (takeStart("AM/PM")) return add(TokenKind::AmPm, 'M'), true;
     if (rest_.starts_with("a/p")) return rest_.remove_prefix(3), add(TokenKind::AmPm, 'a'), true;
     if (takeStart("A/P")) return add(TokenKind::AmPm, 'A'), true;
-    if (takeStart("E+")) return add(TokenKind::Exponent, '+'), hasDigits();
-    if (takeStart("E-")) return add(TokenKind::Exponent, '-'), hasDigits();
+    if (startsWithNoCase(rest_, "E+") || startsWithNoCase(rest_, "E-")) return exponent();
     const char c = rest_.front();
     switch (c) {
       case '"':

@@ -14,7 +14,7 @@ enum class TokenKind {
   Digit,    // one placeholder: '0', '#' or '?' in `letter`
   Point,
   Percent,
-  Exponent,     // "E+" or "E-", the sign in `letter`
+  Exponent,     // "E+" or "E-", the sign in `letter`, "E" or "e" in `text`
   Slash,        // of a fraction
   Denominator,  // the fixed denominator of a fraction, in `count`
   General,
@@ -34,7 +34,7 @@ enum class TokenKind {
 
 struct Token {
   TokenKind kind;
-  std::string text;  // of a Literal
+  std::string text;  // of a Literal or Exponent
   char letter = '\0';
   int count = 0;
 };

@@ -82,6 +82,7 @@ TEST(NumberFormat, ScientificAndFractions) {
       {"no plus", 12345, "0.0E-0", "1.2E4"},
       {"carry into the power", 99999, "0.00E+00", "1.00E+05"},
       {"zero", 0, "0.00E+00", "0.00E+00"},
+      {"small letter of the power", 12345, "0.0e+0", "1.2e+4"},
       {"engineering", 123456, "##0.0E+0", "123.5E+3"},
       {"engineering carry", 999960, "##0.0E+0", "1.0E+6"},
       {"engineering negative power", 0.0123, "##0.0E+0", "12.3E-3"},
@@ -134,6 +135,7 @@ TEST(NumberFormat, DatesAndTimes) {
   };
   for (const Case& row : cases) check(row);
   EXPECT_EQ(formattedText(Value(0.0), "yyyy-mm-dd", true), "1904-01-01");
+  EXPECT_EQ(formattedText(Value(-0.0625), "h:mm", true), "-1:30");
 }
 
 TEST(NumberFormat, OtherValues) {

@@ -52,7 +52,8 @@ std::vector<std::vector<ColumnCriterion>> readCriteria(Evaluator& ev, const Oper
     for (int column = 0; column < columns; ++column) {
       const Operand value = ev.element(criteria, row, column);
       if (value.isEmpty()) continue;
-      const int target = findColumn(ev, table, ev.toText(ev.element(criteria, 0, column)));
+      const Operand heading = ev.element(criteria, 0, column);
+      const int target = heading.isError() ? -1 : findColumn(ev, table, ev.toText(heading));
       if (target < 0) {
         // Without a field of that heading the criterion is a condition of its own.
         possible = possible && (value.isNumber() || value.isBoolean()) && value.number != 0;
