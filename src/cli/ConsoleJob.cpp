@@ -49,6 +49,7 @@ void leaveInterrupts() {
     ::sigaction(number, nullptr, &present);
     if (present.sa_handler == noteInterrupt) ::signal(number, SIG_DFL);
   }
+  wasInterrupted = 0;
 }
 
 size_t terminalWidth() {
