@@ -62,21 +62,11 @@ Operand fnSumSq(Evaluator& ev, Arguments a) {
   return sum;
 }
 
-// What counts: the numbers alone, or as in AVERAGEA everything.
-enum class Counted { Numbers, All };
-
-template <typename Visit>
-bool visitCounted(Evaluator& ev, Arguments a, Counted counted, Operand& error, Visit visit) {
-  return counted == Counted::All ? visitAll(ev, a, error, visit)
-                                 : visitNumbers(ev, a, error, visit);
-}
-
-template <Counted counted>
-Operand average(Evaluator& ev, Arguments a) {
+Operand fnAverage(Evaluator& ev, Arguments a) {
   double sum = 0;
   double count = 0;
   Operand error;
-  if (!visitCounted(ev, a, counted, error, [&](double number) {
+  if (!visitNumbers(ev, a, error, [&](double number) {
         sum += number;
         ++count;
       })) {
@@ -85,14 +75,35 @@ Operand average(Evaluator& ev, Arguments a) {
   return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
 }
 
-enum class End { Smallest, Largest };
-
-template <End end, Counted counted>
-Operand extreme(Evaluator& ev, Arguments a) {
-  double result = end == End::Largest ? -infinity : infinity;
+Operand fnAverageA(Evaluator& ev, Arguments a) {
+  double sum = 0;
+  double count = 0;
   Operand error;
-  if (!visitCounted(ev, a, counted, error, [&](double number) {
-        result = end == End::Largest ? std::max(result, number) : std::min(result, number);
+  if (!visitAll(ev, a, error, [&](double number) {
+        sum += number;
+        ++count;
+      })) {
+    return error;
+  }
+  return count == 0 ? Operand(ErrorCode::DivisionByZero) : Operand(sum / count);
+}
+
+Operand extreme(Evaluator& ev, Arguments a, bool largest) {
+  double result = largest ? -infinity : infinity;
+  Operand error;
+  if (!visitNumbers(ev, a, error, [&](double number) {
+        result = largest ? std::max(result, number) : std::min(result, number);
+      })) {
+    return error;
+  }
+  return std::isinf(result) ? 0.0 : result;
+}
+
+Operand extremeA(Evaluator& ev, Arguments a, bool largest) {
+  double result = largest ? -infinity : infinity;
+  Operand error;
+  if (!visitAll(ev, a, error, [&](double number) {
+        result = largest ? std::max(result, number) : std::min(result, number);
       })) {
     return error;
   }
@@ -136,6 +147,15 @@ Operand fnCountBlank(Evaluator& ev, Arguments a) {
 }
 
 // --- Deviations ---
+
+// What counts: the numbers alone, or as in AVERAGEA everything.
+enum class Counted { Numbers, All };
+
+template <typename Visit>
+bool visitCounted(Evaluator& ev, Arguments a, Counted counted, Operand& error, Visit visit) {
+  return counted == Counted::All ? visitAll(ev, a, error, visit)
+                                 : visitNumbers(ev, a, error, visit);
+}
 
 enum class Spread { Sample, Population };
 enum class Measure { Variance, Deviation };
@@ -353,12 +373,14 @@ constexpr FunctionInfo table[] = {
     {"SUM", 1, anyNumber, 4, "R", fnSum},
     {"PRODUCT", 1, anyNumber, 183, "R", fnProduct},
     {"SUMSQ", 1, anyNumber, 321, "R", fnSumSq},
-    {"AVERAGE", 1, anyNumber, 5, "R", average<Counted::Numbers>},
-    {"AVERAGEA", 1, anyNumber, 361, "R", average<Counted::All>},
-    {"MIN", 1, anyNumber, 6, "R", extreme<End::Smallest, Counted::Numbers>},
-    {"MAX", 1, anyNumber, 7, "R", extreme<End::Largest, Counted::Numbers>},
-    {"MINA", 1, anyNumber, 363, "R", extreme<End::Smallest, Counted::All>},
-    {"MAXA", 1, anyNumber, 362, "R", extreme<End::Largest, Counted::All>},
+    {"AVERAGE", 1, anyNumber, 5, "R", fnAverage},
+    {"AVERAGEA", 1, anyNumber, 361, "R", fnAverageA},
+    {"MIN", 1, anyNumber, 6, "R", [](Evaluator& ev, Arguments a) { return extreme(ev, a, false); }},
+    {"MAX", 1, anyNumber, 7, "R", [](Evaluator& ev, Arguments a) { return extreme(ev, a, true); }},
+    {"MINA", 1, anyNumber, 363, "R",
+     [](Evaluator& ev, Arguments a) { return extremeA(ev, a, false); }},
+    {"MAXA", 1, anyNumber, 362, "R",
+     [](Evaluator& ev, Arguments a) { return extremeA(ev, a, true); }},
     {"COUNT", 1, anyNumber, 0, "R", fnCount},
     {"COUNTA", 1, anyNumber, 169, "R", fnCountA},
     {"COUNTBLANK", 1, 1, 347, "R", fnCountBlank},
