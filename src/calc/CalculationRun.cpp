@@ -85,7 +85,6 @@ class Run {
       const std::string& id = A2.Cell(1, sample);
       const std::string text = progressText(sample, A2.RowCount(), id, outcome_.ErrorCount);
       if (request_.nextSample && !request_.nextSample(text, sample, A2.RowCount())) {
-        log("!! Aborted !!", LogKind::Both);
         abort(A2, sample);
         break;
       }

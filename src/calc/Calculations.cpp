@@ -43,18 +43,7 @@ Calculations::Calculations(Form& shell, ImportContext& context, DataSheets& shee
       context_(context),
       sheets_(sheets) {
   cmdGroup.setCaption(context.session.record.DefaultCGroup);
-  cmdGroup.onClick([this] { guarded([this] { ChangeGroup(); }); });
-  cmdCalculate.onClick([this] { guarded([this] { Calculate(); }); });
-}
-
-void Calculations::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& error) {
-    context_.session.dialogs().messageBox(
-        "Error " + std::to_string(error.number()) + " " + std::string(error.what()),
-        MessageButtons::Ok, MessageIcon::Stop, "");
-  }
+  context_.session.setCommand(cmdGroup, [this] { ChangeGroup(); });
 }
 
 // --- Groups ---
@@ -227,18 +216,6 @@ std::vector<const Worksheet*> Calculations::openTables() const {
   return tables;
 }
 
-bool Calculations::goOn(const std::vector<const Worksheet*>& tables, std::string_view text,
-                        int sample, int samples) {
-  Session& session = context_.session;
-  session.progress.bar.setMaximum(samples);
-  session.progress.ShowProgress(text, sample);
-  session.pumpEvents();
-  // A sheet that was closed or opened in between ends the run as well: rows are read from it.
-  if (!session.progress.AbortFlag && tables == openTables()) return true;
-  session.progress.AbortFlag = false;
-  return false;
-}
-
 void Calculations::Calculate() {
   if (running_) return;
   Session& session = context_.session;
@@ -263,17 +240,16 @@ void Calculations::Calculate() {
   CalculationRequest request{
       group, methods, sheets, sheets_.F1Ref, context_.converter, sheets_.result.F1D, kept};
   request.log = [&](std::string_view line, LogKind kind) { session.log.LisaaLog(line, kind); };
+  JobScope job(session);
   request.nextSample = [&](std::string_view text, int sample, int samples) {
-    return goOn(tables, text, sample, samples);
+    session.progress.bar.setMaximum(samples);
+    session.progress.ShowProgress(text, sample);
+    // A sheet that was closed or opened in between ends the run as well: rows are read from it.
+    const bool stops = job.aborted(LogKind::Both);
+    if (!stops && tables != openTables()) job.abort(LogKind::Both);
+    return !stops && tables == openTables();
   };
-  session.progress.ShowStop(true);
-  try {
-    const CalculationOutcome outcome = runCalculation(request);
-    showResult(outcome, kept.value_or(resultStructure()));
-  } catch (const Error&) {
-    session.progress.ShowProgress("", 0);
-    throw;
-  }
+  showResult(runCalculation(request), kept.value_or(resultStructure()));
 }
 
 void Calculations::showResult(const CalculationOutcome& outcome, const SheetStructure& structure) {
@@ -288,7 +264,6 @@ void Calculations::showResult(const CalculationOutcome& outcome, const SheetStru
   result.F1D.SetActiveCell(1, 1);
   result.show();
   sheets_.TarkastaJaLisaaListaan();
-  context_.session.progress.ShowProgress("", 0);
   if (outcome.ErrorCount > 0) {
     context_.session.log.show();
     context_.session.log.activate();

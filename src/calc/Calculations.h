@@ -22,7 +22,7 @@ class Calculations {
   ComboBox cmbRoutines;  // the same, in the tool bar
   CheckBox chkAskRefs;   // ask where an item has several sources
   Button cmdGroup;       // shows the group in use and changes it
-  Button cmdCalculate;
+  Button cmdCalculate;   // what it does is for the shell to set
 
   CalculationGroup group;
 
@@ -56,11 +56,8 @@ class Calculations {
   void ensureSources(const SourceSheets& sheets);
   void freezeIdentifiers();
   bool keepResults();
-  bool goOn(const std::vector<const Worksheet*>& tables, std::string_view text, int sample,
-            int samples);
   std::vector<const Worksheet*> openTables() const;
   void showResult(const CalculationOutcome& outcome, const SheetStructure& structure);
-  void guarded(const std::function<void()>& command);
 
   static std::string selectionOf(const SourceSheets& sheets);
 

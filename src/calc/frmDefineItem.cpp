@@ -5,11 +5,11 @@ namespace lodex {
 frmDefineItem::frmDefineItem(std::string_view caption, const SourceSheets& sheets)
     : Form("frmDefineItem", caption), sheets_(sheets) {
   for (const SourceSheet& sheet : sheets) cmbSheet.add(sheet.caption);
-  cmbSheet.onChange([this] { showColumns(); });
+  keep(cmbSheet.onChange([this] { showColumns(); }));
   cmdOK.setEnabled(false);
-  cmbColumn.onChange([this] { cmdOK.setEnabled(cmbColumn.current() >= 0); });
-  cmdOK.onClick([this] { accept(); });
-  cmdCancel.onClick([this] { close(); });
+  keep(cmbColumn.onChange([this] { cmdOK.setEnabled(cmbColumn.current() >= 0); }));
+  cmdOK.setCommand([this] { accept(); });
+  cmdCancel.setCommand([this] { close(); });
   if (cmbSheet.count() > 0) cmbSheet.setCurrent(0);
 }
 

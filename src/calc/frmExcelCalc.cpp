@@ -31,23 +31,22 @@ frmExcelCalc::frmExcelCalc(ImportContext& context, Calculations& calculations)
   picLe.setVisible(false);
   fillMethods();
   const std::string examples = context.session.record.GeoPath + "\\System\\Examples.xls";
-  if (FileExists(examples)) guarded([&] { readExamples(examples); });
-  mnuCalcToggle.onClick([this] {
+  if (FileExists(examples)) session().run([&] { readExamples(examples); });
+  mnuCalcToggle.setCommand([this] {
     mnuCalcToggle.setChecked(!mnuCalcToggle.checked());
     lstCalc.setVisible(mnuCalcToggle.checked());
   });
-  mnuCGroup.onClick([this] {
-    guarded([this] {
-      calculations_.ChangeGroup();
-      fillMethods();
-    });
+  session().setCommand(mnuCGroup, [this] {
+    calculations_.ChangeGroup();
+    fillMethods();
   });
-  cmdSources.onClick([this] { guarded([this] { ShowSources(); }); });
-  cmdCalculate.onClick([this] { guarded([this] { Calculate(cmbRoutines.text()); }); });
-  lstCalc.onActivate([this](int method) { guarded([&] { Calculate(lstCalc.item(method)); }); });
-  lstCalc.onChange([this] {
+  session().setCommand(cmdSources, [this] { ShowSources(); });
+  session().setCommand(cmdCalculate, [this] { Calculate(cmbRoutines.text()); });
+  lstCalc.setActivateCommand(
+      [this](int method) { session().run([&] { Calculate(lstCalc.item(method)); }); });
+  keep(lstCalc.onChange([this] {
     if (lstCalc.current() >= 0) cmbRoutines.setText(lstCalc.item(lstCalc.current()));
-  });
+  }));
 }
 
 // --- Methods and examples ---
@@ -88,8 +87,7 @@ void frmExcelCalc::readExamples(std::string_view path) {
   for (int sheet = 1; sheet <= F1Examples.NumSheets(); ++sheet) {
     if (sheet > exampleCount()) {
       mnuExamples_.emplace_back(*this, "mnuExamples" + std::to_string(sheet));
-      mnuExamples_.back().onClick(
-          [this, sheet] { guarded([this, sheet] { showExample(sheet); }); });
+      session().setCommand(mnuExamples_.back(), [this, sheet] { showExample(sheet); });
     }
     mnuExamples(sheet).setCaption(F1Examples.SheetName(sheet));
   }

@@ -12,10 +12,10 @@ frmSelectElements::frmSelectElements(std::string_view caption,
     : Form("frmSelectElements", caption), positions_(offers.size()) {
   for (const std::string& offer : offers) lstSel.add(offer, true);
   std::iota(positions_.begin(), positions_.end(), 1);
-  cmdUp.onClick([this] { move(-1); });
-  cmdDown.onClick([this] { move(1); });
-  Command1.onClick([this] { accept(); });
-  cmdCancel.onClick([this] {
+  cmdUp.setCommand([this] { move(-1); });
+  cmdDown.setCommand([this] { move(1); });
+  Command1.setCommand([this] { accept(); });
+  cmdCancel.setCommand([this] {
     answer_ = cancelled;
     close();
   });

@@ -43,32 +43,32 @@ frmSources::frmSources(Session& session, const taulukot& tables, SourcesCaller c
 }
 
 void frmSources::connectControls() {
-  lstItem.onChange([this] {
+  keep(lstItem.onChange([this] {
     if (lstItem.current() == shownItem_) return;
     useChecked();
     shownItem_ = lstItem.current();
     Paivita();
-  });
-  TarnPD1.onChange([this] {
+  }));
+  keep(TarnPD1.onChange([this] {
     if (TarnPD1.current() == shownElement_) return;
     useChecked();
     shownElement_ = TarnPD1.current();
     showSources();
-  });
-  lstCalc.onChange([this] {
+  }));
+  keep(lstCalc.onChange([this] {
     if (lstCalc.current() == shownMethod_) return;
     shownMethod_ = lstCalc.current();
-    guarded([this] { readMethod(); });
-  });
-  TabStrip1.onChange([this] {
+    session_.run([this] { readMethod(); });
+  }));
+  keep(TabStrip1.onChange([this] {
     fraSources.setVisible(TabStrip1.selected() == 0);
     fraRoutine.setVisible(TabStrip1.selected() == 1);
-  });
-  chkAskRefs.onChange([this] {
+  }));
+  keep(chkAskRefs.onChange([this] {
     if (caller_.chkAskRefs != nullptr) caller_.chkAskRefs->setChecked(chkAskRefs.checked());
-  });
+  }));
   const auto on = [this](Button& button, void (frmSources::*command)()) {
-    button.onClick([this, command] { guarded([this, command] { (this->*command)(); }); });
+    session_.setCommand(button, [this, command] { (this->*command)(); });
   };
   on(cmdGet, &frmSources::reset);
   on(cmdList, &frmSources::list);
@@ -79,22 +79,12 @@ void frmSources::connectControls() {
   on(cmdOK, &frmSources::accept);
   on(cmdSave, &frmSources::save);
   on(cmdSaveAs, &frmSources::saveAs);
-  cmdApply.onClick([this] { guarded([this] { apply(); }); });
-  cmdCancel.onClick([this] { close(); });
-  cmdOK2.onClick([this] {
+  session_.setCommand(cmdApply, [this] { apply(); });
+  cmdCancel.setCommand([this] { close(); });
+  cmdOK2.setCommand([this] {
     txtSrcList.setVisible(false);
     cmdOK2.setVisible(false);
   });
-}
-
-void frmSources::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& error) {
-    session_.dialogs().messageBox(
-        "Error " + std::to_string(error.number()) + " " + std::string(error.what()),
-        MessageButtons::Ok, MessageIcon::Stop, "");
-  }
 }
 
 std::string frmSources::item() const {

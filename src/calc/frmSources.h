@@ -78,7 +78,6 @@ class frmSources : public Form {
   int apply();
   void save();
   void saveAs();
-  void guarded(const std::function<void()>& command);
 
   std::string item() const;
   int element() const { return TarnPD1.current() + 1; }

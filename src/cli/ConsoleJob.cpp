@@ -97,16 +97,17 @@ void ConsoleEvents::pump() {
   err_ << "\nlodex: stopping, what is finished is kept; Ctrl-C again ends at once" << std::endl;
 }
 
-std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err) {
-  auto job = std::make_shared<ConsoleJob>(err);
-  // The bar lives longer than the job.
-  session.progress.bar.onChange([&session, following = std::weak_ptr<ConsoleJob>(job)] {
-    const auto alive = following.lock();
-    if (!alive) return;
+void ConsoleJob::follow(Session& session) {
+  following_ = session.progress.bar.onChange([this, &session] {
     Progress& progress = session.progress;
     if (progress.bar.value() == 0) return;  // the end of a job
-    alive->show(progress.txtInfo.caption(), progress.bar.value(), progress.bar.maximum());
+    show(progress.txtInfo.caption(), progress.bar.value(), progress.bar.maximum());
   });
+}
+
+std::unique_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err) {
+  auto job = std::make_unique<ConsoleJob>(err);
+  job->follow(session);
   return job;
 }
 

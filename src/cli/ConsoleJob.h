@@ -6,8 +6,12 @@
 #include <string_view>
 
 #include "form/EventPump.h"
+#include "form/Observers.h"
 
 namespace lodex {
+
+class Progress;
+class Session;
 
 /// A long job of a command: a bar on standard error where that is a terminal, and a way to end the
 /// job early. While the job lives, the first Ctrl-C (or request to terminate) only marks it as
@@ -23,16 +27,16 @@ class ConsoleJob {
   /// Shows how far the job is: `step` of `steps`, from 1.
   void show(std::string_view text, int step, int steps);
   static bool interrupted();
+  /// Shows the session's progress bar.
+  void follow(Session& session);
 
  private:
   std::ostream& err_;
   bool terminal_;
   bool shown_ = false;
   std::chrono::steady_clock::time_point next_;
+  Subscription following_;
 };
-
-class Session;
-class Progress;
 
 /// The events of a session without a screen: an interrupt of the job at hand is a press of Abort,
 /// and is answered at once on standard error.
@@ -47,7 +51,7 @@ class ConsoleEvents : public EventPump {
   bool answered_ = false;
 };
 
-/// A job that shows the session's progress bar. It ends when the result goes.
-std::shared_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err);
+/// A job that follows the session's progress until the result goes.
+std::unique_ptr<ConsoleJob> followProgress(Session& session, std::ostream& err);
 
 }  // namespace lodex

@@ -57,13 +57,11 @@ class Combining {
       source->tables = plainTables(source->connection);
       sources_.push_back(std::move(source));
     }
-    session_.progress.ShowStop(true);
     for (const auto& source : sources_) {
       if (!outcome_.aborted) createTables(*source);
     }
     for (size_t i = 0; i < sources_.size() && !outcome_.aborted; ++i) copyTables(i);
     if (!outcome_.aborted) log("Ready");
-    session_.progress.ShowProgress("", 0);
     return outcome_;
   }
 
@@ -71,12 +69,8 @@ class Combining {
   void log(const std::string& text) { session_.log.LisaaLog(text, LogKind::Log); }
 
   bool stopped() {
-    session_.pumpEvents();
-    if (!session_.progress.AbortFlag) return false;
-    session_.progress.AbortFlag = false;
-    log("!! Aborted!!");
-    outcome_.aborted = true;
-    return true;
+    outcome_.aborted = job_.aborted(LogKind::Log, "!! Aborted!!");
+    return outcome_.aborted;
   }
 
   void execute(const std::string& statement) {
@@ -208,6 +202,7 @@ class Combining {
   }
 
   Session& session_;
+  JobScope job_{session_};
   Connection destination_;
   std::vector<std::unique_ptr<SourceDatabase>> sources_;
   CombineOutcome outcome_;

@@ -22,14 +22,6 @@ void showStatus(Session& session, std::string_view text) {
   session.pumpEvents();
 }
 
-bool aborted(Session& session) {
-  session.pumpEvents();
-  if (!session.progress.AbortFlag) return false;
-  session.progress.AbortFlag = false;
-  session.progress.txtInfo.setCaption("");
-  return true;
-}
-
 struct NamedTable {
   std::string name;
   std::string type;
@@ -83,6 +75,7 @@ ColumnsByTable fieldsOf(Connection& connection, const std::vector<NamedTable>& t
 }
 
 bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
+  JobScope job(session);
   DatabaseMap& map = database.map;
   const std::vector<NamedTable> tables = tablesOf(database.connection);
   const int count = static_cast<int>(tables.size());
@@ -105,7 +98,7 @@ bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
     }
     ++number;
     session.progress.ShowProgress(text, role == MapRole::Source ? number : 2 * number + 1);
-    if (aborted(session)) return false;
+    if (job.aborted()) return false;
   }
   return true;
 }
@@ -155,10 +148,11 @@ void storeMap(Session& session, const MappedDatabase& database) {
 
 MapResult connectAndMap(Session& session, MappedDatabase& database, const MapRequest& request,
                         MapRole role) {
+  JobScope job(session);
   showStatus(session, "Connecting " + shownName(database.path));
   database.connection = Connection();
   openDatabase(session, database.connection, database.path);
-  if (aborted(session)) return MapResult::Aborted;
+  if (job.aborted()) return MapResult::Aborted;
   bool store = request.saveMapFile;
   if (!request.readMapFile || !readStoredMap(database)) {
     store = store || request.readMapFile;

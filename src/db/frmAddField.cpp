@@ -9,11 +9,11 @@ frmAddField::frmAddField(Session& session, Connection& connection, std::string_v
   optType.select(static_cast<int>(optType.captions().size()) - 1);
   txtLen.setText("50");
   // Only a text has a length.
-  optType.onChange([this] {
+  keep(optType.onChange([this] {
     txtLen.setEnabled(optType.captions()[static_cast<size_t>(optType.selected())] == "TEXT");
-  });
-  cmdAdd.onClick([this] { add(); });
-  cmdCancel.onClick([this] { close(); });
+  }));
+  session_.setCommand(cmdAdd, [this] { add(); });
+  cmdCancel.setCommand([this] { close(); });
 }
 
 void frmAddField::add() {

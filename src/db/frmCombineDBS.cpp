@@ -16,20 +16,20 @@ constexpr const char* kDatabases = "Microsoft Access Database (*.mdb)|*.mdb";
 
 frmCombineDBS::frmCombineDBS(Session& session)
     : Form("frmCombineDBS", "Combine Databases"), session_(session) {
-  lstSDB.onChange([this] {
+  keep(lstSDB.onChange([this] {
     const std::string path = currentText(lstSDB);
-    if (path != chosen_.path) guarded([this] { AvaaLista(); });
-  });
-  lstTables.onChange([this] { showFields(chosen_.map, lstTables, lstFld); });
-  lstFld.onChange([this] {
+    if (path != chosen_.path) session_.run([this] { AvaaLista(); });
+  }));
+  keep(lstTables.onChange([this] { showFields(chosen_.map, lstTables, lstFld); }));
+  keep(lstFld.onChange([this] {
     const std::string field = currentText(lstFld);
     if (field.empty()) return lstProp.setText("");
-    guarded([&] {
+    session_.run([&] {
       lstProp.setText(fieldProperties(chosen_.connection, currentText(lstTables), field));
     });
-  });
+  }));
   const auto connect = [this](Button& button, void (frmCombineDBS::*command)()) {
-    button.onClick([this, command] { guarded([this, command] { (this->*command)(); }); });
+    session_.setCommand(button, [this, command] { (this->*command)(); });
   };
   connect(cmdAddDB, &frmCombineDBS::addSource);
   connect(cmdRemoveDB, &frmCombineDBS::removeSource);
@@ -38,11 +38,11 @@ frmCombineDBS::frmCombineDBS(Session& session)
   connect(cmdCombine, &frmCombineDBS::combine);
   connect(cmdAddTable, &frmCombineDBS::addTable);
   connect(cmdAddField, &frmCombineDBS::addField);
-  cmdRemoveTable.onClick([this] {
+  session_.setCommand(cmdRemoveTable, [this] {
     const std::string table = currentText(lstTables);
     if (!table.empty()) executeIfSure("DROP TABLE " + quoteName(table));
   });
-  cmdRemoveFld.onClick([this] {
+  session_.setCommand(cmdRemoveFld, [this] {
     const std::string field = currentText(lstFld);
     if (field.empty()) return;
     executeIfSure("ALTER TABLE " + quoteName(currentText(lstTables)) + " DROP COLUMN " +
@@ -50,24 +50,13 @@ frmCombineDBS::frmCombineDBS(Session& session)
   });
 }
 
-void frmCombineDBS::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& failure) {
-    session_.progress.ShowProgress("", 0);
-    session_.dialogs().messageBox(
-        "Error " + std::to_string(failure.number()) + " " + failure.what(), MessageButtons::Ok,
-        MessageIcon::Stop);
-  }
-}
-
 void frmCombineDBS::AvaaLista() {
   chosen_ = {};
   chosen_.path = currentText(lstSDB);
   if (!chosen_.path.empty()) {
+    JobScope job(session_);
     openDatabase(session_, chosen_.connection, chosen_.path);
     mapTables(session_, chosen_, false, MapRole::Source);
-    session_.progress.ShowProgress("", 0);
   }
   showTables(chosen_.map, lstTables);
   lstFld.clear();
@@ -130,7 +119,7 @@ void frmCombineDBS::addField() {
 }
 
 void frmCombineDBS::executeIfSure(const std::string& statement) {
-  guarded([&] {
+  session_.run([&] {
     if (session_.dialogs().messageBox("Are you sure to execute command:\n" + statement,
                                       MessageButtons::YesNo,
                                       MessageIcon::Question) != Answer::Yes) {

@@ -41,7 +41,6 @@ class frmCombineDBS : public Form {
   void addField();
   /// Runs a statement on the chosen source if the user agrees, and shows what it changed.
   void executeIfSure(const std::string& statement);
-  void guarded(const std::function<void()>& command);
 
   Session& session_;
   MappedDatabase chosen_;

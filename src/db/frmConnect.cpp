@@ -60,31 +60,31 @@ frmConnect::frmConnect(Session& session) : Form("frmConnect", "Open Database"), 
     if (!path.empty()) lstLast.add(path);
   }
   txtFolder.setText(pathText(nativePath(session.record.UserPath + "\\data")));
-  ListDBTypes.onChange([this] { chooseType(); });
+  keep(ListDBTypes.onChange([this] { chooseType(); }));
   for (const std::string& start : startFolders(session.record)) Drive1.add(start);
   for (const auto& [name, path] : {std::pair("Sample database: ", session.record.SampleDbPath),
                                    std::pair("Mineral database: ", session.record.MineralDbPath)}) {
     if (!path.empty()) txtInUse.appendText(name + path + "\r\n");
   }
-  txtFolder.onChange([this] {
+  keep(txtFolder.onChange([this] {
     txtFile.setText("");  // the file of another folder
     showFolder();
-  });
+  }));
   Drive1.setCurrent(0);
-  Drive1.onClick([this](int drive) { txtFolder.setText(Drive1.item(drive)); });
-  Dir1.onActivate([this](int) { changeFolder(); });
-  lstFiles.onChange([this] {
+  Drive1.setCommand([this](int drive) { txtFolder.setText(Drive1.item(drive)); });
+  Dir1.setActivateCommand([this](int) { session_.run([this] { changeFolder(); }); });
+  keep(lstFiles.onChange([this] {
     if (lstFiles.current() >= 0) txtFile.setText(lstFiles.item(lstFiles.current()));
-  });
-  lstFiles.onActivate([this](int) { openFile(); });
-  lstLast.onActivate([this](int) { openLast(); });
+  }));
+  lstFiles.setActivateCommand([this](int) { session_.run([this] { openFile(); }); });
+  lstLast.setActivateCommand([this](int) { session_.run([this] { openLast(); }); });
   ListDBTypes.setCurrent(0);
   showFolder();
-  Command2.onClick([this] { openFile(); });
-  cmdBrowse.onClick([this] { browse(); });
-  cmdOpenLast.onClick([this] { openLast(); });
+  session_.setCommand(Command2, [this] { openFile(); });
+  session_.setCommand(cmdBrowse, [this] { browse(); });
+  session_.setCommand(cmdOpenLast, [this] { openLast(); });
   for (Button* button : {&cmdCancel, &cmdCanc, &cmdLinkDone}) {
-    button->onClick([this] { close(); });
+    button->setCommand([this] { close(); });
   }
 }
 

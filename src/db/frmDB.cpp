@@ -18,8 +18,8 @@ constexpr int kOpeningSteps = 5;
 
 frmDB::frmDB(Session& session, Form& shell)
     : Form("frmDB", "Source database"), session_(session), shell_(shell) {
-  lstTables.onChange([this] { showFields(source_.map, lstTables, lstFields); });
-  lstFields.onChange([this] {
+  keep(lstTables.onChange([this] { showFields(source_.map, lstTables, lstFields); }));
+  keep(lstFields.onChange([this] {
     const std::string field = currentText(lstFields);
     if (field.empty()) return;
     try {
@@ -27,12 +27,12 @@ frmDB::frmDB(Session& session, Form& shell)
     } catch (const Error&) {
       txtParam.setText("");
     }
-  });
-  chkFilterOn.onChange([this] { fillFilters(); });
-  cmdOpenSDB.onClick([this] { askDatabase(); });
-  cmdDefineKeyTable.onClick([this] { askKeyTable(); });
-  cmdOK.onClick([this] { accept(); });
-  cmdCancel.onClick([this] { close(); });
+  }));
+  keep(chkFilterOn.onChange([this] { fillFilters(); }));
+  session_.setCommand(cmdOpenSDB, [this] { askDatabase(); });
+  session_.setCommand(cmdDefineKeyTable, [this] { askKeyTable(); });
+  session_.setCommand(cmdOK, [this] { accept(); });
+  cmdCancel.setCommand([this] { close(); });
 }
 
 void frmDB::show() {
@@ -53,7 +53,6 @@ bool frmDB::OpenDBFromMDI(const std::string& path, const MapRequest& request) {
   session_.record.ConnectionKindLast.clear();
   const MapResult result = OpenSampleDatabase(session_, source_, request);
   if (result != MapResult::Mapped) {
-    session_.progress.ShowProgress("", 0);
     session_.progress.txtInfo.setCaption("");
     if (result == MapResult::Failed) {
       session_.dialogs().messageBox("Error in opening database " + shownName(path),
@@ -68,12 +67,10 @@ bool frmDB::OpenDBFromMDI(const std::string& path, const MapRequest& request) {
 
 bool frmDB::AvaaDB(const std::string& path, const MapRequest& request) {
   if (path.empty()) return false;
+  JobScope job(session_);
   session_.progress.bar.setMaximum(kOpeningSteps);
   session_.progress.ShowProgress("Opening database...", 1);
-  if (!OpenDBFromMDI(path, request)) {
-    session_.progress.ShowProgress("", 0);
-    return false;
-  }
+  if (!OpenDBFromMDI(path, request)) return false;
   session_.progress.bar.setMaximum(kOpeningSteps);
   session_.progress.ShowProgress("Opening database...", 2);
   txtDB.setText(shownName(source_.path));
@@ -85,7 +82,6 @@ bool frmDB::AvaaDB(const std::string& path, const MapRequest& request) {
   SourceDbInUse = true;
   pairElements();
   session_.progress.ShowProgress("Opening database...", kOpeningSteps);
-  session_.progress.ShowProgress("", 0);
   return true;
 }
 

@@ -1,5 +1,6 @@
 #include "db/frmDDB.h"
 
+#include <optional>
 #include <utility>
 
 #include "basic/Error.h"
@@ -10,43 +11,34 @@
 namespace lodex {
 
 frmDDB::frmDDB(Session& session) : Form("frmDDB", "Destination database"), session_(session) {
-  lstDTables.onChange([this] { showFields(destination_.map, lstDTables, lstDFields); });
-  lstDFields.onChange([this] {
+  keep(lstDTables.onChange([this] { showFields(destination_.map, lstDTables, lstDFields); }));
+  keep(lstDFields.onChange([this] {
     const std::string field = currentText(lstDFields);
     if (field.empty()) return;
-    guarded([&] {
+    session_.run([&] {
       txtDParam.setText(fieldProperties(destination_.connection, currentText(lstDTables), field));
     });
-  });
-  Command2.onClick([this] { askExisting(); });
-  Command1.onClick([this] { askNew(); });
-  cmdSame.onClick([this] { takeSource(); });
-  cmdCreateTable.onClick([this] { createTable(); });
-  cmdCreateField.onClick([this] { createField(); });
-  cmdOK.onClick([this] { hide(); });
-}
-
-void frmDDB::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& failure) {
-    session_.dialogs().messageBox(
-        "Error " + std::to_string(failure.number()) + " " + failure.what(), MessageButtons::Ok,
-        MessageIcon::Stop);
-  }
+  }));
+  session_.setCommand(Command2, [this] { askExisting(); });
+  session_.setCommand(Command1, [this] { askNew(); });
+  session_.setCommand(cmdSame, [this] { takeSource(); });
+  session_.setCommand(cmdCreateTable, [this] { createTable(); });
+  session_.setCommand(cmdCreateField, [this] { createField(); });
+  cmdOK.setCommand([this] { hide(); });
 }
 
 bool frmDDB::openDestination(const std::string& path, bool create) {
   MappedDatabase opened;
   opened.path = path;
   bool mapped = false;
+  std::optional<JobScope> job(session_);
   try {
     if (create) ensureDatabase(path);
     mapped = MapDatabase(session_, opened, {}, MapRole::Destination) == MapResult::Mapped;
   } catch (const Error& failure) {
     session_.log.LisaaLog(failure.what(), LogKind::Both);
   }
-  session_.progress.ShowProgress("", 0);
+  job.reset();
   if (!mapped) {
     session_.dialogs().messageBox("Database could not be mapped!", MessageButtons::Ok,
                                   MessageIcon::None, "Tarn");
@@ -99,7 +91,6 @@ void frmDDB::createTable() {
     }
     destination_.connection.Execute(command);
     mapTables(session_, destination_, true, MapRole::Destination);
-    session_.progress.ShowProgress("", 0);
     refreshTables();
   } catch (const Error& failure) {
     session_.dialogs().messageBox("Error in creating table " + *name + " " +

@@ -45,7 +45,6 @@ class frmDDB : public Form {
   void takeSource();
   void createTable();
   void createField();
-  void guarded(const std::function<void()>& command);
 
   Session& session_;
   MappedDatabase destination_;

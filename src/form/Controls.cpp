@@ -11,11 +11,6 @@ Control::Control(Form& form, std::string_view name, std::string_view caption)
   form.controls_.push_back(this);
 }
 
-void Control::changed() {
-  // By index: an observer may add another one.
-  for (size_t i = 0; i < observers_.size(); ++i) observers_[i]();
-}
-
 void TextBox::appendText(std::string_view text) {
   if (text.empty()) return;
   text_ += text;
@@ -108,16 +103,16 @@ void ListBox::setCurrent(int index) {
 
 void ListBox::click(int index) {
   setCurrent(index);
-  if (enabled() && click_) click_(index);
+  if (enabled()) click_(index);
 }
 
 void ListBox::activate(int index) {
   setCurrent(index);
-  if (enabled() && activate_) activate_(index);
+  if (enabled()) activate_(index);
 }
 
 void Button::click() {
-  if (enabled() && command_) command_();
+  if (enabled()) command_();
 }
 
 }  // namespace lodex

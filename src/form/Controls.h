@@ -1,17 +1,17 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "form/Observers.h"
 #include "worksheet/Worksheet.h"
 
-/// Control models: what a window shows and what its user set, without any toolkit. Every change
-/// tells the observers, so that a view stays in step and a form can react to its own controls.
+/// Control models: what a window shows and what its user set, without any toolkit. Observers are
+/// called after every change, so that a view stays in step and a form can react to its own
+/// controls. A command is set once, by the form that the control belongs to.
 namespace lodex {
 
 class Form;
@@ -35,11 +35,13 @@ class Control {
   bool enabled() const { return enabled_; }
   void setEnabled(bool enabled) { assign(enabled_, enabled); }
 
-  /// Called after every change. Observers live as long as the control.
-  void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+  /// Called after every change, until the subscription or the control ends.
+  Subscription onChange(std::function<void()> observer) {
+    return observers_.add(std::move(observer));
+  }
 
  protected:
-  void changed();
+  void changed() { observers_.notify(); }
   template <typename T>
   void assign(T& member, T value) {
     if (member == value) return;
@@ -53,7 +55,7 @@ class Control {
   std::string toolTip_;
   bool visible_ = true;
   bool enabled_ = true;
-  std::deque<std::function<void()>> observers_;  // a deque: an observer may add another one
+  Observers<> observers_;
 };
 
 class Label : public Control {
@@ -126,10 +128,12 @@ class ListBox : public Control {
   void setCurrent(int index);
 
   /// What a click on an item does, also on the one that is current already.
-  void onClick(std::function<void(int index)> command) { click_ = std::move(command); }
+  void setCommand(std::function<void(int index)> command) { click_.set(std::move(command)); }
   void click(int index);
   /// What a double click or Enter on an item does.
-  void onActivate(std::function<void(int index)> command) { activate_ = std::move(command); }
+  void setActivateCommand(std::function<void(int index)> command) {
+    activate_.set(std::move(command));
+  }
   void activate(int index);
 
  private:
@@ -143,8 +147,8 @@ class ListBox : public Control {
   std::vector<Item> items_;
   int current_ = -1;
   bool multiple_ = false;
-  std::function<void(int)> click_;
-  std::function<void(int)> activate_;
+  ControlCommand<int> click_;
+  ControlCommand<int> activate_;
 };
 
 /// A list with an edit field: the text may be none of the items.
@@ -162,11 +166,11 @@ class ComboBox : public ListBox {
 class Button : public Control {
  public:
   using Control::Control;
-  void onClick(std::function<void()> command) { command_ = std::move(command); }
+  void setCommand(std::function<void()> command) { command_.set(std::move(command)); }
   void click();
 
  private:
-  std::function<void()> command_;
+  ControlCommand<> command_;
 };
 
 class MenuItem : public Button {
@@ -207,18 +211,20 @@ class Grid : public Control {
   }
 
   /// What a click into a cell does; row or column is 0 for a click on a heading.
-  void onClick(std::function<void(int row, int column)> command) { click_ = std::move(command); }
+  void setCommand(std::function<void(int row, int column)> command) {
+    click_.set(std::move(command));
+  }
   void click(int row, int column) {
-    if (enabled() && click_) click_(row, column);
+    if (enabled()) click_(row, column);
   }
   /// While picking the view shows that the next click chooses a row or column.
   bool picking() const { return picking_; }
   void setPicking(bool picking) { assign(picking_, picking); }
-  /// What happens after the user changed cells.
-  void onEdit(std::function<void()> command) { edit_ = std::move(command); }
+  /// Called after the user changed cells.
+  Subscription onEdit(std::function<void()> observer) { return edits_.add(std::move(observer)); }
   void edited() {
     revision_ = ++lastRevision_;
-    if (edit_) edit_();
+    edits_.notify();
   }
   /// Runs a command of the form that changes cells; a view with undo makes one step of it.
   void record(std::string_view name, const std::function<void()>& command) {
@@ -235,10 +241,10 @@ class Grid : public Control {
   void setSideState(SideState state) { sideState_ = std::move(state); }
   const SideState& sideState() const { return sideState_; }
   /// The form's own way to insert and delete the rows or columns of the selection.
-  void onStructure(std::function<void(StructureCommand)> command) {
-    structure_ = std::move(command);
+  void setStructureCommand(std::function<void(StructureCommand)> command) {
+    structure_.set(std::move(command));
   }
-  const std::function<void(StructureCommand)>& structureCommand() const { return structure_; }
+  const ControlCommand<StructureCommand>& structureCommand() const { return structure_; }
 
   /// Another number after every change of the cells; no two grids ever have the same but 0.
   std::uint64_t revision() const { return revision_; }
@@ -248,11 +254,11 @@ class Grid : public Control {
   bool picking_ = false;
   std::uint64_t revision_ = 0;
   inline static std::uint64_t lastRevision_ = 0;
-  std::function<void(int, int)> click_;
-  std::function<void()> edit_;
+  ControlCommand<int, int> click_;
+  Observers<> edits_;
   Recorder recorder_;
   SideState sideState_;
-  std::function<void(StructureCommand)> structure_;
+  ControlCommand<StructureCommand> structure_;
 };
 
 }  // namespace lodex

@@ -38,7 +38,7 @@ void EditHistory::travel(std::deque<Entry>& from, std::deque<Entry>& to, bool ba
     throw;
   }
   to.push_back(std::move(entry));
-  for (const auto& act : restored_) act();
+  restored_.notify();
   if (restore_) restore_(back ? to.back().extraBefore : to.back().extraAfter);
   dropOld();
   changed();
@@ -58,10 +58,6 @@ void EditHistory::dropOld() {
     bytes -= undo_.front().bytes();
     undo_.pop_front();
   }
-}
-
-void EditHistory::changed() const {
-  for (const auto& observer : observers_) observer();
 }
 
 }  // namespace lodex

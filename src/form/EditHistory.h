@@ -5,7 +5,8 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
+
+#include "form/Observers.h"
 
 namespace lodex {
 
@@ -47,10 +48,12 @@ class EditHistory {
   void redo();
   void clear();
 
-  /// Called after an undo or redo, before the extra state comes back and the observers are told.
-  void onRestore(std::function<void()> act) { restored_.push_back(std::move(act)); }
+  /// Called after an undo or redo, before the extra state comes back and `onChange` is called.
+  Subscription onRestore(std::function<void()> act) { return restored_.add(std::move(act)); }
   /// Called after every change of what can be undone or redone.
-  void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+  Subscription onChange(std::function<void()> observer) {
+    return observers_.add(std::move(observer));
+  }
 
  private:
   struct Entry {
@@ -62,15 +65,15 @@ class EditHistory {
   };
   void travel(std::deque<Entry>& from, std::deque<Entry>& to, bool back);
   void dropOld();
-  void changed() const;
+  void changed() const { observers_.notify(); }
 
   size_t maxBytes_;
   std::deque<Entry> undo_;
   std::deque<Entry> redo_;
   std::function<std::string()> save_;
   std::function<void(const std::string&)> restore_;
-  std::vector<std::function<void()>> restored_;
-  std::vector<std::function<void()>> observers_;
+  Observers<> restored_;
+  Observers<> observers_;
 };
 
 }  // namespace lodex

@@ -5,7 +5,7 @@
 namespace lodex {
 
 Form::~Form() {
-  for (const auto& ending : endings_) ending();
+  endings_.notify();
 }
 
 void Form::setCaption(std::string_view caption) {
@@ -34,10 +34,6 @@ Control* Form::control(std::string_view name) const {
     if (equalsNoCase(control->name(), name)) return control;
   }
   return nullptr;
-}
-
-void Form::changed() {
-  for (size_t i = 0; i < observers_.size(); ++i) observers_[i]();
 }
 
 }  // namespace lodex

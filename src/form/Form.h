@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -27,7 +26,7 @@ class Form {
   bool visible() const { return visible_; }
   virtual void show();
   virtual void hide();
-  /// Unloads the window; observers are told once. Showing the form again loads it anew.
+  /// Unloads the window; observers are called once. Showing the form again loads it anew.
   virtual void close();
   bool closed() const { return closed_; }
   /// The user gave the window the focus.
@@ -38,21 +37,25 @@ class Form {
   const std::vector<Control*>& controls() const { return controls_; }
 
   /// Called after show, hide, close and a new caption.
-  void onChange(std::function<void()> observer) { observers_.push_back(std::move(observer)); }
+  Subscription onChange(std::function<void()> observer) {
+    return observers_.add(std::move(observer));
+  }
   /// Called when the form comes to its end, its controls already gone.
-  void onDestroy(std::function<void()> observer) { endings_.push_back(std::move(observer)); }
+  Subscription onDestroy(std::function<void()> observer) {
+    return endings_.add(std::move(observer));
+  }
 
  private:
   friend class Control;
-  void changed();
+  void changed() { observers_.notify(); }
 
   std::string name_;
   std::string caption_;
   bool visible_ = false;
   bool closed_ = false;
   std::vector<Control*> controls_;
-  std::deque<std::function<void()>> observers_;  // a deque: an observer may add another one
-  std::deque<std::function<void()>> endings_;
+  Observers<> observers_;
+  Observers<> endings_;
 };
 
 }  // namespace lodex

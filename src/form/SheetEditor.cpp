@@ -30,15 +30,15 @@ std::vector<int> layoutOf(const Worksheet& book) {
 
 SheetEditor::SheetEditor(Worksheet& sheet, EditHistory& history)
     : sheet_(sheet), history_(history), layout_(layoutOf(sheet)) {
-  history_.onRestore([this] {
+  restores_ = history_.onRestore([this] {
     formulas_.reset();
     recalc();
     layout_ = layoutOf(sheet_);
     restored_ = true;
   });
-  // Observers hear of it when the state beside the cells is back, too.
-  history_.onChange([this] {
-    if (std::exchange(restored_, false)) told(nullptr);
+  // Observers hear of it once the state beside the cells is back, too.
+  historyChanges_ = history_.onChange([this] {
+    if (std::exchange(restored_, false)) notifyChanged(nullptr);
   });
 }
 
@@ -110,17 +110,9 @@ void SheetEditor::requireFillable(const CellBlock& block) const {
 
 // --- Bookkeeping ---
 
-void SheetEditor::onChange(std::function<void(const CellBlock*)> observer) {
-  observers_.push_back(std::move(observer));
-}
-
-void SheetEditor::setStructureCommands(std::function<void(StructureCommand)> commands) {
-  structureCommands_ = std::move(commands);
-}
-
-void SheetEditor::told(const CellBlock* block) {
+void SheetEditor::notifyChanged(const CellBlock* block) {
   layout_ = layoutOf(sheet_);
-  for (const auto& observer : observers_) observer(block);
+  observers_.notify(block);
 }
 
 void SheetEditor::changedOutside() {
@@ -158,7 +150,7 @@ void SheetEditor::editCells(std::string_view name, const std::vector<CellBlock>&
   recalc();
   const CellBlock changed = blocks.size() == 1 ? blocks.front() : wholeSheet();
   history_.push(std::string(name), std::move(step), std::move(extra));
-  told(&changed);
+  notifyChanged(&changed);
 }
 
 void SheetEditor::editLayout(std::string_view name, const std::function<void()>& change) {
@@ -170,7 +162,7 @@ void SheetEditor::editLayout(std::string_view name, const std::function<void()>&
   auto step = std::make_unique<LayoutStep>(sheet_, sheet_.Sheet());
   change();
   history_.push(std::string(name), std::move(step), std::move(extra));
-  told(nullptr);
+  notifyChanged(nullptr);
 }
 
 void SheetEditor::record(std::string_view name, const std::function<void()>& command) {
@@ -181,7 +173,7 @@ void SheetEditor::record(std::string_view name, const std::function<void()>& com
     --recording_;
     formulas_.reset();
     history_.push(std::string(name), std::move(step), std::move(extra));
-    told(nullptr);
+    notifyChanged(nullptr);
   };
   ++recording_;
   try {
@@ -306,7 +298,7 @@ void SheetEditor::moveCells(std::string_view name, const CellBlock& block, Shift
   if (recording_ > 0) return;
   recalc();
   history_.push(std::string(name), std::move(step), std::move(extra));
-  told(nullptr);
+  notifyChanged(nullptr);
 }
 
 void SheetEditor::moveLines(StructureCommand command, const CellBlock& block) {
@@ -500,7 +492,7 @@ void SheetEditor::setColumnHeading(int column, std::string_view text) {
   auto step = std::make_unique<HeadingStep>(sheet_, sheet_.Sheet(), false, column);
   sheet_.ColText(column, text);
   history_.push("Column heading", std::move(step), std::move(extra));
-  told(nullptr);
+  notifyChanged(nullptr);
 }
 
 void SheetEditor::setRowHeading(int row, std::string_view text) {
@@ -509,7 +501,7 @@ void SheetEditor::setRowHeading(int row, std::string_view text) {
   auto step = std::make_unique<HeadingStep>(sheet_, sheet_.Sheet(), true, row);
   sheet_.RowText(row, text);
   history_.push("Row heading", std::move(step), std::move(extra));
-  told(nullptr);
+  notifyChanged(nullptr);
 }
 
 // --- Sheets ---

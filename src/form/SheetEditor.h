@@ -65,11 +65,15 @@ class SheetEditor {
 
   /// Called after every change with the block concerned; null when sheets, rows, columns, widths or
   /// headings may have changed too.
-  void onChange(std::function<void(const CellBlock*)> observer);
+  Subscription onChange(std::function<void(const CellBlock*)> observer) {
+    return observers_.add(std::move(observer));
+  }
   /// The owner's own way to insert and delete rows and columns, for sheets whose rows mean more
   /// than their cells: it acts on the worksheet's selection, and what it does is recorded as a
   /// whole.
-  void setStructureCommands(std::function<void(StructureCommand)> commands);
+  void setStructureCommands(std::function<void(StructureCommand)> commands) {
+    structureCommands_ = std::move(commands);
+  }
 
   /// The worksheet was changed by others than this editor. Steps of the history that no longer fit
   /// the sheet's layout are dropped.
@@ -191,7 +195,7 @@ class SheetEditor {
   void requireFillable(const CellBlock& block) const;
   bool hasFormulas();
   void recalc();
-  void told(const CellBlock* block);
+  void notifyChanged(const CellBlock* block);
   CellBlock formatPart(const CellBlock& block) const;
   void editCells(std::string_view name, const std::vector<CellBlock>& blocks,
                  const std::function<void()>& change);
@@ -212,8 +216,10 @@ class SheetEditor {
   int recording_ = 0;
   std::optional<bool> formulas_;  // whether the workbook holds any; empty when that is not known
   std::vector<int> layout_;       // sizes of the sheets after the last change of this editor
-  std::vector<std::function<void(const CellBlock*)>> observers_;
+  Observers<const CellBlock*> observers_;
   std::function<void(StructureCommand)> structureCommands_;
+  Subscription restores_;
+  Subscription historyChanges_;
 };
 
 }  // namespace lodex

@@ -9,9 +9,9 @@ frmSelectFromList::frmSelectFromList(Dialogs& dialogs, std::string_view caption,
     : Form("frmSelectFromList", caption), dialogs_(dialogs), several_(several) {
   for (const std::string& item : items) lstItems.add(item);
   lstItems.setMultiple(several);
-  lstItems.onActivate([this](int) { accept(); });
-  cmdOK.onClick([this] { accept(); });
-  cmdCancel.onClick([this] { close(); });
+  lstItems.setActivateCommand([this](int) { accept(); });
+  cmdOK.setCommand([this] { accept(); });
+  cmdCancel.setCommand([this] { close(); });
 }
 
 void frmSelectFromList::accept() {

@@ -68,8 +68,7 @@ Binding::Binding(Form& form, QWidget& root) : QObject(&root), form_(form) {
     bindControl(*control, objects.value(name));
     bindCaption(*control, objects.value(name + QStringLiteral("caption")));
   }
-  // The form outlives its window or not; both ways neither touches the other afterwards.
-  form.onDestroy([self = QPointer<Binding>(this)] { delete self.data(); });
+  observed_.add(form.onDestroy([this] { delete this; }));
   flush();
   addAccessibleNames(root);
 }
@@ -99,9 +98,7 @@ void Binding::add(Control& control, QObject& object) {
                                 return captionFor(object, text);
                               }});
   if (!added.show) missing_ << toQt(control.name());
-  control.onChange([self = QPointer<Binding>(this), &added] {
-    if (self) self->changed(added);
-  });
+  observed_.add(control.onChange([this, &added] { changed(added); }));
 }
 
 // Widgets that were made without a Designer file speak the language of their form.
@@ -148,18 +145,16 @@ Binding* bindForm(Form& form, QWidget& root) {
   return new Binding(form, root);
 }
 
-void followForm(Form& form, QWidget& window, std::function<void()> changed,
-                std::function<void()> ended) {
-  const QPointer<QWidget> shown(&window);
-  form.onChange([shown, changed = std::move(changed)] {
-    if (shown) changed();
-  });
-  form.onDestroy([shown, ended = std::move(ended)] {
-    if (!shown) return;
+Subscriptions followForm(Form& form, QWidget& window, std::function<void()> changed,
+                         std::function<void()> ended) {
+  Subscriptions following;
+  following.add(form.onChange(std::move(changed)));
+  following.add(form.onDestroy([&window, ended = std::move(ended)] {
     ended();
-    shown->hide();
-    shown->deleteLater();
-  });
+    window.hide();
+    window.deleteLater();
+  }));
+  return following;
 }
 
 }  // namespace lodex

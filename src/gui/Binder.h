@@ -57,14 +57,15 @@ class Binding : public QObject {
   std::vector<std::unique_ptr<Link>> links_;
   QStringList missing_;
   bool flushQueued_ = false;
+  Subscriptions observed_;
 };
 
 /// Binds a form to a window; the binding is a child of the root.
 Binding* bindForm(Form& form, QWidget& root);
 
 /// Calls `changed` after show, hide, close and a new caption of the form, and `ended` at its end,
-/// which is the window's end as well. Neither is called once the window is gone.
-void followForm(Form& form, QWidget& window, std::function<void()> changed,
-                std::function<void()> ended);
+/// which is the window's end as well. The window keeps the result.
+Subscriptions followForm(Form& form, QWidget& window, std::function<void()> changed,
+                         std::function<void()> ended);
 
 }  // namespace lodex

@@ -31,7 +31,7 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
           [this] { Application::requestHelp(objectName()); });
   follow();
-  followForm(
+  following_ = followForm(
       form, *this, [this] { follow(); }, [this] { form_ = nullptr; });
 }
 
@@ -95,14 +95,12 @@ void FormWindow::showEvent(QShowEvent* event) {
 }
 
 void FormViews::watch(Form& form) {
-  // Some forms outlive the main window.
-  form.onChange([&form, owned = parent_ != nullptr, owner = QPointer<QWidget>(parent_),
-                 window = QPointer<FormWindow>()]() mutable {
-    if (!form.visible() || (owned && !owner)) return;
+  watched_.add(form.onChange([&form, owner = parent_, window = QPointer<FormWindow>()]() mutable {
+    if (!form.visible()) return;
     if (!window) window = new FormWindow(form, owner);
     if (!window->isVisible()) window->show();
     window->raise();
-  });
+  }));
 }
 
 }  // namespace lodex

@@ -36,21 +36,23 @@ class FormWindow : public QDialog {
 
   Form* form_;  // null once the form has ended
   QPointer<Binding> binding_;
+  Subscriptions following_;
   bool placed_ = false;
   bool dismissing_ = false;
 };
 
-/// Shows and hides windows with forms that are not modal. A window stays until its form ends.
+/// Shows windows for forms that are not modal. A window stays until its form ends.
 class FormViews {
  public:
   /// `parent` keeps the windows above itself; it may be null.
   explicit FormViews(QWidget* parent) : parent_(parent) {}
 
-  /// From now on the form has a window whenever it is shown.
+  /// From now on, until the views end, the form has a window whenever it is shown.
   void watch(Form& form);
 
  private:
   QWidget* parent_;
+  Subscriptions watched_;
 };
 
 }  // namespace lodex

@@ -102,7 +102,7 @@ void DataSheetForm::connectHistory() {
     F1Ref.ReadFromBlob(state.substr(end + 1));
   };
   gridF1D.setSideState({save, restore});
-  gridF1D.onStructure([this](StructureCommand command) {
+  gridF1D.setStructureCommand([this](StructureCommand command) {
     switch (command) {
       case StructureCommand::InsertRows:
         return InsertRow();
@@ -119,76 +119,76 @@ void DataSheetForm::connectHistory() {
 void DataSheetForm::addNumberButtons(int pickMode, const std::string& number,
                                      std::string_view label) {
   NumberButtons& buttons = numberButtons_.try_emplace(pickMode, *this, number, label).first->second;
-  buttons.cmdPick.onClick([this, pickMode] { setPickMode(pickMode_ == pickMode ? 0 : pickMode); });
-  buttons.cmdUp.onClick([this, pickMode] { guarded([&] { stepNumber(pickMode, 1); }); });
-  buttons.cmdDown.onClick([this, pickMode] { guarded([&] { stepNumber(pickMode, -1); }); });
+  buttons.cmdPick.setCommand(
+      [this, pickMode] { setPickMode(pickMode_ == pickMode ? 0 : pickMode); });
+  session().setCommand(buttons.cmdUp, [this, pickMode] { stepNumber(pickMode, 1); });
+  session().setCommand(buttons.cmdDown, [this, pickMode] { stepNumber(pickMode, -1); });
 }
 
 void DataSheetForm::connectPanel() {
-  txtH(sysrow::Element).onChange([this] {
+  keep(txtH(sysrow::Element).onChange([this] {
     lblStatus.setCaption(statusGreen() ? "Identified" : "Not Identied");
     shpGreen.setVisible(statusGreen());
     shpRed.setVisible(!statusGreen());
-  });
-  picLe.onChange([this] { mnuPanel.setChecked(picLe.visible()); });
-  mnuPanel.onClick([this] { picLe.setVisible(!picLe.visible()); });
-  gridF1D.onClick([this](int row, int column) { guarded([&] { clickGrid(row, column); }); });
-  gridF1D.onEdit([this] { Changed = true; });
-  cmdThesaurus.onClick([this] { context_.thesaurus.show(); });
+  }));
+  keep(picLe.onChange([this] { mnuPanel.setChecked(picLe.visible()); }));
+  mnuPanel.setCommand([this] { picLe.setVisible(!picLe.visible()); });
+  session().setCommand(gridF1D, [this](int row, int column) { clickGrid(row, column); });
+  keep(gridF1D.onEdit([this] { Changed = true; }));
+  cmdThesaurus.setCommand([this] { context_.thesaurus.show(); });
 }
 
 void DataSheetForm::connectControls() {
-  txtH(sysrow::Header).onChange([this] { cmdSplit.setEnabled(SystemRows(sysrow::Header) > 0); });
-  txtID.onChange([this] {
+  keep(txtH(sysrow::Header).onChange([this] {
+    cmdSplit.setEnabled(SystemRows(sysrow::Header) > 0);
+  }));
+  keep(txtID.onChange([this] {
     const int old = lastIdColumn_;
     lastIdColumn_ = IDColumn();
     if (!settingStructure_) CheckIDCOL(lastIdColumn_, old);
-  });
-  optOrientation.onChange([this] { cmdTranspose.setVisible(optOrientation.selected() == 1); });
-  chkSysRows.onChange([this] {
+  }));
+  keep(
+      optOrientation.onChange([this] { cmdTranspose.setVisible(optOrientation.selected() == 1); }));
+  keep(chkSysRows.onChange([this] {
     SheetStructure numbers = structure();
     hideSystemRows(described(numbers), chkSysRows.checked());
     gridF1D.refresh();
-  });
+  }));
 
   const auto runAll = [this] {
-    guarded([this] {
-      AjaTunnista({});
-      bIdentified = true;
-    });
+    AjaTunnista({});
+    bIdentified = true;
   };
-  cmdIdentify.onClick(runAll);
-  mnuIdentify.onClick(runAll);
-  cmdSplit.onClick([this] { guarded([this] { SplittaaOtsikko(true); }); });
-  cmdTranspose.onClick([this] { guarded([this] { Transpose(); }); });
-  mnuOpenData.onClick([this] { guarded([this] { openData(); }); });
-  mnuSaveFile.onClick([this] { guarded([this] { saveData(); }); });
-  mnuCopy.onClick([this] { F1D.EditCopy(session().clipboard()); });
-  mnuPaste.onClick([this] {
-    guarded([this] {
-      gridF1D.record("Paste", [this] {
-        const WideLimits wide(F1D);
-        F1D.EditPaste(session().clipboard());
-      });
-      Changed = true;
-      gridF1D.refresh();
+  session().setCommand(cmdIdentify, runAll);
+  session().setCommand(mnuIdentify, runAll);
+  session().setCommand(cmdSplit, [this] { SplittaaOtsikko(true); });
+  session().setCommand(cmdTranspose, [this] { Transpose(); });
+  session().setCommand(mnuOpenData, [this] { openData(); });
+  session().setCommand(mnuSaveFile, [this] { saveData(); });
+  session().setCommand(mnuCopy, [this] { F1D.EditCopy(session().clipboard()); });
+  session().setCommand(mnuPaste, [this] {
+    gridF1D.record("Paste", [this] {
+      const WideLimits wide(F1D);
+      F1D.EditPaste(session().clipboard());
     });
+    Changed = true;
+    gridF1D.refresh();
   });
-  mnuSelectAll.onClick([this] {
+  mnuSelectAll.setCommand([this] {
     if (F1D.LastRow() > 0) F1D.SetSelection(1, 1, F1D.LastRow(), F1D.LastCol());
     gridF1D.refresh();
   });
-  mnuCopyAll.onClick([this] { guarded([this] { CopyAllCells(); }); });
-  mnuNew.onClick([this] { NewSheet(); });
-  mnuParse.onClick([this] { guarded([this] { Parse(); }); });
-  mnuInsertRow.onClick([this] { guarded([this] { InsertRow(); }); });
-  mnuDeleteRow.onClick([this] { guarded([this] { DeleteRow(); }); });
-  mnuInsertCol.onClick([this] { guarded([this] { InsertCol(); }); });
-  mnuDeleteCol.onClick([this] { guarded([this] { DeleteCol(); }); });
-  mnuFreeze.onClick([this] { Freeze(true); });
-  mnuUnfreeze.onClick([this] { Freeze(false); });
+  session().setCommand(mnuCopyAll, [this] { CopyAllCells(); });
+  session().setCommand(mnuNew, [this] { NewSheet(); });
+  session().setCommand(mnuParse, [this] { Parse(); });
+  session().setCommand(mnuInsertRow, [this] { InsertRow(); });
+  session().setCommand(mnuDeleteRow, [this] { DeleteRow(); });
+  session().setCommand(mnuInsertCol, [this] { InsertCol(); });
+  session().setCommand(mnuDeleteCol, [this] { DeleteCol(); });
+  session().setCommand(mnuFreeze, [this] { Freeze(true); });
+  session().setCommand(mnuUnfreeze, [this] { Freeze(false); });
   for (int i = 0; i < static_cast<int>(mnuCopyRow_.size()); ++i) {
-    mnuCopyRow(i).onClick([this, i] {
+    session().setCommand(mnuCopyRow(i), [this, i] {
       gridF1D.record("Copy row content", [this, i] {
         SheetStructure numbers = structure();
         copySystemRow(described(numbers), i, F1D.Row());
@@ -447,16 +447,6 @@ void DataSheetForm::Varjaa(bool resetLimits) {
   paintStructure(F1D, numbers, optOrientation.selected() == 0, resetLimits);
   setStructure(numbers);
   gridF1D.refresh();
-}
-
-void DataSheetForm::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& error) {
-    session().dialogs().messageBox(
-        "Error " + std::to_string(error.number()) + " " + std::string(error.what()),
-        MessageButtons::Ok, MessageIcon::Stop, "");
-  }
 }
 
 void DataSheetForm::edit(std::string_view name,

@@ -167,8 +167,6 @@ class DataSheetForm : public Form {
   Session& session() const { return context_.session; }
   DescribedSheet described(SheetStructure& structure) { return {F1D, structure}; }
   void logLines(const LogLines& lines);
-  /// Runs a command of the user; an Error ends in a message.
-  void guarded(const std::function<void()>& command);
   /// Changes the table and its structure together, then repaints.
   void edit(std::string_view name, const std::function<void(const DescribedSheet&)>& change);
 

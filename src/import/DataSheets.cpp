@@ -67,8 +67,8 @@ DataSheets::DataSheets(Form& shell, ImportContext& context)
       result(context),
       context_(context) {
   chkUseThes.setChecked(true);
-  chkFILEISMET.onChange([this] { context_.methodFromFileName = chkFILEISMET.checked(); });
-  txtUnID.onChange([this] { context_.unidentifiedTable = txtUnID.text(); });
+  keep(chkFILEISMET.onChange([this] { context_.methodFromFileName = chkFILEISMET.checked(); }));
+  keep(txtUnID.onChange([this] { context_.unidentifiedTable = txtUnID.text(); }));
   txtUnID.setText("USERX");
 }
 
@@ -287,6 +287,7 @@ bool DataSheets::IDENTIFY(bool askLog) {
     session.dialogs().messageBox("Select data sources!");
     return false;
   }
+  JobScope job(session);
   session.progress.bar.setMaximum(static_cast<int>(selected.size()) + 2);
   session.progress.ShowProgress("Identifying...", 1);
   session.log.clear();
@@ -310,7 +311,6 @@ bool DataSheets::IDENTIFY(bool askLog) {
       notice(Severity::Error, std::string("The sheet was not identified: ") + error.what(), *sheet);
     }
   }
-  session.progress.ShowProgress("", 0);
   if (askLog) {
     session.log.show();
     session.log.activate();

@@ -23,16 +23,15 @@ SavingStage::SavingStage(Form& shell, Session& session, DataSheets& sheets, frmD
       session_(session),
       sheets_(sheets),
       destination_(destination) {
-  chkMerge.onChange([this] {
+  keep(chkMerge.onChange([this] {
     if (!chkMerge.checked()) chkOverWrite.setChecked(false);
-  });
-  chkAndSave.onChange([this] {
+  }));
+  keep(chkAndSave.onChange([this] {
     if (!chkAndSave.checked() || destination_.hasDestination()) return;
     showDestination();
     if (!destination_.hasDestination()) chkAndSave.setChecked(false);
-  });
-  cmdDefine.onClick([this] { showDestination(); });
-  cmdSaveInDBNow.onClick([this] { guarded(); });
+  }));
+  session_.setCommand(cmdDefine, [this] { showDestination(); });
 }
 
 void SavingStage::showDestination() {
@@ -72,17 +71,6 @@ bool SavingStage::SaveInDB(bool resultOnly) {
   destination_.refreshTables();
   if (outcome().failed()) throw Error(outcome().reason);
   return outcome().done();
-}
-
-void SavingStage::guarded() {
-  try {
-    SaveInDB(false);
-  } catch (const Error& failure) {
-    session_.progress.ShowProgress("", 0);
-    session_.dialogs().messageBox(
-        "Error " + std::to_string(failure.number()) + " " + failure.what(), MessageButtons::Ok,
-        MessageIcon::Stop);
-  }
 }
 
 }  // namespace lodex

@@ -8,8 +8,8 @@
 
 namespace lodex {
 
-/// The saving stage of the shell's panel: its options, and the command that carries the selected
-/// sheets into the destination database. The controls are made on the shell's form.
+/// The saving stage of the shell's panel: its options, and the saving of the selected sheets into
+/// the destination database. The controls are made on the shell's form.
 class SavingStage {
  public:
   SavingStage(Form& shell, Session& session, DataSheets& sheets, frmDDB& destination);
@@ -18,8 +18,8 @@ class SavingStage {
   CheckBox chkOverWrite;  // with merge: values may be replaced
   CheckBox chkAndSave;
   Button cmdDefine;
-  Button cmdSaveInDBNow;
-  Label lblDB;  // the destination's file name
+  Button cmdSaveInDBNow;  // what it does is for the shell to set
+  Label lblDB;            // the destination's file name
 
   /// Saves the sheets selected in lstSrcD, or the calculation result alone and silently. False when
   /// nothing was saved to the end. Throws Error when the database refuses as a whole.
@@ -32,7 +32,6 @@ class SavingStage {
  private:
   void showDestination();
   SaveRequest request(bool resultOnly);
-  void guarded();
 
   Session& session_;
   DataSheets& sheets_;

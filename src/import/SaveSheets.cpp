@@ -90,7 +90,6 @@ class Saving {
     for (const SheetToSave& sheet : request_.sheets) {
       for (int i = 1; i <= sheet.cells->NumSheets(); ++i) total_ += sheet.cells->LastRow(i);
     }
-    session_.progress.ShowStop(true);
     if (request_.resultOnly) return;
     session_.log.clear();
     log("Saving in " + destination_.path + " started at " + timeText());
@@ -106,8 +105,6 @@ class Saving {
       log(std::to_string(result_.SaveErrors()) + " errors detected", LogKind::Both);
       session_.log.show();
     }
-    session_.progress.ShowProgress("", 0);
-    session_.progress.txtInfo.setCaption("");
   }
 
   // False when the user stops the saving.
@@ -228,7 +225,7 @@ class Saving {
     std::string last;  // the sample before
     for (int row = source.firstRow(); row <= source.lastRow(); ++row) {
       ++count_;
-      if (stopped()) {
+      if (job_.aborted()) {
         makeLasting(row - 1, last);
         tellAborted();
         return false;
@@ -248,13 +245,6 @@ class Saving {
     return true;
   }
 
-  bool stopped() {
-    session_.pumpEvents();
-    if (!session_.progress.AbortFlag) return false;
-    session_.progress.AbortFlag = false;
-    return true;
-  }
-
   void abort(const std::string& where) {
     result_.outcome.ended = Ended::Aborted;
     result_.outcome.reason = where;
@@ -263,7 +253,6 @@ class Saving {
   void tellAborted() {
     abort(reached_.empty() ? "before the first sample" : "after " + reached_);
     session_.dialogs().messageBox("Aborted!");
-    log("!! Aborted !!");
     session_.log.show();
   }
 
@@ -399,6 +388,7 @@ class Saving {
   }
 
   Session& session_;
+  JobScope job_{session_};
   MappedDatabase& destination_;
   const SaveRequest& request_;
   SaveOutcome result_;
@@ -413,7 +403,9 @@ class Saving {
 }  // namespace
 
 SaveOutcome saveSheets(Session& session, MappedDatabase& destination, const SaveRequest& request) {
-  return Saving(session, destination, request).run();
+  SaveOutcome outcome = Saving(session, destination, request).run();
+  session.progress.txtInfo.setCaption("");
+  return outcome;
 }
 
 }  // namespace lodex

@@ -51,18 +51,16 @@ bool needsTextReader(const std::string& text) {
 
 frmDataIN::frmDataIN(ImportContext& context, std::string_view caption)
     : DataSheetForm(context, "frmDataIN", caption) {
-  mnuRenameWindow.onClick([this] { RenameWindow(); });
+  session().setCommand(mnuRenameWindow, [this] { RenameWindow(); });
   mnuLoadAllRows.setEnabled(false);
-  mnuLoadAllRows.onClick([this] { guarded([this] { LoadAllRows(); }); });
+  session().setCommand(mnuLoadAllRows, [this] { LoadAllRows(); });
   const std::string& ini = session().record.UserIni;
   mnuAlwaysLoadAllRows.setChecked(GetIni(ini, settingsSection, allRowsKey) == "1");
   mnuAlwaysLoadAllRows.setEnabled(!ini.empty());
-  mnuAlwaysLoadAllRows.onClick([this] {
-    guarded([this] {
-      const bool always = !mnuAlwaysLoadAllRows.checked();
-      PutIni(session().record.UserIni, settingsSection, allRowsKey, always ? "1" : "0");
-      mnuAlwaysLoadAllRows.setChecked(always);
-    });
+  session().setCommand(mnuAlwaysLoadAllRows, [this] {
+    const bool always = !mnuAlwaysLoadAllRows.checked();
+    PutIni(session().record.UserIni, settingsSection, allRowsKey, always ? "1" : "0");
+    mnuAlwaysLoadAllRows.setChecked(always);
   });
 }
 

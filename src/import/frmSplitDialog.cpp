@@ -18,8 +18,8 @@ frmSplitDialog::frmSplitDialog(Mode mode, std::string_view sample)
     txtPart_.back().setToolTip("Give zero to find it in anywhere");
     txtPart_.back().setText("0");
   }
-  cmdOK.onClick([this] { accept(); });
-  cmdCancel.onClick([this] { cancel(); });
+  cmdOK.setCommand([this] { accept(); });
+  cmdCancel.setCommand([this] { cancel(); });
 }
 
 frmSplitDialog::frmSplitDialog(std::string_view sampleLine, const TextSplit& proposal)
@@ -30,11 +30,11 @@ frmSplitDialog::frmSplitDialog(std::string_view sampleLine, const TextSplit& pro
   chkTab.setChecked(isTab);
   txtSeparator.setEnabled(!isTab);
   if (!isTab) txtSeparator.setText(proposal.separator);
-  chkTab.onChange([this] {
+  keep(chkTab.onChange([this] {
     txtSeparator.setEnabled(!chkTab.checked());
     showPreview();
-  });
-  txtSeparator.onChange([this] { showPreview(); });
+  }));
+  keep(txtSeparator.onChange([this] { showPreview(); }));
   showPreview();
 }
 
@@ -48,10 +48,10 @@ frmSplitDialog::frmSplitDialog(std::string_view sampleTitle, const TitleParts& p
     const auto place = static_cast<size_t>(fact);
     if (place < numbers.size() && !numbers[place].empty()) txtPart(fact).setText(numbers[place]);
     chkFact(fact).setChecked(place < wanted.size() && wanted[place] == "1");
-    chkFact(fact).onChange([this] { showPreview(); });
-    txtPart(fact).onChange([this] { showPreview(); });
+    keep(chkFact(fact).onChange([this] { showPreview(); }));
+    keep(txtPart(fact).onChange([this] { showPreview(); }));
   }
-  txtElSepChar.onChange([this] { showPreview(); });
+  keep(txtElSepChar.onChange([this] { showPreview(); }));
   showPreview();
 }
 

@@ -23,26 +23,15 @@ frmSynonLib::frmSynonLib(Session& session) : Form("frmSynonLib", "Thesaurus"), s
     const std::string heading(thesaurusHeadings[static_cast<size_t>(column) - 1]);
     F1Lib.ColText(column, heading);
     mnuSort_.emplace_back(*this, "mnuSort" + std::to_string(column), "By " + heading);
-    mnuSort_.back().onClick([this, column] { SortBy(column); });
+    session_.setCommand(mnuSort_.back(), [this, column] { SortBy(column); });
   }
   F1Lib.MaxCol(titledColumns);
-  mnuOpen.onClick([this] { guarded([this] { Open(); }); });
-  mnuSave.onClick([this] { guarded([this] { Save(); }); });
-  mnuSaveDefault.onClick([this] { guarded([this] { SaveAsDefault(); }); });
-  mnuDeleteRow.onClick([this] { DeleteRow(); });
-  gridF1Lib.onClick([this](int row, int column) { clickGrid(row, column); });
-  gridF1Lib.onEdit([this] { changed_ = true; });
-}
-
-template <typename Command>
-void frmSynonLib::guarded(Command command) {
-  try {
-    command();
-  } catch (const Error& error) {
-    session_.dialogs().messageBox(
-        "Error " + std::to_string(error.number()) + " " + std::string(error.what()),
-        MessageButtons::Ok, MessageIcon::Stop);
-  }
+  session_.setCommand(mnuOpen, [this] { Open(); });
+  session_.setCommand(mnuSave, [this] { Save(); });
+  session_.setCommand(mnuSaveDefault, [this] { SaveAsDefault(); });
+  session_.setCommand(mnuDeleteRow, [this] { DeleteRow(); });
+  session_.setCommand(gridF1Lib, [this](int row, int column) { clickGrid(row, column); });
+  keep(gridF1Lib.onEdit([this] { changed_ = true; }));
 }
 
 void frmSynonLib::Aukaise(std::string_view path) {

@@ -58,8 +58,6 @@ class frmSynonLib : public Form {
   void SaveAsDefault();
   void showCurrent(int row);
   void showValue(int row);
-  template <typename Command>
-  void guarded(Command command);
 
   Session& session_;
   std::deque<MenuItem> mnuSort_;

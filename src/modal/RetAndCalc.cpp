@@ -47,7 +47,8 @@ class Driver {
         result_(result),
         solver_(solver),
         scratch_(scratch),
-        session_(session) {}
+        session_(session),
+        job_(session) {}
 
   Outcome run(ModalMode mode, ErrorSimulation* simulation);
 
@@ -95,6 +96,7 @@ class Driver {
   frmSolve& solver_;
   ModalScratch& scratch_;
   Session& session_;
+  JobScope job_;
 
   std::optional<ModalData> data_;
   RoundPlan plan_;
@@ -113,7 +115,6 @@ class Driver {
 
 Outcome Driver::run(ModalMode mode, ErrorSimulation* simulation) {
   try {
-    session_.progress.ShowStop(true);
     if (mode == ModalMode::Automated || mode == ModalMode::Retrieve) retrieve();
     if (mode == ModalMode::Simulate && simulation != nullptr) simulate(*simulation);
     solve();
@@ -125,7 +126,6 @@ Outcome Driver::run(ModalMode mode, ErrorSimulation* simulation) {
     outcome_.ended = Ended::Failed;
     outcome_.reason = error.what();
   }
-  session_.progress.ShowStop(false);
   return std::move(outcome_);
 }
 
@@ -140,8 +140,7 @@ void Driver::pollNow() {
   session_.pumpEvents();
   nextPoll_ = std::chrono::steady_clock::now() + betweenPolls;
   if (!session_.progress.AbortFlag) return;
-  session_.log.LisaaLog("!! Aborted !!");
-  session_.progress.AbortFlag = false;
+  job_.abort();
   throw AbortRequested();
 }
 
@@ -545,18 +544,15 @@ Outcome RetAndCalc(const ModalRequest& request, ModalMode mode, ModalLists& list
     clearSheet(*sheet);
   }
   result.equationColumns.clear();
-  if (mode != ModalMode::Simulate) {
-    session.progress.bar.setMaximum(progressEnd);
-    session.progress.ShowProgress("Counting rounds...", 1);
-  }
   Outcome outcome;
-  try {
-    outcome = Driver(request, lists, result, solver, scratch, session).run(mode, simulation);
-  } catch (...) {
-    session.progress.ShowProgress("", 0);
-    throw;
+  {
+    Driver driver(request, lists, result, solver, scratch, session);
+    if (mode != ModalMode::Simulate) {
+      session.progress.bar.setMaximum(progressEnd);
+      session.progress.ShowProgress("Counting rounds...", 1);
+    }
+    outcome = driver.run(mode, simulation);
   }
-  session.progress.ShowProgress("", 0);
   if (outcome.done()) session.progress.txtInfo.setCaption("Calculation ready!");
   if (outcome.aborted()) session.progress.txtInfo.setCaption("Aborted " + outcome.reason);
   return outcome;

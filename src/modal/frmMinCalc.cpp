@@ -36,35 +36,25 @@ frmMinCalc::frmMinCalc(Session& session, taulukot& tables, ModalLists& lists, fr
   lstMinR.setToolTip("Check to use sample-specific compostion for mineral");
   chkAllTot.setToolTip("All methods are total assays");
   cmdOK.setEnabled(false);
-  Command2.onClick([this] { guarded([this] { acceptMethod(); }); });
-  cmdOpenXFile.onClick([this] { guarded([this] { openXFile(); }); });
-  cmdXOK.onClick([this] { guarded([this] { acceptXLine(); }); });
-  cmdCalc.onClick([this] { guarded([this] { calculate(); }); });
-  cmdRun.onClick(
-      [this] { RetAndCalc(retrieveData ? ModalMode::Retrieve : ModalMode::SolveAgain); });
-  cmdReset.onClick([this] { guarded([this] { reset(); }); });
-  cmdReport.onClick([this] { guarded([this] { report(); }); });
-  mnuRequery.onClick([this] {
+  session_.setCommand(Command2, [this] { acceptMethod(); });
+  session_.setCommand(cmdOpenXFile, [this] { openXFile(); });
+  session_.setCommand(cmdXOK, [this] { acceptXLine(); });
+  session_.setCommand(cmdCalc, [this] { calculate(); });
+  session_.setCommand(
+      cmdRun, [this] { RetAndCalc(retrieveData ? ModalMode::Retrieve : ModalMode::SolveAgain); });
+  session_.setCommand(cmdReset, [this] { reset(); });
+  session_.setCommand(cmdReport, [this] { report(); });
+  session_.setCommand(mnuRequery, [this] {
     retrieveData = true;
     RetAndCalc(ModalMode::Retrieve);
   });
-  mnuAddeq.onClick([this] {
+  session_.setCommand(mnuAddeq, [this] {
     const auto text = session_.dialogs().inputBox("Give eqation, e.g. 2.5*Py-Ccp", "Equation", "");
     if (text && !text->empty()) addEquation("###" + *text);
   });
-  IsTotMinus100.onClick([this] { addEquation("###100-TOT"); });
-  optX.onChange([this] { guarded([this] { showXColumns(); }); });
+  session_.setCommand(IsTotMinus100, [this] { addEquation("###100-TOT"); });
+  keep(optX.onChange([this] { session_.run([this] { showXColumns(); }); }));
   reset();
-}
-
-void frmMinCalc::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& failure) {
-    session_.dialogs().messageBox(
-        "Error " + std::to_string(failure.number()) + " " + failure.what(), MessageButtons::Ok,
-        MessageIcon::Stop);
-  }
 }
 
 // --- Elements and methods ---

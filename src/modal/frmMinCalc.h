@@ -99,7 +99,6 @@ class frmMinCalc : public Form {
 
  private:
   /// Tells the user of an error instead of letting it out of a button.
-  void guarded(const std::function<void()>& command);
   void listFields(int elementRow);
   void listMethods(int elementRow);
   void acceptMethod();

@@ -19,7 +19,7 @@ frmSolve::frmSolve(Dialogs& dialogs)
     : Form("frmSolve", "Solves a set of linear algebraic equations: A*X=B. R=Residual matrix"),
       dialogs_(dialogs) {
   resize(10, 10, 1);
-  cmdSolve.onClick([this] { solve(); });
+  cmdSolve.setCommand([this] { solve(); });
 }
 
 void frmSolve::resize(int equations, int unknowns, int cases) {

@@ -1,6 +1,7 @@
 #include "session/Log.h"
 
-#include "basic/Error.h"
+#include <utility>
+
 #include "basic/Files.h"
 #include "session/Session.h"
 
@@ -20,15 +21,15 @@ void addLine(TextBox& pane, std::string_view text, bool unique) {
 
 frmLog::frmLog(Session& session) : Form("frmLog", "Log"), session_(session) {
   for (Button* button : {static_cast<Button*>(&mnuSave), &cmdSave}) {
-    button->onClick([this] { save(); });
+    session_.setCommand(*button, [this] { save(); });
   }
   for (Button* button : {static_cast<Button*>(&mnuClear), &cmdClear}) {
-    button->onClick([this] { currentPane().setText(""); });
+    button->setCommand([this] { currentPane().setText(""); });
   }
-  mnuCopy.onClick([this] { session_.clipboard().setText(currentPane().text()); });
+  mnuCopy.setCommand([this] { session_.clipboard().setText(currentPane().text()); });
   for (Button* button :
        {static_cast<Button*>(&mnuHide), static_cast<Button*>(&mnuClose), &cmdClose}) {
-    button->onClick([this] { close(); });
+    button->setCommand([this] { close(); });
   }
 }
 
@@ -50,17 +51,12 @@ void frmLog::save() {
   const auto path = session_.dialogs().saveFile(
       {"Save", "Text files (*.txt)|*.txt", session_.record.BasePath + "/data", "", false});
   if (!path) return;
-  try {
-    writeFileWhole(*path, currentPane().text());
-  } catch (const Error& error) {
-    session_.dialogs().messageBox("Error " + std::to_string(error.number()) + " " + error.what(),
-                                  MessageButtons::Ok, MessageIcon::Stop);
-  }
+  writeFileWhole(*path, currentPane().text());
 }
 
 Progress::Progress() : Form("tbBottom") {
   cmdAbort.setVisible(false);
-  cmdAbort.onClick([this] { AbortFlag = true; });
+  cmdAbort.setCommand([this] { AbortFlag = true; });
 }
 
 void Progress::ShowProgress(std::string_view text, int value) {
@@ -82,6 +78,31 @@ void Progress::ShowProgress(std::string_view text, int value) {
 void Progress::ShowStop(bool visible) {
   if (visible) AbortFlag = false;
   cmdAbort.setVisible(visible);
+}
+
+void Progress::reset() {
+  if (jobs_ > 0) return;
+  AbortFlag = false;
+  if (visible() || cmdAbort.visible()) ShowProgress("", 0);
+}
+
+JobScope::JobScope(Session& session) : session_(session) {
+  if (session_.progress.jobs_++ == 0) session_.progress.ShowStop(true);
+}
+
+JobScope::~JobScope() {
+  if (--session_.progress.jobs_ == 0) session_.progress.ShowProgress("", 0);
+}
+
+bool JobScope::aborted(LogKind kind, std::string_view line) {
+  session_.pumpEvents();
+  if (session_.progress.AbortFlag) abort(kind, line);
+  return aborted_;
+}
+
+void JobScope::abort(LogKind kind, std::string_view line) {
+  session_.progress.AbortFlag = false;
+  if (!std::exchange(aborted_, true)) session_.log.LisaaLog(line, kind);
 }
 
 }  // namespace lodex

@@ -60,8 +60,35 @@ class Progress : public Form {
   /// True clears the abort flag; the Abort button gets the given visibility.
   void ShowStop(bool visible);
 
+  /// Ends what is shown of a job, if anything is, unless a job goes on outside of it.
+  void reset();
+
   /// Set by the Abort button, polled and cleared by the job.
   bool AbortFlag = false;
+
+ private:
+  friend class JobScope;
+  int jobs_ = 0;  // one inside the other
+};
+
+/// A long job: Abort is on show while it lives, and the progress line is reset at its end, however
+/// it ends. A job within a job leaves both to the outer one.
+class JobScope {
+ public:
+  explicit JobScope(Session& session);
+  ~JobScope();
+  JobScope(const JobScope&) = delete;
+  JobScope& operator=(const JobScope&) = delete;
+
+  /// Lets events happen and returns true if the user pressed Abort, then and from then on. Poll it
+  /// once per unit of work.
+  bool aborted(LogKind kind = LogKind::Log, std::string_view line = "!! Aborted !!");
+  /// Aborts the job as the button does: clears the flag and logs the line, once.
+  void abort(LogKind kind = LogKind::Log, std::string_view line = "!! Aborted !!");
+
+ private:
+  Session& session_;
+  bool aborted_ = false;
 };
 
 }  // namespace lodex

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <new>
 
 #include "basic/Error.h"
 #include "basic/Files.h"
@@ -57,6 +58,27 @@ std::string lastFilesIni(const SessionRecord& record) {
 }
 
 }  // namespace
+
+bool Session::run(const std::function<void()>& command) {
+  try {
+    command();
+    return true;
+  } catch (const Error& failure) {
+    fail(failure.number(), failure.what());
+  } catch (const std::bad_alloc&) {
+    fail(0, "There is not enough memory for this.");
+  } catch (const std::exception& failure) {
+    fail(0, failure.what());
+  }
+  return false;
+}
+
+void Session::fail(int number, std::string_view text) {
+  record.FileLoadInProgress = false;
+  progress.reset();
+  dialogs().messageBox("Error " + std::to_string(number) + " " + std::string(text),
+                       MessageButtons::Ok, MessageIcon::Stop);
+}
 
 void Session::notice(const Findings& noticed) {
   if (noticed.empty()) return;

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "basic/Findings.h"
@@ -75,6 +76,17 @@ class Session {
   /// What the commands of this session noticed, for the report and the exit status.
   Findings found;
 
+  /// Runs a command of the user. An exception of any kind ends it: jobs that it left running end
+  /// with it, and the user reads "Error <number> <text>". Returns true when the command came to its
+  /// end.
+  bool run(const std::function<void()>& command);
+  /// Sets the command of a button, list or grid, to be run so.
+  template <typename Target, typename Act>
+  void setCommand(Target& target, Act act) {
+    target.setCommand(
+        [this, act = std::move(act)](auto... arguments) { run([&] { act(arguments...); }); });
+  }
+
   /// Adds to `found` and to the log: errors to both panes, the rest to the log alone.
   void notice(const Findings& noticed);
   /// Whether notice() wrote this line of the log, so that it need not be shown a second time.
@@ -95,6 +107,7 @@ class Session {
   void ReadSession(std::string_view appFolder, bool readStartDatabase, bool readUserName);
 
  private:
+  void fail(int number, std::string_view text);
   void readUserFolder();
   void readDatabases(std::string_view app);
 

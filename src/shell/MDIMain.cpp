@@ -43,10 +43,9 @@ MDIMain::MDIMain(Session& session, ShellServices services)
   connectMenus();
   describeTools();
   connectDatabases();
-  calculations.cmdGroup.onChange([this] { showSet(calculations.cmdGroup.caption()); });
-  session_.progress.onChange([this, alive = std::weak_ptr<bool>(alive_)] {
-    // The progress line outlives the window.
-    if (alive.expired() || session_.progress.visible() || !services_.startTmrReady) return;
+  keep(calculations.cmdGroup.onChange([this] { showSet(calculations.cmdGroup.caption()); }));
+  progressLine_ = session_.progress.onChange([this] {
+    if (session_.progress.visible() || !services_.startTmrReady) return;
     services_.startTmrReady(readyMilliseconds);
   });
 }
@@ -56,23 +55,14 @@ MDIMain::~MDIMain() = default;
 void MDIMain::connectDatabases() {
   importContext.AvaaDB = [this](const std::string& path) { openDatabase(path); };
   // The window of the source opens databases on its own as well.
-  sourceForm.txtDB.onChange([this] { refreshLastFiles(); });
+  keep(sourceForm.txtDB.onChange([this] { refreshLastFiles(); }));
   sourceForm.onAccepted = [this](const std::string& path) {
     if (!holdsSecret(path)) remember(path, databasesSection);
     SetStage(static_cast<int>(Stage::Calculate));
   };
   destinationForm.sourceDatabase = [this] { return source.pathInUse(); };
-  destinationForm.txtDDB.onChange(
-      [this] { saving.lblDB.setCaption(fileNameOf(destinationForm.txtDDB.text())); });
-}
-
-void MDIMain::guarded(const std::function<void()>& command) {
-  try {
-    command();
-  } catch (const Error& error) {
-    if (session_.progress.visible()) session_.progress.ShowProgress("", 0);
-    session_.dialogs().messageBox(errorText(error), MessageButtons::Ok, MessageIcon::Stop);
-  }
+  keep(destinationForm.txtDDB.onChange(
+      [this] { saving.lblDB.setCaption(fileNameOf(destinationForm.txtDDB.text())); }));
 }
 
 // --- Start ---
@@ -92,13 +82,13 @@ bool MDIMain::Load() {
     return false;
   }
   tellSplash("Reading initials...");
-  guarded([this] { session_.ReadSession(services_.appFolder, true, true); });
+  session_.run([this] { session_.ReadSession(services_.appFolder, true, true); });
   calculations.cmdGroup.setCaption(record.DefaultCGroup);
   tellSplash("Loading...");
-  guarded([this] { tables.load(session_.record.GeoPath + "\\reference"); });
-  guarded([this] { readThesaurus(); });
+  session_.run([this] { tables.load(session_.record.GeoPath + "\\reference"); });
+  session_.run([this] { readThesaurus(); });
   calculations.lstCalc.clear();
-  guarded([this] { loadGroup(); });
+  session_.run([this] { loadGroup(); });
   showDatabases();
   openMinerals();
   refreshLastFiles();
@@ -207,7 +197,7 @@ void MDIMain::OfferRecovery() {
   }
   if (answer == Answer::Cancel) return;
   if (answer == Answer::Yes) {
-    for (const SavedSheet& saved : found) guarded([&] { recover(saved); });
+    for (const SavedSheet& saved : found) session_.run([&] { recover(saved); });
     SetStage(static_cast<int>(Stage::Identify));
     AutosaveNow();
     // The old copies stay as long as there are no new ones.
@@ -280,7 +270,7 @@ void MDIMain::Open() {
 }
 
 void MDIMain::dropFiles(const std::vector<std::string>& paths) {
-  if (!paths.empty()) guarded([&] { openPaths(paths); });
+  if (!paths.empty()) session_.run([&] { openPaths(paths); });
 }
 
 void MDIMain::openPaths(const std::vector<std::string>& paths) {
@@ -293,7 +283,7 @@ void MDIMain::openPaths(const std::vector<std::string>& paths) {
   }
   for (const std::string& path : paths) {
     // One bad file does not keep the others closed.
-    guarded([&] {
+    session_.run([&] {
       sheets.openSources({path});
       remember(path, filesSection);
     });
@@ -412,8 +402,7 @@ void MDIMain::makeLastFileEntries() {
     for (int place = 1; place <= lastFileCount; ++place) {
       entries.emplace_back(*this, name + std::to_string(place));
       entries.back().setVisible(false);
-      entries.back().onClick(
-          [this, section, place] { guarded([&] { openLast(section, place); }); });
+      session_.setCommand(entries.back(), [this, section, place] { openLast(section, place); });
     }
   };
   make(mnuLastFile_, "mnuLastFile", filesSection);

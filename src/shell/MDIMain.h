@@ -175,8 +175,6 @@ class MDIMain : public Form {
   void AutosaveNow();
 
   Session& session() { return session_; }
-  /// Runs a command of the user; an Error ends in the message "Error <number> <text>".
-  void guarded(const std::function<void()>& command);
 
  private:
   void run(Button& button, const std::function<void()>& command);
@@ -220,7 +218,7 @@ class MDIMain : public Form {
   std::unique_ptr<frmExcelCalc> single_;
   std::unique_ptr<MineralCatalogue> minerals_;
   std::unique_ptr<Autosave> autosave_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  Subscription progressLine_;
   bool loaded_ = false;
 };
 

@@ -10,14 +10,13 @@ constexpr const char* shippedSets[] = {"ROCK", "MINERAL", "Ni-SURVEY", "MISCE", 
 }  // namespace
 
 void MDIMain::run(Button& button, const std::function<void()>& command) {
-  button.onClick([this, command] { guarded(command); });
+  session_.setCommand(button, command);
 }
 
 void MDIMain::connectStages() {
   stages.showShell = [this] { show(); };
   stages.bringToFront = [this](Form& form) { bringToFront(form); };
   stages.closeSheet = [this](frmDataIN& sheet) { return CloseSheet(sheet); };
-  stages.guarded = [this](const std::function<void()>& command) { guarded(command); };
   run(cmdIdentify, [this] {
     single_.reset();
     IDENTIFY(true);
@@ -48,13 +47,11 @@ void MDIMain::connectTools() {
   });
   run(btChange, [this] { changeDatabase(); });
   for (const char* set : shippedSets) cmbSets.add(set);
-  cmbSets.onClick([this](int) { guarded([this] { chooseSet(); }); });
-  calculations.cmbRoutines.onClick([this](int item) {
-    guarded([&] {
-      const std::string method = calculations.cmbRoutines.item(item);
-      frmExcelCalc& form = singleSample();
-      if (form.CalcExcel(method)) bringToFront(form);
-    });
+  session_.setCommand(cmbSets, [this](int) { chooseSet(); });
+  session_.setCommand(calculations.cmbRoutines, [this](int item) {
+    const std::string method = calculations.cmbRoutines.item(item);
+    frmExcelCalc& form = singleSample();
+    if (form.CalcExcel(method)) bringToFront(form);
   });
   for (MenuItem* coming : {&tbModal, &tbMinerals, &tbMLA, &butAuto}) coming->setEnabled(false);
   for (MenuItem* help : {&tbTutorial, &butHelp, &mnuHelp}) {
@@ -76,12 +73,12 @@ void MDIMain::connectMenus() {
   run(mnuEditIni, [this] { EditIni(); });
   run(mnuExit, [this] { Exit(); });
 
-  mnuIdentify.onClick([this] { tbIdentify.click(); });
-  mnuSources.onClick([this] { tbSources.click(); });
-  mnuCalculate.onClick([this] { calculations.cmdCalculate.click(); });
-  mnuGroup.onClick([this] { calculations.cmdGroup.click(); });
-  mnuSingle.onClick([this] { tbSingle.click(); });
-  mnuSaveInDB.onClick([this] { saving.cmdSaveInDBNow.click(); });
+  mnuIdentify.setCommand([this] { tbIdentify.click(); });
+  mnuSources.setCommand([this] { tbSources.click(); });
+  mnuCalculate.setCommand([this] { calculations.cmdCalculate.click(); });
+  mnuGroup.setCommand([this] { calculations.cmdGroup.click(); });
+  mnuSingle.setCommand([this] { tbSingle.click(); });
+  mnuSaveInDB.setCommand([this] { saving.cmdSaveInDBNow.click(); });
 
   const auto opens = [this](MenuItem& entry, Form& form) {
     run(entry, [this, &form] {
@@ -107,10 +104,10 @@ void MDIMain::connectMenus() {
 
   mnuButtonsToggle.setChecked(true);
   run(mnuButtonsToggle, [this] { tbMain.setVisible(!tbMain.visible()); });
-  tbMain.onChange([this] { mnuButtonsToggle.setChecked(tbMain.visible()); });
+  keep(tbMain.onChange([this] { mnuButtonsToggle.setChecked(tbMain.visible()); }));
   mnuStagesToggle.setChecked(true);
   run(mnuStagesToggle, [this] { VaiheOn(!stages.picCalc.visible()); });
-  stages.picCalc.onChange([this] { mnuStagesToggle.setChecked(stages.picCalc.visible()); });
+  keep(stages.picCalc.onChange([this] { mnuStagesToggle.setChecked(stages.picCalc.visible()); }));
 
   run(mnuHelp, [this] { Help(name()); });
   run(mnuAbout, [this] {

@@ -1,5 +1,6 @@
 #include "shell/SourceDatabase.h"
 
+#include <optional>
 #include <string_view>
 
 namespace lodex {
@@ -12,8 +13,8 @@ constexpr std::string_view usualKeyField = "SampleNo";
 SourceDatabase::SourceDatabase(ImportContext& context, frmDB& form, DataSheets& sheets,
                                Calculations& calculations)
     : context_(context), form_(form), sheets_(sheets), calculations_(calculations) {
-  form_.onChange([this] { sourceChanged(); });
-  form_.txtDB.onChange([this] { sourceChanged(); });
+  observed_.add(form_.onChange([this] { sourceChanged(); }));
+  observed_.add(form_.txtDB.onChange([this] { sourceChanged(); }));
   form_.onOpened = [this](const DatabaseMap&) {
     forgetTables();
     listed_.clear();
@@ -65,7 +66,7 @@ SourceSheets SourceDatabase::selectedTables() {
   if (!tables_) tables_ = std::make_unique<ReadTables>();
   MappedDatabase& database = form_.source();
   Session& session = context_.session;
-  bool reading = false;
+  std::optional<JobScope> reading;
   // By name: events between two tables may change the list.
   std::vector<std::string> selected;
   for (const int item : sheets_.lstSrcF.selectedItems()) {
@@ -74,14 +75,13 @@ SourceSheets SourceDatabase::selectedTables() {
   for (const std::string& table : selected) {
     const int row = database.map.tableRow(table);
     if (row == 0 || tables_->names.contains(table)) continue;
-    reading = true;
+    if (!reading) reading.emplace(session);
     session.progress.ShowProgress("Reading table " + table + "...", 1);
     session.pumpEvents();
     const std::string key = keyField(table, row);
     tables_->tables.add(database.connection, table, row, key, context_.converter);
     tables_->names.insert(table);
   }
-  if (reading) session.progress.ShowProgress("", 0);
   return tables_->tables.sheets();
 }
 

@@ -40,7 +40,8 @@ class SourceDatabase {
     std::set<std::string> names;
   };
   std::unique_ptr<ReadTables> tables_;
-  std::string listed_;  // the database whose tables stand in lstSrcF
+  std::string listed_;  // the database whose tables are listed in lstSrcF
+  Subscriptions observed_;
 };
 
 }  // namespace lodex

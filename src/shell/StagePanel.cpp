@@ -93,22 +93,23 @@ void StagePanel::describe() {
 
 void StagePanel::connectCommands() {
   const auto to = [this](Button& button, Stage stage) {
-    button.onClick([this, stage] { SetStage(stage); });
+    session_.setCommand(button, [this, stage] { SetStage(stage); });
   };
   to(Command1, Stage::Identify);
   to(Command2, Stage::Calculate);
   to(cmdNext2, Stage::Save);
   to(cmdNext3, Stage::End);
-  cmdBack0.onClick([this] { SetStage(stage_ - 1); });
-  optStage.onChange([this] {
+  session_.setCommand(cmdBack0, [this] { SetStage(stage_ - 1); });
+  keep(optStage.onChange([this] {
     if (optStage.selected() != stage_) SetStage(optStage.selected());
-  });
+  }));
 }
 
 void StagePanel::connectLists() {
-  sheets_.lstI.onClick([this](int index) { showSheet(sheets_.lstI.item(index)); });
-  sheets_.lstSrcF.onClick([this](int index) { showSheet(sheets_.lstSrcF.item(index)); });
-  sheets_.lstSrcD.onClick([this](int index) { clickDestination(index); });
+  session_.setCommand(sheets_.lstI, [this](int index) { showSheet(sheets_.lstI.item(index)); });
+  session_.setCommand(sheets_.lstSrcF,
+                      [this](int index) { showSheet(sheets_.lstSrcF.item(index)); });
+  session_.setCommand(sheets_.lstSrcD, [this](int index) { clickDestination(index); });
   for (ListBox* list :
        {&sheets_.lstI, &sheets_.lstSrcF, &sheets_.lstSrcD, &calculations_.lstCalc}) {
     list->setMultiple(true);
@@ -117,7 +118,7 @@ void StagePanel::connectLists() {
 
 void StagePanel::connectMenus() {
   const auto selectAll = [](MenuItem& entry, ListBox& list, bool selected) {
-    entry.onClick([&list, selected] { list.selectAll(selected); });
+    entry.setCommand([&list, selected] { list.selectAll(selected); });
   };
   selectAll(mnuSelectAll1, calculations_.lstCalc, true);
   selectAll(mnuDeselectAll1, calculations_.lstCalc, false);
@@ -127,18 +128,16 @@ void StagePanel::connectMenus() {
   selectAll(mnuDeselectAllDB, sheets_.lstSrcD, false);
   selectAll(mnuSelectAllID, sheets_.lstI, true);
   selectAll(mnuDeselectAllID, sheets_.lstI, false);
-  mnuSelectRock.onClick([this] { selectMethods('R'); });
-  mnuSelectMineral.onClick([this] { selectMethods('M'); });
-  mnuSaveSelectionAsDefault.onClick([this] {
+  mnuSelectRock.setCommand([this] { selectMethods('R'); });
+  mnuSelectMineral.setCommand([this] { selectMethods('M'); });
+  mnuSaveSelectionAsDefault.setCommand([this] {
     defaultMethods_.emplace();
     for (const int item : calculations_.lstCalc.selectedItems()) {
       defaultMethods_->push_back(calculations_.lstCalc.item(item));
     }
   });
-  mnuLoadAll.onClick([this] {
-    if (guarded) guarded([this] { calculations_.AlustaCALC(true); });
-  });
-  mnuRemove.onClick([this] {
+  session_.setCommand(mnuLoadAll, [this] { calculations_.AlustaCALC(true); });
+  session_.setCommand(mnuRemove, [this] {
     const int current = sheets_.lstI.current();
     frmDataIN* sheet = current < 0 ? nullptr : sheets_.find(sheets_.lstI.item(current));
     if (sheet != nullptr && closeSheet) closeSheet(*sheet);

@@ -60,8 +60,6 @@ class StagePanel {
   std::function<bool(frmDataIN&)> closeSheet{};
   /// Shows the main window.
   std::function<void()> showShell{};
-  /// Runs a command of the user; an Error ends in a message.
-  std::function<void(const std::function<void()>&)> guarded{};
 
  private:
   void describe();

@@ -42,7 +42,7 @@ class EditHistoryTest : public testing::Test {
 TEST_F(EditHistoryTest, GoesBackAndForth) {
   EditHistory history;
   int told = 0;
-  history.onChange([&] { ++told; });
+  keep(history.onChange([&] { ++told; }));
   history.undo();
   EXPECT_EQ(told, 0) << "there is nothing to undo";
   add(history, 1);

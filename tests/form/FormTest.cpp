@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
+#include <string>
 
 #include "basic/Error.h"
 #include "form/Controls.h"
@@ -23,7 +25,7 @@ class TestForm : public Form {
 TEST(Controls, AreFoundByNameAndTellChangesOnce) {
   TestForm form;
   int changes = 0;
-  form.txtName.onChange([&] { ++changes; });
+  keep(form.txtName.onChange([&] { ++changes; }));
   form.txtName.setText("12");
   form.txtName.setText("12");
   EXPECT_EQ(changes, 1);
@@ -39,13 +41,64 @@ TEST(Controls, AnObserverMayAddObservers) {
   TestForm form;
   int calls = 0;
   const std::string text(100, 'x');
-  form.txtName.onChange([&form, &calls, text] {
-    for (int i = 0; i < 100; ++i) form.txtName.onChange([&calls] { ++calls; });
+  keep(form.txtName.onChange([&form, &calls, text] {
+    for (int i = 0; i < 100; ++i) keep(form.txtName.onChange([&calls] { ++calls; }));
     calls += static_cast<int>(text.size());
-  });
+  }));
   form.txtName.setText("new");
   EXPECT_EQ(calls, 200) << "the added observers hear of the same change";
 }
+
+TEST(Observers, EndWithTheirSubscription) {
+  TestForm form;
+  int calls = 0;
+  {
+    const Subscription observing = form.txtName.onChange([&] { ++calls; });
+    form.txtName.setText("a");
+  }
+  form.txtName.setText("b");
+  EXPECT_EQ(calls, 1);
+  Subscription first = form.txtName.onChange([&] { calls += 10; });
+  first = form.txtName.onChange([&] { calls += 100; });
+  form.txtName.setText("c");
+  EXPECT_EQ(calls, 101) << "the one that was replaced has ended";
+}
+
+TEST(Observers, MayEndThemselvesAndOthersWhileTheyAreCalled) {
+  TestForm form;
+  std::string calls;
+  Subscription self, other;
+  self = form.onChange([&, owned = std::string(100, 'x')] {
+    self.end();
+    other.end();
+    calls += "self" + std::to_string(owned.size());
+  });
+  other = form.onChange([&] { calls += " other"; });
+  keep(form.onChange([&] { calls += " last"; }));
+  form.show();
+  form.show();
+  EXPECT_EQ(calls, "self100 last last");
+}
+
+TEST(Observers, MayOutliveOrEndWhatTheyObserve) {
+  auto form = std::make_unique<TestForm>();
+  int calls = 0;
+  Subscription ends = form->txtName.onChange([&] { form.reset(); });
+  Subscription after = form->txtName.onChange([&] { ++calls; });
+  form->txtName.setText("a");
+  EXPECT_EQ(form, nullptr);
+  EXPECT_EQ(calls, 0);
+  EXPECT_FALSE(after.active());
+  after.end();
+}
+
+#ifndef NDEBUG
+TEST(ControlsDeathTest, ACommandIsNotOverwritten) {
+  TestForm form;
+  form.cmdOK.setCommand([] {});
+  EXPECT_DEATH(form.cmdOK.setCommand([] {}), "has a command already");
+}
+#endif
 
 TEST(Controls, ListKeepsItsCurrentItemThroughChanges) {
   TestForm form;
@@ -63,7 +116,7 @@ TEST(Controls, ListKeepsItsCurrentItemThroughChanges) {
 TEST(Controls, DisabledButtonDoesNothing) {
   TestForm form;
   int clicks = 0;
-  form.cmdOK.onClick([&] { ++clicks; });
+  form.cmdOK.setCommand([&] { ++clicks; });
   form.cmdOK.setEnabled(false);
   form.cmdOK.click();
   EXPECT_EQ(clicks, 0);

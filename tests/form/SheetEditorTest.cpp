@@ -203,7 +203,7 @@ TEST_F(SheetEditorTest, AnyRowOfEditsCanBeUndoneAndRedone) {
   };
   std::vector<std::string> pictures{pictureOf(sheet)};
   int steps = 0;
-  history.onChange([&] { ++steps; });
+  keep(history.onChange([&] { ++steps; }));
   for (int i = 0; i < 400; ++i) {
     const int before = steps;
     edits[random() % std::size(edits)]();
@@ -530,7 +530,7 @@ TEST_F(SheetEditorTest, TheOwnerMayMoveItsLinesItself) {
   EXPECT_EQ(rowsOf(sheet), "||a|b");
   EXPECT_EQ(history.undoText(), "Insert rows");
   std::string seen;
-  editor.onChange([&](const CellBlock*) { seen = rowsOf(sheet) + " " + structure; });
+  keep(editor.onChange([&](const CellBlock*) { seen = rowsOf(sheet) + " " + structure; }));
   history.undo();
   EXPECT_EQ(seen, "a|b 1") << "cells and structure are back when observers hear of it";
   history.redo();

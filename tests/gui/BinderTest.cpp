@@ -132,10 +132,10 @@ TEST_F(BinderTest, TakesWhatTheUserDoes) {
   }
   settle();
   int runs = 0, clicks = 0, activated = -1;
-  form->cmdRun.onClick([&] { ++runs; });
-  form->mnuRun.onClick([&] { ++runs; });
-  form->lstItems.onClick([&](int) { ++clicks; });
-  form->lstItems.onActivate([&](int index) { activated = index; });
+  form->cmdRun.setCommand([&] { ++runs; });
+  form->mnuRun.setCommand([&] { ++runs; });
+  form->lstItems.setCommand([&](int) { ++clicks; });
+  form->lstItems.setActivateCommand([&](int index) { activated = index; });
   QTest::keyClicks(name, QStringLiteral("Oulu"));
   EXPECT_EQ(form->txtName.text(), "Oulu");
   all->click();

@@ -48,7 +48,7 @@ TEST_F(PeriodicTableTest, ElementsStandAtTheirPlaces) {
 
 TEST_F(PeriodicTableTest, ClicksAndKeysChooseAndLeaveTheMarks) {
   int clicks = 0;
-  list.onClick([&](int) { ++clicks; });
+  list.setCommand([&](int) { ++clicks; });
   list.setChecked(3, true);
   table.refresh();
   auto* iron = dynamic_cast<QAbstractButton*>(table.cell(3));

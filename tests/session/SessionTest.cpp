@@ -4,7 +4,10 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <new>
+#include <stdexcept>
 
+#include "basic/Error.h"
 #include "basic/Files.h"
 #include "session/Ini.h"
 
@@ -235,6 +238,46 @@ TEST(ProgressLine, EndsClearedAndAbortIsAFlag) {
   EXPECT_FALSE(progress.cmdAbort.visible());
   progress.ShowStop(true);
   EXPECT_FALSE(progress.AbortFlag);
+}
+
+TEST_F(SessionTest, AnExceptionOfAnyKindEndsACommandAndItsJobs) {
+  Progress& progress = session_.progress;
+  const auto fails = [&](const std::string& message, const auto& thrown) {
+    session_.record.FileLoadInProgress = true;
+    dialogs_.expectMessage(message);
+    const bool done = session_.run([&] {
+      const JobScope job(session_);
+      progress.ShowProgress("Working", 3);
+      EXPECT_TRUE(progress.cmdAbort.visible());
+      progress.cmdAbort.click();
+      throw thrown;
+    });
+    EXPECT_FALSE(done) << message;
+    EXPECT_FALSE(progress.visible() || progress.cmdAbort.visible()) << message;
+    EXPECT_FALSE(progress.AbortFlag || session_.record.FileLoadInProgress) << message;
+  };
+  fails("Error 7 It broke", Error("It broke", 7));
+  fails("Error 0 There is not enough memory for this.", std::bad_alloc());
+  fails("Error 0 odd", std::runtime_error("odd"));
+  EXPECT_TRUE(session_.run([] {}));
+  EXPECT_TRUE(dialogs_.allAsked());
+}
+
+TEST_F(SessionTest, AFailureWithinARunningJobLeavesItsProgress) {
+  JobScope job(session_);
+  session_.progress.ShowProgress("Outer", 2);
+  dialogs_.expectMessage("Error 0 inner");
+  session_.run([&] {
+    const JobScope inner(session_);
+    throw Error("inner");
+  });
+  EXPECT_TRUE(session_.progress.visible());
+  EXPECT_TRUE(session_.progress.cmdAbort.visible());
+  session_.progress.cmdAbort.click();
+  EXPECT_TRUE(job.aborted());
+  EXPECT_TRUE(job.aborted()) << "an aborted job stays aborted";
+  EXPECT_FALSE(session_.progress.AbortFlag);
+  EXPECT_EQ(session_.log.txtLog.text(), "!! Aborted !!") << "logged once";
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ class EndTest : public ShellFixture {};
 TEST_F(StartTest, LoadsWhileTheSplashTells) {
   std::vector<std::string> told;
   Label& text = session.splash.labText;
-  text.onChange([&] { told.push_back(text.caption()); });
+  keep(text.onChange([&] { told.push_back(text.caption()); }));
   settings += "[General]\nOwner=Mine\n[Thesaurus]\nFile=+rules.txt\n";
   std::filesystem::create_directories(folder / "user");
   write("user/rules.txt", "Value\tIn\tHeader\tElement\nKupari\tHEADER\t\tCu\n");

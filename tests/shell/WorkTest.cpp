@@ -205,7 +205,7 @@ TEST_F(WorkTest, ErrorsEndACommandWithTheirText) {
   EXPECT_EQ(shell->stages.stage(), 0) << "nothing was identified";
   dialogs.expectMessage("Error 42 broken");
   session.progress.ShowProgress("Working", 1);
-  shell->guarded([] { throw Error("broken", 42); });
+  session.run([] { throw Error("broken", 42); });
   EXPECT_FALSE(session.progress.visible());
 }
 

@@ -142,8 +142,8 @@ void WorksheetView::attach(Worksheet& sheet) {
   history_ = std::make_unique<EditHistory>();
   editor_ = std::make_unique<SheetEditor>(sheet, *history_);
   editor_->setReadOnly(readOnly_ || shown_ == nullptr);
-  editor_->onChange([this](const CellBlock* block) { afterEdit(block); });
-  history_->onChange([this] { actions_->update(); });
+  keep(editor_->onChange([this](const CellBlock* block) { afterEdit(block); }));
+  keep(history_->onChange([this] { actions_->update(); }));
   if (shown_ == nullptr) return;
   model_->setEditor(editor_.get());
   cursor_->setEditor(editor_.get());

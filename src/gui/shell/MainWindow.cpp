@@ -267,14 +267,13 @@ void MainWindow::followShell() {
       showMaximized();
     }
   };
-  shell_->onChange(show);
+  observed_.add(shell_->onChange(show));
 }
 
 void MainWindow::followProgress() {
   auto* bar = findChild<QProgressBar*>(QStringLiteral("bar"));
   bar->hide();
-  session_.progress.onChange([this, bar = QPointer<QProgressBar>(bar)] {
-    if (!bar) return;  // the progress line outlives the window
+  observed_.add(session_.progress.onChange([this, bar] {
     const bool running = session_.progress.visible();
     if (running != bar->isHidden()) return;
     bar->setVisible(running);
@@ -285,24 +284,23 @@ void MainWindow::followProgress() {
     } else {
       QApplication::restoreOverrideCursor();
     }
-  });
+  }));
 }
 
 void MainWindow::watch(Form& form) {
   if (form.name() == "frmLoad") return showSplash(form);
   if (!dynamic_cast<DataSheetForm*>(&form)) return views_.watch(form);
-  form.onChange(
-      [this, &form, area = QPointer<QMdiArea>(area_), window = QPointer<SheetWindow>()]() mutable {
-        if (!area || window || !form.visible()) return;
-        window = new SheetWindow(form);
-        if (auto* sheet = dynamic_cast<frmDataIN*>(&form)) {
-          window->onClose = [this, sheet] { return shell_->CloseSheet(*sheet); };
-        }
-        connect(window, &SheetWindow::statusText, selectionInfo_, &QLabel::setText);
-        area_->addSubWindow(window);
-        placeNew(*window);
-        window->show();
-      });
+  observed_.add(form.onChange([this, &form, window = QPointer<SheetWindow>()]() mutable {
+    if (window || !form.visible()) return;
+    window = new SheetWindow(form);
+    if (auto* sheet = dynamic_cast<frmDataIN*>(&form)) {
+      window->onClose = [this, sheet] { return shell_->CloseSheet(*sheet); };
+    }
+    connect(window, &SheetWindow::statusText, selectionInfo_, &QLabel::setText);
+    area_->addSubWindow(window);
+    placeNew(*window);
+    window->show();
+  }));
 }
 
 // New windows step down from the corner, and all of them fit.
@@ -315,7 +313,7 @@ void MainWindow::placeNew(QMdiSubWindow& window) {
 }
 
 void MainWindow::showSplash(Form& form) {
-  form.onChange([&form, splash = QPointer<QWidget>()]() mutable {
+  observed_.add(form.onChange([&form, splash = QPointer<QWidget>()]() mutable {
     if (form.visible() && !splash) {
       splash = loadFormFile(toQt(form.name()));
       splash->setWindowFlags(Qt::SplashScreen);
@@ -326,10 +324,11 @@ void MainWindow::showSplash(Form& form) {
     }
     if (!form.visible() && splash) delete splash;
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-  });
+  }));
   // Start-up holds the thread: each word is painted at once.
   for (Control* control : form.controls()) {
-    control->onChange([] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); });
+    observed_.add(control->onChange(
+        [] { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }));
   }
 }
 

@@ -76,6 +76,7 @@ class MainWindow : public QMainWindow {
   QPointer<QWidget> help_;
   int newWindows_ = 0;
   bool quitting_ = false;
+  Subscriptions observed_;  // ends first
 };
 
 }  // namespace lodex

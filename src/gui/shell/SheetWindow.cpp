@@ -24,7 +24,7 @@ SheetWindow::SheetWindow(Form& form, QWidget* parent) : QMdiSubWindow(parent), f
     if (auto* window = qobject_cast<QMainWindow*>(content)) addGridMenus(*window, *grid);
   }
   follow();
-  followForm(
+  following_ = followForm(
       form, *this, [this] { follow(); }, [this] { form_ = nullptr; });
   connect(this, &QMdiSubWindow::aboutToActivate, this, [this] {
     if (form_) form_->activate();

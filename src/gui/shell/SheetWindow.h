@@ -33,6 +33,7 @@ class SheetWindow : public QMdiSubWindow {
 
   Form* form_;  // null once the form has ended
   QPointer<Binding> binding_;
+  Subscriptions following_;
 };
 
 }  // namespace lodex
