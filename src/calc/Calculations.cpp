@@ -193,10 +193,14 @@ void Calculations::freezeIdentifiers() {
     const SheetStructure structure = sheets_.sheet(number).structure();
     const int column = structure.idColumn;
     if (column == 0 || structure.firstDataRow == 0 || column > cells.MaxCol()) continue;
+    std::vector<int> rows;
     for (int row = structure.firstDataRow; row <= cells.LastRow(); ++row) {
-      if (!cells.HasFormula(cells.Sheet(), row, column)) continue;
-      cells.TextRC(row, column, cells.TextRC(row, column));
+      if (cells.HasFormula(cells.Sheet(), row, column)) rows.push_back(row);
     }
+    if (rows.empty()) continue;
+    sheets_.sheet(number).gridF1D.edit("Calculate", [&] {
+      for (const int row : rows) cells.TextRC(row, column, cells.TextRC(row, column));
+    });
   }
 }
 
@@ -249,7 +253,9 @@ void Calculations::Calculate() {
     if (!stops && tables != openTables()) job.abort(LogKind::Both);
     return !stops && tables == openTables();
   };
-  showResult(runCalculation(request), kept.value_or(resultStructure()));
+  CalculationOutcome outcome;
+  sheets_.result.gridF1D.replace([&] { outcome = runCalculation(request); });
+  showResult(outcome, kept.value_or(resultStructure()));
 }
 
 void Calculations::showResult(const CalculationOutcome& outcome, const SheetStructure& structure) {

@@ -98,13 +98,14 @@ void frmExcelCalc::readExamples(std::string_view path) {
 
 void frmExcelCalc::showExample(int sheet) {
   if (sheet > F1Examples.NumSheets()) return;
-  clearInput();
-  F1Examples.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
-    F1D.ValueSRC(1, row, column, CellStore::valueOf(cell));
-    if (cell.format == 0) return;
-    F1D.setFormat(1, row, column, F1Examples.formats().at(cell.format));
+  gridF1D.edit("Example", [&] {
+    clearInput();
+    F1Examples.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
+      F1D.ValueSRC(1, row, column, CellStore::valueOf(cell));
+      if (cell.format == 0) return;
+      F1D.setFormat(1, row, column, F1Examples.formats().at(cell.format));
+    });
   });
-  gridF1D.refresh();
 }
 
 void frmExcelCalc::clearInput() {
@@ -114,18 +115,19 @@ void frmExcelCalc::clearInput() {
 void frmExcelCalc::takeSample(const DataSheetForm& sheet, int row) {
   const SheetStructure from = sheet.structure();
   const SourceSheet source{sheet.sheetNumber(), sheet.caption(), &sheet.F1D, from, false, false};
-  clearInput();
-  int place = 0;
-  for (int column = std::max(1, from.idColumn); column <= sheet.F1D.LastCol(); ++column) {
-    std::string title = source.heading(column);
-    const std::string element = source.text(sysrow::Element, column);
-    const std::string unit = source.text(sysrow::Unit, column);
-    // A heading that identification has read is shown with its unit.
-    if (column != from.idColumn && !element.empty() && !unit.empty()) title = element + " " + unit;
-    F1D.TextRC(++place, 1, title);
-    F1D.ValueSRC(1, place, 2, sheet.F1D.ValueRC(row, column));
-  }
-  gridF1D.refresh();
+  gridF1D.edit("Take sample", [&] {
+    clearInput();
+    int place = 0;
+    for (int column = std::max(1, from.idColumn); column <= sheet.F1D.LastCol(); ++column) {
+      const std::string title = source.heading(column);
+      const std::string element = source.text(sysrow::Element, column);
+      const std::string unit = source.text(sysrow::Unit, column);
+      // A heading that identification has read is shown with its unit.
+      const bool isRead = column != from.idColumn && !element.empty() && !unit.empty();
+      F1D.TextRC(++place, 1, isRead ? element + " " + unit : title);
+      F1D.ValueSRC(1, place, 2, sheet.F1D.ValueRC(row, column));
+    }
+  });
 }
 
 // --- Calculating ---
@@ -233,6 +235,10 @@ void frmExcelCalc::writeResults(const MethodRunner& runner, int number, int colu
 void frmExcelCalc::Calculate(std::string_view name) {
   const int number = E_Nro(name);
   if (number == 0 || E_InputSheet(name) == 0 || E_OutputSheet(name) == 0) return;
+  gridF1D.edit("Calculate", [&] { calculate(number); });
+}
+
+void frmExcelCalc::calculate(int number) {
   const WideLimits wide(F1D);
   const int resultRow = clearResults();
   F1D.TextRC(resultRow, 1, "");
@@ -254,7 +260,6 @@ void frmExcelCalc::Calculate(std::string_view name) {
     F1D.changeFormat(resultRow + 1, 1, F1D.LastRow(), std::max(1, lastColumn),
                      [](CellFormat& format) { format.numberFormat = "0.000"; });
   }
-  gridF1D.refresh();
 }
 
 }  // namespace lodex

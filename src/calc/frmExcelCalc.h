@@ -61,6 +61,7 @@ class frmExcelCalc : public DataSheetForm {
   Worksheet describedInput(int lastRow, int samples) const;
   SourceSheets inputSheets(const Worksheet& table) const;
   void ensureSources(const SourceSheets& sheets);
+  void calculate(int number);
   void writeResults(const MethodRunner& runner, int number, int column,
                     std::map<std::string, int>& rows);
 

@@ -115,4 +115,33 @@ void Button::click() {
   if (enabled()) command_();
 }
 
+// Finishes also when the change throws.
+void Grid::runAsChange(const std::function<void()>& change, const std::function<void()>& finish) {
+  if (changing_) return change();
+  const auto end = [&] {
+    changing_ = false;
+    finish();
+    refresh();
+  };
+  changing_ = true;
+  try {
+    change();
+  } catch (...) {
+    end();
+    throw;
+  }
+  end();
+}
+
+void Grid::edit(std::string_view name, const std::function<void()>& change) {
+  const bool recorded = recorder_.record && !changing_;
+  runAsChange([&] { recorded ? recorder_.record(name, change) : change(); }, [this] { edited(); });
+}
+
+void Grid::replace(const std::function<void()>& fill) {
+  runAsChange(fill, [this] {
+    if (recorder_.forget) recorder_.forget();
+  });
+}
+
 }  // namespace lodex

@@ -199,7 +199,9 @@ class ProgressBar : public Control {
 /// Commands that insert or delete the rows or columns of a selection.
 enum class StructureCommand { InsertRows, DeleteRows, InsertColumns, DeleteColumns };
 
-/// A worksheet on show. The form owns the worksheet; after changing it the form calls `refresh`.
+/// A worksheet on show. The form owns the worksheet and changes its cells by `edit` and `replace`
+/// alone, so that undo, the mark for changes and the copies for recovery learn of it. After
+/// changing how the sheet looks it calls `refresh`.
 class Grid : public Control {
  public:
   Grid(Form& form, std::string_view name, Worksheet& sheet) : Control(form, name), sheet_(&sheet) {}
@@ -226,14 +228,20 @@ class Grid : public Control {
     revision_ = ++lastRevision_;
     edits_.notify();
   }
-  /// Runs a command of the form that changes cells; a view with undo makes one step of it.
-  void record(std::string_view name, const std::function<void()>& command) {
-    if (recorder_) return recorder_(name, command);
-    command();
-  }
-  using Recorder = std::function<void(std::string_view name, const std::function<void()>& command)>;
+  /// Changes cells. A view makes one step of undo of it, called `name`; observers of edits are
+  /// called and the sheet is shown anew, also when the change throws: what it did stays. A change
+  /// within another one is part of that one.
+  void edit(std::string_view name, const std::function<void()>& change);
+  /// Fills the sheet with other cells, such as those of a file. No undo leads back to the former
+  /// ones, and it is not an edit.
+  void replace(const std::function<void()>& fill);
+  /// What keeps the history of the sheet, which is for a view to do.
+  struct Recorder {
+    std::function<void(std::string_view name, const std::function<void()>& change)> record{};
+    std::function<void()> forget{};
+  };
   void setRecorder(Recorder recorder) { recorder_ = std::move(recorder); }
-  /// What belongs to the cells but stands beside them, for undo: as a text, and back.
+  /// What belongs to the cells but is kept beside them, for undo: as a text, and back.
   struct SideState {
     std::function<std::string()> save{};
     std::function<void(const std::string&)> restore{};
@@ -250,8 +258,11 @@ class Grid : public Control {
   std::uint64_t revision() const { return revision_; }
 
  private:
+  void runAsChange(const std::function<void()>& change, const std::function<void()>& finish);
+
   Worksheet* sheet_;
   bool picking_ = false;
+  bool changing_ = false;
   std::uint64_t revision_ = 0;
   inline static std::uint64_t lastRevision_ = 0;
   ControlCommand<int, int> click_;

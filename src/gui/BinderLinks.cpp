@@ -398,12 +398,15 @@ void connectHistory(Grid& grid, WorksheetView& view) {
     view.history().setExtraState(side.save, side.restore);
   }
   if (grid.structureCommand()) view.editor().setStructureCommands(grid.structureCommand());
-  grid.setRecorder([shown = QPointer<WorksheetView>(&view)](std::string_view name,
-                                                            const std::function<void()>& command) {
-    if (!shown) return command();
-    shown->finishEditing();
-    shown->editor().record(name, command);
-  });
+  const QPointer<WorksheetView> shown(&view);
+  grid.setRecorder({[shown](std::string_view name, const std::function<void()>& change) {
+                      if (!shown) return change();
+                      shown->finishEditing();
+                      shown->editor().record(name, change);
+                    },
+                    [shown] {
+                      if (shown) shown->history().clear();
+                    }});
 }
 
 Show connectGrid(Grid& grid, const LinkParts& parts) {

@@ -167,12 +167,10 @@ void DataSheetForm::connectControls() {
   session().setCommand(mnuSaveFile, [this] { saveData(); });
   session().setCommand(mnuCopy, [this] { F1D.EditCopy(session().clipboard()); });
   session().setCommand(mnuPaste, [this] {
-    gridF1D.record("Paste", [this] {
+    gridF1D.edit("Paste", [this] {
       const WideLimits wide(F1D);
       F1D.EditPaste(session().clipboard());
     });
-    Changed = true;
-    gridF1D.refresh();
   });
   mnuSelectAll.setCommand([this] {
     if (F1D.LastRow() > 0) F1D.SetSelection(1, 1, F1D.LastRow(), F1D.LastCol());
@@ -189,12 +187,10 @@ void DataSheetForm::connectControls() {
   session().setCommand(mnuUnfreeze, [this] { Freeze(false); });
   for (int i = 0; i < static_cast<int>(mnuCopyRow_.size()); ++i) {
     session().setCommand(mnuCopyRow(i), [this, i] {
-      gridF1D.record("Copy row content", [this, i] {
+      gridF1D.edit("Copy row content", [this, i] {
         SheetStructure numbers = structure();
         copySystemRow(described(numbers), i, F1D.Row());
       });
-      Changed = true;
-      gridF1D.refresh();
     });
   }
 }
@@ -297,11 +293,13 @@ void DataSheetForm::runAutoIdentify(bool useThesaurus, const DescribedSheet& she
 }
 
 void DataSheetForm::AutoIdentify(bool useThesaurus) {
-  const WideLimits wide(F1D);
   LogLines log;
-  SheetStructure numbers = structure();
-  runAutoIdentify(useThesaurus, described(numbers), log);
-  setStructure(numbers);
+  gridF1D.edit("Identify", [&] {
+    const WideLimits wide(F1D);
+    SheetStructure numbers = structure();
+    runAutoIdentify(useThesaurus, described(numbers), log);
+    setStructure(numbers);
+  });
   logLines(log);
 }
 
@@ -331,11 +329,13 @@ void DataSheetForm::runColumns(bool onlyNonX, const DescribedSheet& sheet, LogLi
 }
 
 void DataSheetForm::TunnistaSarakkeet(bool onlyNonX) {
-  const WideLimits wide(F1D);
   LogLines log;
-  SheetStructure numbers = structure();
-  runColumns(onlyNonX, described(numbers), log);
-  setStructure(numbers);
+  gridF1D.edit("Identify", [&] {
+    const WideLimits wide(F1D);
+    SheetStructure numbers = structure();
+    runColumns(onlyNonX, described(numbers), log);
+    setStructure(numbers);
+  });
   logLines(log);
 }
 
@@ -399,7 +399,7 @@ void DataSheetForm::AjaTunnista(const IdentifyRequest& request) {
     logLines(log);
     Varjaa(narrowed);
   };
-  gridF1D.record("Identify", [&] {
+  gridF1D.edit("Identify", [&] {
     try {
       runAllSheets(request, numbers, log);
     } catch (const Error&) {
@@ -408,16 +408,16 @@ void DataSheetForm::AjaTunnista(const IdentifyRequest& request) {
     }
     finish();
   });
-  Changed = true;
   picLe.setVisible(true);
 }
 
 void DataSheetForm::CheckIDCOL(int newColumn, int oldColumn) {
   LogLines log;
-  SheetStructure numbers = structure();
-  lodex::CheckIDCOL(described(numbers), newColumn, oldColumn, caption(), log);
+  gridF1D.edit("ID column", [&] {
+    SheetStructure numbers = structure();
+    lodex::CheckIDCOL(described(numbers), newColumn, oldColumn, caption(), log);
+  });
   logLines(log);
-  gridF1D.refresh();
 }
 
 void DataSheetForm::TutkiOtsikot() {
@@ -451,14 +451,13 @@ void DataSheetForm::Varjaa(bool resetLimits) {
 
 void DataSheetForm::edit(std::string_view name,
                          const std::function<void(const DescribedSheet&)>& change) {
-  gridF1D.record(name, [&] {
+  gridF1D.edit(name, [&] {
     {
       const WideLimits wide(F1D);
       SheetStructure numbers = structure();
       change(described(numbers));
       setStructure(numbers);
     }
-    Changed = true;
     Varjaa(false);
   });
 }
@@ -502,20 +501,18 @@ void DataSheetForm::DeleteCol() {
 }
 
 void DataSheetForm::Transpose() {
-  gridF1D.record("Transpose", [this] {
+  gridF1D.edit("Transpose", [this] {
     transpose(F1D);
     SheetStructure numbers = structure();
     for (int i = sysrow::Element; i < systemRowCount; ++i) numbers.row(i) = 0;
     numbers.idColumn = 0;
     setStructure(numbers);
   });
-  Changed = true;
-  gridF1D.refresh();
 }
 
 void DataSheetForm::NewSheet() {
   constexpr int clearedHeadings = 100;
-  gridF1D.record("New", [this] {
+  gridF1D.edit("New", [this] {
     for (int i = 1; i <= clearedHeadings; ++i) {
       F1D.ColText(i, "");
       F1D.RowText(i, "");
@@ -523,20 +520,20 @@ void DataSheetForm::NewSheet() {
     if (F1D.LastRow() > 0) F1D.ClearRange(1, 1, F1D.LastRow(), F1D.LastCol());
     setStructure({});
   });
-  gridF1D.refresh();
 }
 
 void DataSheetForm::CopyAllCells() {
-  const WideLimits wide(F1D);
   const int columns = std::max(1, F1D.LastCol());
-  F1D.InsertRange(1, 1, 1, 1, Shift::Rows);
+  Worksheet headed;
+  headed.CopyAll(F1D);
+  const WideLimits wide(headed);
+  headed.InsertRange(1, 1, 1, 1, Shift::Rows);
   for (int column = 1; column <= columns; ++column) {
     const std::string heading = F1D.ColText(column);
-    F1D.TextRC(1, column, heading.empty() ? columnLetters(column) : heading);
+    headed.TextRC(1, column, heading.empty() ? columnLetters(column) : heading);
   }
-  F1D.SetSelection(1, 1, std::max(1, F1D.LastRow()), columns);
-  F1D.EditCopy(session().clipboard());
-  F1D.DeleteRange(1, 1, 1, 1, Shift::Rows);
+  headed.SetSelection(1, 1, std::max(1, headed.LastRow()), columns);
+  headed.EditCopy(session().clipboard());
 }
 
 void DataSheetForm::Freeze(bool freeze) {
@@ -549,24 +546,38 @@ void DataSheetForm::Parse() {
   frmSplitDialog dialog(sample, proposedSplit({sample}));
   session().dialogs().showModal(dialog);
   if (dialog.split().separator.empty()) return;
-  const WideLimits wide(F1D);
-  for (int row = 1; row <= F1D.LastRow(); ++row) {
-    int column = 0;
-    for (const std::string& piece : splitLine(F1D.TextRC(row, 1), dialog.split())) {
-      if (++column > maxColumns) break;
-      F1D.TextRC(row, column, piece);
+  gridF1D.edit("Parse", [&] {
+    const WideLimits wide(F1D);
+    for (int row = 1; row <= F1D.LastRow(); ++row) {
+      int column = 0;
+      for (const std::string& piece : splitLine(F1D.TextRC(row, 1), dialog.split())) {
+        if (++column > maxColumns) break;
+        F1D.TextRC(row, column, piece);
+      }
     }
-  }
-  Changed = true;
-  gridF1D.refresh();
+  });
 }
 
 void DataSheetForm::openData() {
   std::string path;
   if (!OpenFileDlg(session().dialogs(), "Open data File", path)) return;
-  F1D.Read(path);
+  Worksheet read;  // a file that cannot be read leaves the sheet as it is
+  read.Read(path);
+  if (Changed &&
+      session().dialogs().messageBox("The changes in " + caption() + " are lost. Go on?",
+                                     MessageButtons::YesNo, MessageIcon::Question) != Answer::Yes) {
+    return;
+  }
+  gridF1D.replace([&] {
+    read.permissions() = F1D.permissions();
+    F1D = std::move(read);
+    F1Ref = Worksheet();
+    setStructure({});
+    forgetSource();
+  });
   session().notice(F1D.ReadFindings());
-  gridF1D.refresh();
+  bIdentified = false;
+  Changed = false;
 }
 
 void DataSheetForm::saveData() {

@@ -160,6 +160,8 @@ class DataSheetForm : public Form {
  protected:
   /// What this kind of sheet lets identification write.
   virtual IdentifyRules rules() const;
+  /// The cells no longer come from the file that was read.
+  virtual void forgetSource() {}
   /// True for sheets that ask whether to read mineral formulas.
   virtual bool asksForFormulas() const { return true; }
 
@@ -167,7 +169,7 @@ class DataSheetForm : public Form {
   Session& session() const { return context_.session; }
   DescribedSheet described(SheetStructure& structure) { return {F1D, structure}; }
   void logLines(const LogLines& lines);
-  /// Changes the table and its structure together, then repaints.
+  /// Changes the table and its structure together as one step of undo, then repaints.
   void edit(std::string_view name, const std::function<void(const DescribedSheet&)>& change);
 
   TitleParts titleParts_;

@@ -198,9 +198,11 @@ void DataSheets::spreadSheets(frmDataIN& first) {
     made.takeSheet(book, sheet);
     made.show();
   }
-  freezeForeignFormulas(book);
-  book.Sheet(1);
-  book.DeleteSheets(2, book.NumSheets() - 1);
+  first.gridF1D.replace([&] {
+    freezeForeignFormulas(book);
+    book.Sheet(1);
+    book.DeleteSheets(2, book.NumSheets() - 1);
+  });
   first.setCaption(name + book.SheetName(1));
 }
 
@@ -251,7 +253,6 @@ void DataSheets::convertLimits(frmDataIN& sheet) {
   if (converted == 0) return;
   notice(Severity::Note, "Half of the limit stands in for a value below the detection limit", sheet,
          converted);
-  sheet.gridF1D.refresh();
 }
 
 void DataSheets::treatDecimalCommas(frmDataIN& sheet) {
@@ -267,7 +268,6 @@ void DataSheets::treatDecimalCommas(frmDataIN& sheet) {
   const int converted = convertDecimalCommas(described);
   if (converted == 0) return;
   notice(Severity::Note, "A comma was read as a decimal point", sheet, converted);
-  sheet.gridF1D.refresh();
 }
 
 void DataSheets::notice(Severity severity, std::string_view text, const Form& sheet, int count) {
@@ -303,10 +303,12 @@ bool DataSheets::IDENTIFY(bool askLog) {
     session.progress.ShowProgress("Identifying " + name, ++step);
     session.log.LisaaLog("Running identify routine for file " + name);
     try {
-      sheet->AjaTunnista(request);
-      sheet->bIdentified = true;
-      treatDecimalCommas(*sheet);
-      if (ConvertBelowDetection) convertLimits(*sheet);
+      sheet->gridF1D.edit("Identify", [&] {
+        sheet->AjaTunnista(request);
+        sheet->bIdentified = true;
+        treatDecimalCommas(*sheet);
+        if (ConvertBelowDetection) convertLimits(*sheet);
+      });
     } catch (const Error& error) {
       notice(Severity::Error, std::string("The sheet was not identified: ") + error.what(), *sheet);
     }

@@ -67,6 +67,24 @@ frmDataIN::frmDataIN(ImportContext& context, std::string_view caption)
 void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::string_view separator,
                          bool identify) {
   if (path.empty()) return;
+  gridF1D.replace([&] {
+    readCells(path, kind, separator);
+    F1D.Sheet(1);
+    setCaption(windowNameOf(path));
+    if (identify) AutoIdentify(true);
+  });
+  Changed = false;
+}
+
+void frmDataIN::forgetSource() {
+  AD.Size(0, 0);
+  setLoadedRows(0);
+  TextSeparator.clear();
+  NotReadable.clear();
+}
+
+void frmDataIN::readCells(std::string_view path, std::string_view kind,
+                          std::string_view separator) {
   FileType type = FileType::Text;
   std::string unread;  // why the file is no workbook
   if (isStream(path)) {
@@ -99,11 +117,6 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
     found.warn("The file is taken as lines of text: " + unread);
     notice(std::move(found));
   }
-  F1D.Sheet(1);
-  setCaption(windowNameOf(path));
-  if (identify) AutoIdentify(true);
-  Changed = false;
-  gridF1D.refresh();
 }
 
 void frmDataIN::notice(Findings found) {
@@ -207,14 +220,15 @@ void frmDataIN::LoadAllRows() {
 }
 
 void frmDataIN::takeSheet(const Worksheet& source, int sheet) {
-  F1D = Worksheet();
-  source.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
-    // Values, as pasting gives them: formulas would point into sheets that stay behind.
-    F1D.ValueSRC(1, row, column, CellStore::valueOf(cell));
-    if (cell.format != 0) F1D.setFormat(1, row, column, source.formats().at(cell.format));
+  gridF1D.replace([&] {
+    F1D = Worksheet();
+    source.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
+      // Values, as pasting gives them: formulas would point into sheets that stay behind.
+      F1D.ValueSRC(1, row, column, CellStore::valueOf(cell));
+      if (cell.format != 0) F1D.setFormat(1, row, column, source.formats().at(cell.format));
+    });
+    F1D.dates1904(source.dates1904());
   });
-  F1D.dates1904(source.dates1904());
-  gridF1D.refresh();
 }
 
 void frmDataIN::RenameWindow() {
@@ -232,17 +246,17 @@ void frmDataIN::Parse() {
   frmSplitDialog dialog(sample, proposedSplit({sample}));
   session().dialogs().showModal(dialog);
   if (dialog.split().separator.empty()) return;
-  const WideLimits wide(F1D);
-  for (int row = 1; row <= std::min(AD.RowCount(), loadedRows_); ++row) {
-    int column = 0;
-    for (int cell = 1; cell <= AD.ColCount(); ++cell) {
-      for (const std::string& piece : splitLine(AD.Cell(cell, row), dialog.split())) {
-        if (++column <= maxColumns) F1D.TextRC(row, column, piece);
+  gridF1D.edit("Parse", [&] {
+    const WideLimits wide(F1D);
+    for (int row = 1; row <= std::min(AD.RowCount(), loadedRows_); ++row) {
+      int column = 0;
+      for (int cell = 1; cell <= AD.ColCount(); ++cell) {
+        for (const std::string& piece : splitLine(AD.Cell(cell, row), dialog.split())) {
+          if (++column <= maxColumns) F1D.TextRC(row, column, piece);
+        }
       }
     }
-  }
-  Changed = true;
-  gridF1D.refresh();
+  });
 }
 
 void frmDataIN::close() {

@@ -58,6 +58,8 @@ class frmDataIN : public DataSheetForm {
   std::function<void(frmDataIN&)> onActivated;
 
  private:
+  void forgetSource() override;
+  void readCells(std::string_view path, std::string_view kind, std::string_view separator);
   TextSplit askedSplit(std::string_view text, std::string_view separator);
   void notice(Findings found);
   void fillFrom(std::string_view text, const TextSplit& split);

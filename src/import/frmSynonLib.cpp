@@ -49,21 +49,22 @@ void frmSynonLib::Aukaise(std::string_view path) {
     }
   }
   if (loaded.LastRow() > 0) loaded.DeleteRange(1, 1, 1, 1, Shift::Rows);
-  F1Lib = std::move(loaded);
-  SortBy(thesaurus::valueColumn);
-  F1Lib.MaxCol(titledColumns);
+  gridF1Lib.replace([&] {
+    F1Lib = std::move(loaded);
+    SortBy(thesaurus::valueColumn);
+    F1Lib.MaxCol(titledColumns);
+  });
   foundRow_ = 0;
   changed_ = false;
-  gridF1Lib.refresh();
 }
 
 void frmSynonLib::SortBy(int column) {
-  const WideLimits wide(F1Lib);
   const int rows = F1Lib.LastRow();
   if (rows == 0 || column < 1) return;
-  F1Lib.Sort(1, 1, rows, std::max(column, F1Lib.LastCol()), true, {{column, false}});
-  changed_ = true;
-  gridF1Lib.refresh();
+  gridF1Lib.edit("Sort", [&] {
+    const WideLimits wide(F1Lib);
+    F1Lib.Sort(1, 1, rows, std::max(column, F1Lib.LastCol()), true, {{column, false}});
+  });
 }
 
 void frmSynonLib::SaveAs(std::string_view path) {
@@ -122,18 +123,21 @@ void frmSynonLib::AddRule(std::string_view header) {
   }
   foundRow_ = rows.empty() ? 0 : rows.back();
   if (rows.empty()) {
-    const WideLimits wide(F1Lib);
     const int row = F1Lib.LastRow() + 1;
-    F1Lib.TextRC(row, thesaurus::valueColumn, header);
-    changed_ = true;
+    gridF1Lib.edit("Add rule", [&] {
+      const WideLimits wide(F1Lib);
+      F1Lib.TextRC(row, thesaurus::valueColumn, header);
+    });
     showCurrent(row);
     return;
   }
-  rows.pop_back();
-  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
-    F1Lib.DeleteRange(*row, 1, *row, 1, Shift::Rows);
-    --foundRow_;
-    changed_ = true;
+  if (rows.size() > 1) {
+    gridF1Lib.edit("Delete rules", [&] {
+      for (auto row = rows.rbegin() + 1; row != rows.rend(); ++row) {
+        F1Lib.DeleteRange(*row, 1, *row, 1, Shift::Rows);
+        --foundRow_;
+      }
+    });
   }
   showCurrent(foundRow_);
 }
@@ -144,8 +148,7 @@ void frmSynonLib::DeleteRow() {
     session_.dialogs().messageBox("Select row");
     return;
   }
-  F1Lib.DeleteRange(row, 1, row, 1, Shift::Rows);
-  changed_ = true;
+  gridF1Lib.edit("Delete row", [&] { F1Lib.DeleteRange(row, 1, row, 1, Shift::Rows); });
   showCurrent(row);
 }
 

@@ -93,14 +93,15 @@ bool isAbandoned(const fs::path& folder) {
 }  // namespace
 
 void SavedSheet::restore(frmDataIN& sheet) const {
-  sheet.F1D.ReadFromBlob(table);
-  sheet.F1Ref.ReadFromBlob(references);
-  renumberReferences(sheet.F1Ref, sheet.sheetNumber());
-  sheet.setStructure(structure);
+  sheet.gridF1D.replace([&] {
+    sheet.F1D.ReadFromBlob(table);
+    sheet.F1Ref.ReadFromBlob(references);
+    renumberReferences(sheet.F1Ref, sheet.sheetNumber());
+    sheet.setStructure(structure);
+  });
   sheet.setCaption(caption);
   sheet.bIdentified = identified;
   sheet.Changed = true;
-  sheet.gridF1D.refresh();
 }
 
 Autosave::~Autosave() {

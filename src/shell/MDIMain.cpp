@@ -325,8 +325,7 @@ void MDIMain::PasteAsSheet() {
   }
   frmDataIN& sheet = sheets.newSheet("New Data ");
   sheet.F1D.SetActiveCell(1, 1);
-  sheet.F1D.EditPaste(session_.clipboard());
-  sheet.Changed = true;
+  sheet.gridF1D.edit("Paste", [&] { sheet.F1D.EditPaste(session_.clipboard()); });
   sheet.show();
   sheets.lstI.selectAll(false);
   sheets.lstI.setSelected(sheet.sheetNumber() - 1, true);

@@ -113,6 +113,33 @@ TEST(Controls, ListKeepsItsCurrentItemThroughChanges) {
   EXPECT_THROW(form.lstItems.item(3), Error);
 }
 
+TEST(Grid, EditsAreRecordedOnceAndNotified) {
+  TestForm form;
+  Worksheet sheet;
+  Grid grid(form, "F1", sheet);
+  int edits = 0;
+  std::vector<std::string> steps;
+  keep(grid.onEdit([&] { ++edits; }));
+  const auto write = [&] { sheet.TextRC(1, 1, "x"); };
+  grid.edit("alone", write);
+  EXPECT_EQ(edits, 1) << "without a view";
+
+  grid.setRecorder({[&](std::string_view name, const std::function<void()>& change) {
+                      steps.emplace_back(name);
+                      change();
+                    },
+                    [&] { steps.emplace_back("forgotten"); }});
+  grid.edit("outer", [&] { grid.edit("inner", write); });
+  EXPECT_EQ(edits, 2);
+  const auto revision = grid.revision();
+  EXPECT_THROW(grid.edit("fails", [&] { throw Error("half-way"); }), Error);
+  EXPECT_EQ(edits, 3) << "what it did until then stays";
+  EXPECT_NE(grid.revision(), revision);
+  grid.replace([&] { grid.edit("within", write); });
+  EXPECT_EQ(edits, 3);
+  EXPECT_EQ(steps, (std::vector<std::string>{"outer", "fails", "forgotten"}));
+}
+
 TEST(Controls, DisabledButtonDoesNothing) {
   TestForm form;
   int clicks = 0;

@@ -277,7 +277,31 @@ TEST_F(SheetEditorTest, FillsSeries) {
     steps.undo();
     EXPECT_EQ(book.LastRow(), count);
   }
-  // Backwards, and to the side.
+  // Upwards, and to the side.
+  struct Upwards {
+    const char* name;
+    std::vector<std::string> source;
+    std::string after;
+  };
+  const Upwards upwards[] = {
+      {"a number repeats", {"5"}, "5|5|5"},
+      {"numbers go on below their first", {"1", "3"}, "-3|-1|1|3"},
+      {"a text counts back", {"S-009"}, "S-007|S-008|S-009"},
+      {"a mixture repeats from its end", {"x", "2", "y"}, "2|y|x|2|y"},
+      {"a formula follows its place", {"=B3+$B$1"}, "=B1+$B$1|=B2+$B$1|=B3+$B$1"},
+  };
+  for (const Upwards& row : upwards) {
+    SCOPED_TRACE(row.name);
+    Worksheet book;
+    EditHistory steps;
+    SheetEditor one(book, steps);
+    const int last = static_cast<int>(row.source.size()) + 2;
+    for (int i = 3; i <= last; ++i) one.enter(i, 1, row.source[static_cast<size_t>(i) - 3]);
+    one.fillSeries({3, 1, last, 1}, {1, 1, last, 1});
+    EXPECT_EQ(rowsOf(book, true), row.after);
+    steps.undo();
+    EXPECT_FALSE(book.HasContent(1, 1) || book.HasContent(2, 1));
+  }
   enterRows(sheet, ",,|,,|,3,5");
   editor.fillSeries({3, 2, 3, 3}, {1, 2, 3, 3});
   EXPECT_EQ(rowsOf(sheet), ",3,5|,3,5|,3,5") << "single numbers repeat";
@@ -479,6 +503,32 @@ TEST_F(SheetEditorTest, DeletedLinesComeBackWithHeadingsAndSizes) {
   EXPECT_TRUE(sheet.columnHidden(1, 3));
   EXPECT_TRUE(sheet.rowHidden(1, 2));
   EXPECT_EQ(editor.formatAt(2, 2).patternColor, 0x00FF00);
+}
+
+// The cells of a column are stored in blocks of rows.
+TEST_F(SheetEditorTest, LinesMoveAcrossTheEdgesOfStoredBlocks) {
+  constexpr int edge = static_cast<int>(CellStore::blockRows);
+  std::vector<std::string> rows;
+  for (int row = 1; row <= 3 * edge + 2; ++row) {
+    rows.push_back(std::to_string(row));
+    sheet.NumberRC(row, 1, row);
+  }
+  const std::string before = rowsOf(sheet);
+  EXPECT_EQ(before, join(rows, "|"));
+  for (const int row : {1, edge - 1, edge, edge + 1, 2 * edge, 3 * edge + 2}) {
+    SCOPED_TRACE(row);
+    std::vector<std::string> expected = rows;
+    expected.erase(expected.begin() + row - 1);
+    editor.deleteRows(row, row);
+    EXPECT_EQ(rowsOf(sheet), join(expected, "|"));
+    history.undo();
+    EXPECT_EQ(rowsOf(sheet), before);
+    editor.insertRows(row, row);
+    EXPECT_EQ(sheet.TextRC(row, 1), "");
+    EXPECT_EQ(sheet.TextRC(row + 1, 1), std::to_string(row));
+    editor.deleteRows(row, row);
+    EXPECT_EQ(rowsOf(sheet), before);
+  }
 }
 
 TEST_F(SheetEditorTest, DrawsLinesAroundBlocks) {

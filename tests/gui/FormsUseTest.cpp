@@ -109,6 +109,50 @@ TEST_F(FormsUse, IdColumnCountsOnceItIsTypedWhole) {
   EXPECT_EQ(sheet.IDColumn(), 12) << "a menu takes what stands there";
 }
 
+TEST_F(FormsUse, UndoOfADataSheetNeverLeadsIntoAnotherFile) {
+  frmDataIN& sheet = addSheet();
+  sheet.mnuNew.click();
+  open(sheet);
+  EditHistory& history = the<WorksheetView>("F1D").history();
+  clickCell("F1D", 1, 1);
+  sheet.gridF1D.edit("Typing", [&] { sheet.F1D.TextRC(1, 1, "typed"); });
+  EXPECT_TRUE(history.canUndo() && sheet.Changed);
+  const std::string file = fromQt(folder.filePath(QStringLiteral("other.txt")));
+  writeFileWhole(file, "other\tcells\n");
+  const std::string question = "The changes in " + sheet.caption() + " are lost. Go on?";
+  dialogs.expectOpen({file});
+  dialogs.expectMessage(question, Answer::No);
+  sheet.mnuOpenData.click();
+  EXPECT_EQ(sheet.F1D.TextRC(1, 1), "typed");
+  EXPECT_TRUE(history.canUndo());
+  dialogs.expectOpen({file});
+  dialogs.expectMessage(question, Answer::Yes);
+  sheet.mnuOpenData.click();
+  EXPECT_EQ(sheet.F1D.TextRC(1, 2), "cells");
+  EXPECT_FALSE(history.canUndo() || sheet.Changed);
+  EXPECT_EQ(sheet.structure().highestRow(), 0);
+
+  // Commands of the form are steps of it, with the mark for changes and a new recovery copy.
+  struct Case {
+    const char* name;
+    MenuItem& command;
+  };
+  clipboard.setText("a\tb");
+  for (const Case& row : {Case{"insert", sheet.mnuInsertRow}, Case{"delete", sheet.mnuDeleteRow},
+                          Case{"paste", sheet.mnuPaste}, Case{"clear", sheet.mnuNew}}) {
+    SCOPED_TRACE(row.name);
+    sheet.Changed = false;
+    const auto revision = sheet.gridF1D.revision();
+    row.command.click();
+    EXPECT_TRUE(sheet.Changed);
+    EXPECT_NE(sheet.gridF1D.revision(), revision);
+    ASSERT_TRUE(history.canUndo());
+    history.undo();
+    EXPECT_EQ(sheet.F1D.TextRC(1, 2), "cells");
+    EXPECT_FALSE(history.canUndo());
+  }
+}
+
 TEST_F(FormsUse, PanelOfADataSheetHidesAndItsThesaurusTabTakesHeadings) {
   frmDataIN& sheet = addSheet();
   open(sheet);

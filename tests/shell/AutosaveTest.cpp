@@ -1,3 +1,6 @@
+#include <signal.h>
+#include <sys/resource.h>
+
 #include "shell/ShellFixture.h"
 
 namespace lodex {
@@ -120,6 +123,57 @@ TEST_F(AutosaveTest, CopiesOfALivingProcessAreItsOwn) {
   EXPECT_THAT(other.leftovers(), IsEmpty());
   other.removeLeftovers();
   EXPECT_THAT(files(), ElementsAre("1.copy"));
+}
+
+// While it lives no file can grow beyond a few bytes, for root as for others.
+class FullDisk {
+ public:
+  FullDisk() : handler_(::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit none{16, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &none);
+  }
+  ~FullDisk() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    ::signal(SIGXFSZ, handler_);
+  }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+
+ private:
+  void (*handler_)(int);
+  rlimit before_{};
+};
+
+TEST_F(AutosaveTest, OldCopiesStayWhileNewOnesCannotBeWritten) {
+  start();
+  open({assays("a.txt")});
+  sheet("a").gridF1D.edited();
+  shell->AutosaveNow();
+  const std::filesystem::path own = *std::filesystem::directory_iterator(copies());
+  const std::string before = readFile((own / "1.copy").string());
+  sheet("a").gridF1D.edit("Typing", [this] { sheet("a").F1D.TextRC(9, 1, "later"); });
+  {
+    const FullDisk full;
+    shell->AutosaveNow();
+  }
+  EXPECT_THAT(session.log.txtErr.text(), testing::HasSubstr("are not copied for recovery"));
+  EXPECT_EQ(readFile((own / "1.copy").string()), before);
+  shell->AutosaveNow();
+  EXPECT_NE(readFile((own / "1.copy").string()), before) << "the edit is copied as soon as it can";
+  crash();
+
+  dialogs.expectMessage(question("\na"), Answer::Yes);
+  {
+    const FullDisk full;
+    shell = std::make_unique<MDIMain>(session, services());
+    shell->Load();
+  }
+  EXPECT_EQ(sheet("a").F1D.TextRC(9, 1), "later");
+  crash();
+  dialogs.expectMessage(question("\na"), Answer::No);
+  start();
+  EXPECT_TRUE(dialogs.allAsked()) << "the copy was there to be offered again";
 }
 
 TEST_F(AutosaveTest, QuestionCanWaitAndDamagedCopiesArePassedOver) {

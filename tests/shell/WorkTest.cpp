@@ -197,6 +197,20 @@ TEST_F(WorkTest, RoadFromFilesToTheDatabase) {
   EXPECT_EQ(shell->stages.stage(), 4);
 }
 
+TEST_F(WorkTest, ASheetSavedWithErrorsStaysChanged) {
+  start();
+  open({assays("a.txt"), assays("b.txt")});
+  identify();
+  shell->destinationForm.openDestination(path("out.mdb"), true);
+  shell->saving.cmdSaveInDBNow.click();
+  EXPECT_FALSE(sheet("a").Changed || sheet("b").Changed);
+  for (const char* name : {"a", "b"}) sheet(name).Changed = true;
+  // The same samples again: their keys are taken.
+  shell->saving.cmdSaveInDBNow.click();
+  EXPECT_GT(shell->saving.SaveErrors(), 0);
+  EXPECT_TRUE(sheet("a").Changed && sheet("b").Changed);
+}
+
 TEST_F(WorkTest, ErrorsEndACommandWithTheirText) {
   start();
   shell->sheets.lstI.selectAll(false);
