@@ -229,7 +229,7 @@ class Grid : public Control {
     edits_.notify();
   }
   /// Changes cells. A view makes one step of undo of it, called `name`; observers of edits are
-  /// called and the sheet is shown anew, also when the change throws: what it did stays. A change
+  /// called and the sheet is repainted, also when the change throws: what it did stays. A change
   /// within another one is part of that one.
   void edit(std::string_view name, const std::function<void()>& change);
   /// Fills the sheet with other cells, such as those of a file. No undo leads back to the former

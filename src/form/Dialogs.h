@@ -20,7 +20,7 @@ enum class Answer { Ok, Cancel, Yes, No };
 struct FileRequest {
   std::string title;
   std::string filter;
-  std::string folder;    // where the dialog starts; empty: where the last one of its kind ended
+  std::string folder;    // where the dialog starts; empty: the folder used last
   std::string fileName;  // proposed name
   bool multiple = false;
 };
@@ -78,7 +78,7 @@ class ScriptedDialogs : public Dialogs {
   void expectOpen(std::vector<std::string> files);
   void expectSave(std::optional<std::string> path);
   void expectSelection(std::optional<int> index);
-  /// `act` stands for the user: it sets controls and clicks buttons of the form shown.
+  /// `act` plays the user: it sets controls and clicks buttons of the form shown.
   void expectForm(std::string formName, std::function<void(Form&)> act);
 
   Answer messageBox(std::string_view text, MessageButtons buttons, MessageIcon icon,

@@ -20,22 +20,23 @@ class EditStep {
   virtual size_t bytes() const = 0;
 };
 
-/// Undo and redo of the edits of one worksheet. Old steps go when the memory that all hold together
-/// exceeds a bound; the newest always stays.
+/// Undo and redo of the edits of one worksheet. Old steps are dropped when all together take more
+/// memory than allowed; the newest always stays.
 class EditHistory {
  public:
   explicit EditHistory(size_t maxBytes = size_t(256) << 20) : maxBytes_(maxBytes) {}
   EditHistory(const EditHistory&) = delete;
   EditHistory& operator=(const EditHistory&) = delete;
 
-  /// What belongs to the cells but stands beside them, such as the numbers that describe a data
-  /// sheet's structure: `save` gives it as a text, `restore` puts it back after an undo or redo.
+  /// What belongs to the cells but is kept beside them, such as the numbers that describe a data
+  /// sheet's structure: `save` returns it as a text, `restore` puts it back after an undo or redo.
   void setExtraState(std::function<std::string()> save,
                      std::function<void(const std::string&)> restore);
-  /// The extra state now. Take it before an edit and hand it to `push` after it.
+  /// The present extra state. Take it before an edit and pass it to `push` after it.
   std::string extraState() const { return save_ ? save_() : std::string(); }
 
-  /// Adds an edit that has just been made; what could be redone is gone. `text` names it in menus.
+  /// Adds an edit that has just been made; nothing can be redone after it. `text` names it in
+  /// menus.
   void push(std::string text, std::unique_ptr<EditStep> step, std::string extraBefore);
 
   bool canUndo() const { return !undo_.empty(); }

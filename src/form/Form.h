@@ -26,7 +26,7 @@ class Form {
   bool visible() const { return visible_; }
   virtual void show();
   virtual void hide();
-  /// Unloads the window; observers are called once. Showing the form again loads it anew.
+  /// Unloads the window; observers are called once. Showing the form again reloads it.
   virtual void close();
   bool closed() const { return closed_; }
   /// The user gave the window the focus.

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-/// Who wants to hear of a change, and what happens when a user gives a command.
+/// Observers of changes, and the commands of controls.
 namespace lodex {
 
 /// The place of one observer in a list of observers: it stops observing when this ends. Keep it
@@ -140,8 +140,8 @@ class Observers {
   std::shared_ptr<Observed> list_ = std::make_shared<Observed>();
 };
 
-/// What a click or another act of the user does. It is set once; where two parties want to hear of
-/// a change they observe it.
+/// What a click or another act of the user does. It is set once; whoever else needs to know of
+/// it observes the control.
 template <typename... Arguments>
 class ControlCommand {
  public:

@@ -10,11 +10,11 @@
 namespace lodex {
 namespace {
 
-// Rows and columns behind the used ones that a format for whole columns or rows still reaches.
+// A format for whole columns or rows also reaches so many rows and columns after the used ones.
 constexpr int formatRoomRows = 256;
 constexpr int formatRoomColumns = 32;
 
-// A whole sheet has 17 thousand million cells; no machine could hold them.
+// A whole sheet has 17 thousand million cells, more than fit into memory.
 constexpr long long mostFilled = 10'000'000;
 
 std::vector<int> layoutOf(const Worksheet& book) {
@@ -36,7 +36,7 @@ SheetEditor::SheetEditor(Worksheet& sheet, EditHistory& history)
     layout_ = layoutOf(sheet_);
     restored_ = true;
   });
-  // Observers hear of it once the state beside the cells is back, too.
+  // Observers are called once the state beside the cells is restored, too.
   historyChanges_ = history_.onChange([this] {
     if (std::exchange(restored_, false)) notifyChanged(nullptr);
   });

@@ -116,7 +116,7 @@ class SheetEditor {
   /// repeats what would be a series.
   void fillSeries(const CellBlock& source, const CellBlock& target, bool turned = false);
 
-  /// Moves cells so that their first one stands at a place. Formulas keep what they read, and those
+  /// Moves cells so that the first one comes to a place. Formulas keep what they read, and those
   /// that read the moved cells follow.
   void moveRange(const CellBlock& block, int row, int column);
 
@@ -134,8 +134,8 @@ class SheetEditor {
 
   // --- Search ---
 
-  /// The next cell in reading order behind (or before) a place, from the other end on when there is
-  /// none; the place itself comes last.
+  /// The next cell in reading order after (or before) a place, going on from the other end of the
+  /// sheet; the place itself comes last.
   std::optional<CellPlace> findNext(std::string_view text, CellPlace from,
                                     const SearchOptions& options) const;
   /// Replaces in one cell if it holds the text; returns true when it did.
@@ -146,8 +146,8 @@ class SheetEditor {
 
   // --- Appearance ---
 
-  /// Changes the formats of a block. Of whole rows and columns only those in use and some room
-  /// behind them are reached.
+  /// Changes the formats of a block. Of whole rows and columns only those in use and some
+  /// after them are changed.
   void changeFormat(const CellBlock& block, std::string_view name,
                     const std::function<void(CellFormat&)>& change);
   const CellFormat& formatAt(int row, int column) const;
@@ -163,7 +163,7 @@ class SheetEditor {
   void setWrap(const CellBlock& block, bool on);
   void setBorders(const CellBlock& block, Borders borders);
 
-  /// Widths in characters; 0 gives the default back.
+  /// Widths in characters; 0 restores the default.
   void setColumnWidth(int first, int last, double characters);
   void setColumnWidths(const std::vector<std::pair<int, double>>& widths);
   void hideRows(int first, int last, bool hide);
@@ -181,8 +181,8 @@ class SheetEditor {
 
   // --- Commands of others ---
 
-  /// Runs a command that may change anything in the workbook and makes one step of it. What an
-  /// exception leaves behind can be undone, too. Within another recorded command it just runs.
+  /// Runs a command that may change anything in the workbook and makes one step of it. What was
+  /// changed before an exception can be undone, too. Within another recorded command it just runs.
   void record(std::string_view name, const std::function<void()>& command);
 
   void undo() { history_.undo(); }
@@ -212,9 +212,9 @@ class SheetEditor {
   Worksheet& sheet_;
   EditHistory& history_;
   bool readOnly_ = false;
-  bool restored_ = false;  // by an undo or redo that observers have not heard of yet
+  bool restored_ = false;  // by an undo or redo that observers do not know of yet
   int recording_ = 0;
-  std::optional<bool> formulas_;  // whether the workbook holds any; empty when that is not known
+  std::optional<bool> formulas_;  // whether the workbook has any; empty when that is unknown
   std::vector<int> layout_;       // sizes of the sheets after the last change of this editor
   Observers<const CellBlock*> observers_;
   std::function<void(StructureCommand)> structureCommands_;

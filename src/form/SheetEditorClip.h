@@ -18,7 +18,7 @@ class CopiedCells {
   void keep(const Worksheet& book, const CellBlock& block, std::string_view text, bool cut);
   bool standFor(std::string_view clipboardText) const;
 
-  Worksheet cells;  // the cells stand where they were copied
+  Worksheet cells;  // at the places where they were copied
   CellBlock block;
   bool cut = false;
 

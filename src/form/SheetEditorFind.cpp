@@ -27,7 +27,7 @@ std::string replaced(std::string_view cell, std::string_view text, std::string_v
   return out.append(cell, from);
 }
 
-// Spares writing out millions of numbers when the text cannot stand in one.
+// Avoids writing out millions of numbers when no number can contain the text.
 bool canStandInNumber(std::string_view text) {
   return text.find_first_not_of("0123456789.+-Ee") == std::string_view::npos;
 }

@@ -43,7 +43,7 @@ class CellPatch {
  public:
   CellPatch(const Worksheet& book, int sheet, std::vector<CellBlock> blocks);
 
-  /// Puts the kept cells in place and keeps those that stood there.
+  /// Puts the kept cells in place and keeps those that were there.
   void exchange(Worksheet& book);
   /// Puts the kept cells in place.
   void put(Worksheet& book) const;
@@ -75,7 +75,7 @@ class CellStep : public EditStep {
   CellPatch patch_;
 };
 
-/// Cells that were inserted or deleted, with what lay behind them moving.
+/// Cells that were inserted or deleted, with the cells after them moving.
 class MovementStep : public EditStep {
  public:
   enum class Kind { Insert, Delete };
@@ -160,7 +160,7 @@ class BookStep : public EditStep {
   Worksheet kept_;
 };
 
-/// True when any cell of the workbook holds a formula.
+/// True when any cell of the workbook has a formula.
 bool holdsFormulas(const Worksheet& book);
 
 }  // namespace lodex

@@ -5,15 +5,16 @@
 
 namespace lodex {
 
-/// The Qt application: an exception that a command did not trap ends in a message instead of in
-/// the end of the program.
+/// The Qt application: an exception that no command caught ends in a message, not with the end of
+/// the program.
 class Application : public QApplication {
   Q_OBJECT
  public:
   Application(int& argc, char** argv);
   bool notify(QObject* receiver, QEvent* event) override;
 
-  /// The language of the captions, as "fi"; empty for that of the system, "en" for the original.
+  /// The language of the captions, such as "fi"; empty for that of the system, "en" for the
+  /// original.
   void setLanguage(const QString& language);
 
   /// Asks for help on a window by the name of its form; any window may, and the main window shows
@@ -21,7 +22,7 @@ class Application : public QApplication {
   static void requestHelp(const QString& formName);
 
  protected:
-  /// Tells of an exception that no command trapped.
+  /// Reports an exception that no command caught.
   virtual void tellFailure(const QString& text);
 
  Q_SIGNALS:

@@ -101,7 +101,7 @@ void Binding::add(Control& control, QObject& object) {
   observed_.add(control.onChange([this, &added] { changed(added); }));
 }
 
-// Widgets that were made without a Designer file speak the language of their form.
+// Widgets that were made without a Designer file are translated with their form.
 QString Binding::captionFor(const QObject& object, const std::string& text) const {
   const QString caption = translated(object, text);
   if (caption != toQt(text)) return caption;
@@ -118,7 +118,7 @@ void Binding::changed(Link& link) {
 
 void Binding::flush() {
   flushQueued_ = false;
-  // What goes makes room first: with both in sight, a window would grow and stay so.
+  // Hidden widgets go first: with old and new ones visible, a window would grow and stay so.
   for (const auto& link : links_) {
     if (!link->stale || !link->object || !link->visible || link->control->visible()) continue;
     setShown(*link->object, false);

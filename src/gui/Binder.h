@@ -26,13 +26,13 @@ namespace lodex {
 ///
 /// What the user does reaches the control at once. What the form does reaches the widgets with the
 /// next turn of the event loop, so that filling a list of thousands paints once. A control's
-/// caption is shown, translated, where it has one; else the window's own text stays. The caption of
-/// a text box or list goes to the QLabel named after it with "Caption" behind.
+/// caption is shown, translated, where it has one; otherwise the window's own text stays. The
+/// caption of a text box or list goes to the QLabel named after it with "Caption" appended.
 ///
 /// Dynamic properties of widgets: "checkBoxes" gives a QListWidget a box per item for its check,
-/// "selectionBoxes" one for its selection mark, so that a click on the text leaves the mark alone;
-/// "commitOnFinish" lets a QLineEdit hand over its text at Enter or when left instead of with each
-/// key.
+/// "selectionBoxes" one for its selection mark, so that a click on the text does not change the
+/// mark; "commitOnFinish" lets a QLineEdit hand over its text at Enter or when left instead of with
+/// each key.
 class Binding : public QObject {
  public:
   /// The binding belongs to the root and ends with it, or with the form.

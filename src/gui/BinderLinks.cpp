@@ -392,7 +392,7 @@ Show connectProgress(ProgressBar& bar, const LinkParts& parts) {
   };
 }
 
-// Commands of the form can be taken back like what was typed.
+// Commands of the form can be undone like what was typed.
 void connectHistory(Grid& grid, WorksheetView& view) {
   if (const auto& side = grid.sideState(); side.save) {
     view.history().setExtraState(side.save, side.restore);

@@ -9,7 +9,7 @@
 
 namespace lodex {
 
-/// What a connection works on. `context` ends with the binding, and Qt's connections with it.
+/// What a connection works on. `context` ends with the binding, and so do Qt's connections.
 struct LinkParts {
   Control& control;
   QObject& object;

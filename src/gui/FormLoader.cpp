@@ -23,7 +23,7 @@ QString fileOf(const QString& name) {
 
 class Loader : public QUiLoader {
  public:
-  QWidget* outermost = nullptr;  // stands in for the first widget of the file
+  QWidget* outermost = nullptr;  // takes the place of the first widget of the file
 
   QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override {
     if (outermost) return std::exchange(outermost, nullptr);

@@ -19,7 +19,7 @@ FormWindow::FormWindow(Form& form, QWidget* parent) : QDialog(parent), form_(&fo
   setWindowFlag(Qt::WindowContextHelpButtonHint, false);
   setWindowFlag(Qt::WindowMinMaxButtonsHint, true);
   QWidget* content = loadFormFile(toQt(form.name()), this);
-  content->setWindowFlags(Qt::Widget);  // a window with menus would stand for itself
+  content->setWindowFlags(Qt::Widget);  // a QMainWindow would open as a window of its own
   setWindowIcon(QApplication::windowIcon());
   setWindowTitle(content->windowTitle());
   auto* layout = new QVBoxLayout(this);
@@ -47,7 +47,7 @@ FormWindow::~FormWindow() {
   if (placed_) rememberPlace(*this);
 }
 
-// Only title and end are the form's business; who shows the window depends on whether it is modal.
+// The form decides on title and end only; who shows the window depends on whether it is modal.
 void FormWindow::follow() {
   if (!form_->caption().empty()) {
     setWindowTitle(QCoreApplication::translate(form_->name().c_str(), form_->caption().c_str()));

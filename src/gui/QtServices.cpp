@@ -68,7 +68,7 @@ QString folderKey(const FileRequest& request) {
   return QStringLiteral("folders/") + kind;
 }
 
-// The proposed folder if it is there, else the folder of the last dialogue of this kind.
+// The proposed folder if it exists, else the folder used last.
 QString startFolder(const FileRequest& request) {
   if (!request.folder.empty() && pathExists(request.folder)) {
     return toQt(pathText(nativePath(request.folder)));
@@ -76,7 +76,7 @@ QString startFolder(const FileRequest& request) {
   return remembered(folderKey(request));
 }
 
-// The file that is meant, whatever the case of its name.
+// The file that is meant, upper and lower case in its name ignored.
 QString nameInFolder(const QString& name, const QString& folder) {
   if (folder.isEmpty() || name.contains(QLatin1Char('*'))) return name;
   const QDir place(folder);
@@ -167,7 +167,7 @@ std::optional<std::string> QtDialogs::saveFile(const FileRequest& request) {
   QFileDialog* dialog = fileDialog(request, owner());
   dialog->setFileMode(QFileDialog::AnyFile);
   dialog->setAcceptMode(QFileDialog::AcceptSave);
-  // A name without an ending gets the one of the chosen kind.
+  // A name without an ending gets that of the chosen file type.
   QObject::connect(dialog, &QFileDialog::filterSelected, dialog, [dialog](const QString& filter) {
     const qsizetype dot = filter.indexOf(QLatin1String("(*."));
     dialog->setDefaultSuffix(
@@ -218,7 +218,7 @@ void QtEventPump::pump() {
 }
 
 bool QtEventPump::eventFilter(QObject* watched, QEvent* event) {
-  // A question that came up meanwhile, as about a failure, must be answered.
+  // A question that came up meanwhile, for example about a failure, must be answered.
   QWidget* modal = QApplication::activeModalWidget();
   if (modal && modal != modal_) return false;
   if (event->type() == QEvent::Close) event->ignore();
@@ -235,7 +235,7 @@ bool QtEventPump::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Drop:
       // Window-system events pass through the window before they reach the button.
       return qobject_cast<QWidget*>(watched) && watched->objectName() != QLatin1String("cmdAbort");
-    case QEvent::Shortcut:  // goes to actions as well
+    case QEvent::Shortcut:  // reaches actions, too
       return watched->objectName() != QLatin1String("cmdAbort");
     default:
       return false;

@@ -11,11 +11,11 @@
 
 namespace lodex {
 
-/// Questions to the person at the screen. File dialogues start in the folder that is asked for;
-/// where there is none, where the last one of their kind ended, also in the next session.
+/// Questions to the user. File dialogues start in the folder that is asked for;
+/// where there is none, in the folder used last, also in the next session.
 class QtDialogs : public Dialogs {
  public:
-  /// Questions stand above this window.
+  /// Questions appear above this window.
   void setParent(QWidget* parent) { parent_ = parent; }
 
   Answer messageBox(std::string_view text, MessageButtons buttons, MessageIcon icon,
@@ -33,9 +33,8 @@ class QtDialogs : public Dialogs {
   QPointer<QWidget> parent_;
 };
 
-/// Runs pending events between two units of a long job. The user can do nothing meanwhile but press
-/// Abort, and answer a question that comes up: everything else would work on data that the job is
-/// changing.
+/// Runs pending events between two units of a long job. Meanwhile the user can only press Abort and
+/// answer questions that come up: everything else would work on data that the job is changing.
 class QtEventPump : public QObject, public EventPump {
  public:
   QtEventPump();

@@ -2,7 +2,7 @@
 
 #include <QtCore/qglobal.h>
 
-// Outside of any namespace, as the macro wants it.
+// Outside of any namespace, as the macro requires.
 static void initResources() {
   Q_INIT_RESOURCE(forms);
   Q_INIT_RESOURCE(icons);

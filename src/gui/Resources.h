@@ -2,7 +2,7 @@
 
 namespace lodex {
 
-/// Makes icons, Designer files and translations available; they lie in a static library.
+/// Makes icons, Designer files and translations available; they are part of a static library.
 void loadResources();
 
 }  // namespace lodex

@@ -14,7 +14,7 @@
 
 namespace {
 
-// What is answered with a text needs no screen.
+// Options that only print a text need no screen.
 bool asksForText(int argc, char** argv) {
   return std::any_of(argv, argv + argc, [](const std::string_view argument) {
     return argument == "-h" || argument == "--help" || argument == "-v" || argument == "--version";
@@ -45,7 +45,7 @@ int main(int argc, char** argv) {
     const bool taken = SingleInstance::send(QStringLiteral("file;") + path);
     if (!taken) files.push_back(fromQt(path));
   }
-  // The program that runs already opens them.
+  // The running program opens them.
   if (files.empty() && !arguments.positionalArguments().isEmpty()) return 0;
 
   SingleInstance instance;

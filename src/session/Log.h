@@ -9,7 +9,7 @@ namespace lodex {
 
 class Session;
 
-/// Where a log line goes. The numbers are the ones that callers' texts speak of.
+/// Where a log line goes.
 enum class LogKind { Errors = 0, Log = 1, Both = 2 };
 
 /// The log window: a pane for the log and one for errors. The texts stay while it is hidden.
@@ -29,8 +29,8 @@ class frmLog : public Form {
   Button cmdClear{*this, "cmdClear", "Clear"};
   Button cmdClose{*this, "cmdClose", "Close"};
 
-  /// Adds a line at the end of a pane; a pane's first text stands alone, later ones follow a CR LF.
-  /// With `unique` nothing is added when the pane already holds the text.
+  /// Adds a line at the end of a pane; all but the first follow a CR LF.
+  /// With `unique` nothing is added when the pane already contains the text.
   void LisaaLog(std::string_view text, LogKind kind = LogKind::Log, bool unique = false);
   /// Empties both panes.
   void clear();
@@ -60,7 +60,7 @@ class Progress : public Form {
   /// True clears the abort flag; the Abort button gets the given visibility.
   void ShowStop(bool visible);
 
-  /// Ends what is shown of a job, if anything is, unless a job goes on outside of it.
+  /// Stops showing a job, unless one is still running.
   void reset();
 
   /// Set by the Abort button, polled and cleared by the job.

@@ -15,8 +15,8 @@
 
 namespace lodex {
 
-/// What start-up finds out and every part of the program reads. Paths are texts in the form in
-/// which the ini files give them.
+/// What start-up finds out and every part of the program reads. Paths are written as in the
+/// ini files.
 struct SessionRecord {
   std::string GeoPath;   // base of the prefix "@"
   std::string BasePath;  // base of the prefix "!"
@@ -76,11 +76,10 @@ class Session {
   /// What the commands of this session noticed, for the report and the exit status.
   Findings found;
 
-  /// Runs a command of the user. An exception of any kind ends it: jobs that it left running end
-  /// with it, and the user reads "Error <number> <text>". Returns true when the command came to its
-  /// end.
+  /// Runs a command of the user. An exception of any kind ends it: the progress line is reset, and
+  /// the message "Error <number> <text>" is shown. Returns true when the command completed.
   bool run(const std::function<void()>& command);
-  /// Sets the command of a button, list or grid, to be run so.
+  /// Sets the command of a button, list or grid; it is run as above.
   template <typename Target, typename Act>
   void setCommand(Target& target, Act act) {
     target.setCommand(
@@ -102,7 +101,7 @@ class Session {
   /// the default.
   std::string ExpandPath(std::string_view path, std::string_view otherwise) const;
 
-  /// Reads the ini files into the record. GeoPath is `appFolder` + "\Geo" and MainIni stands below
+  /// Reads the ini files into the record. GeoPath is `appFolder` + "\Geo" and MainIni a file below
   /// it; both are set here.
   void ReadSession(std::string_view appFolder, bool readStartDatabase, bool readUserName);
 
@@ -119,11 +118,11 @@ class Session {
 std::vector<std::string> LastFiles(const SessionRecord& record, std::string_view section);
 void PushLastFile(const SessionRecord& record, std::string_view path, std::string_view section);
 
-/// True when a listing of the path yields a name.
+/// True for an existing file or folder.
 bool FileExists(std::string_view path);
 
-/// Walks a path piece by piece and, if asked, creates what is missing. `exists` tells whether the
-/// whole path stands at the end; an error yields false.
+/// Goes through a path piece by piece and, if asked, creates what is missing. `exists` is true if
+/// the whole path is there in the end; an error yields false.
 void EnsureFolder(std::string_view path, bool create, bool& exists);
 
 }  // namespace lodex

@@ -12,9 +12,9 @@ namespace lodex {
 /// Whether this user may write the file, or into the folder. Something missing cannot be written.
 bool canWrite(std::string_view path);
 
-/// Copies a file, or a folder with all that is in it, to `target`. What stands there already stays
+/// Copies a file, or a folder with all that is in it, to `target`. What is there already stays
 /// as it is, so that nothing of the user's is lost and a newer installation adds what is new. True
-/// when all of it stands there at the end.
+/// when all of it is there in the end.
 bool copyMissing(std::string_view source, std::string_view target);
 
 /// Replaces paths of the record into a read-only installation by their copies: SampleDbPath by

@@ -41,10 +41,10 @@ class EditHistoryTest : public testing::Test {
 
 TEST_F(EditHistoryTest, GoesBackAndForth) {
   EditHistory history;
-  int told = 0;
-  keep(history.onChange([&] { ++told; }));
+  int changes = 0;
+  keep(history.onChange([&] { ++changes; }));
   history.undo();
-  EXPECT_EQ(told, 0) << "there is nothing to undo";
+  EXPECT_EQ(changes, 0) << "there is nothing to undo";
   add(history, 1);
   add(history, 10);
   EXPECT_EQ(history.undoText(), "Add 10");
@@ -60,7 +60,7 @@ TEST_F(EditHistoryTest, GoesBackAndForth) {
   add(history, 5);
   EXPECT_FALSE(history.canRedo()) << "a new edit ends what could be redone";
   EXPECT_EQ(number, 6);
-  EXPECT_EQ(told, 8);
+  EXPECT_EQ(changes, 8);
 }
 
 TEST_F(EditHistoryTest, ForgetsTheOldestWhenMemoryIsUp) {

@@ -615,7 +615,7 @@ TEST_F(SheetEditorTest, ForgetsStepsThatNoLongerFit) {
   editor.enter(1, 1, "x");
   sheet.TextRC(2, 1, "written by others");
   editor.changedOutside();
-  EXPECT_TRUE(history.canUndo()) << "the rows stand where they stood";
+  EXPECT_TRUE(history.canUndo()) << "the rows are where they were";
   sheet.InsertRange(1, 1, 1, 1, Shift::Rows);
   editor.changedOutside();
   EXPECT_FALSE(history.canUndo());

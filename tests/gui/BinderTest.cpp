@@ -247,7 +247,7 @@ TEST_F(GuiTest, FormWithAWindowOfItsOwnBecomesModalInIt) {
     EXPECT_EQ(windows, 1) << "shown before: " << shownBefore;
     EXPECT_FALSE(form.visible());
   }
-  // Later it stands beside the others again, also when it is closed and shown in one breath.
+  // Later it is modeless again, also when it is closed and shown at once.
   form.show();
   form.close();
   form.show();

@@ -106,7 +106,7 @@ TEST_F(FormsUse, IdColumnCountsOnceItIsTypedWhole) {
   QTest::keyClicks(&id, QStringLiteral("12"));
   EXPECT_EQ(sheet.IDColumn(), 3) << "column 1 is not marked on the way";
   pickMenu("mnuFreeze");
-  EXPECT_EQ(sheet.IDColumn(), 12) << "a menu takes what stands there";
+  EXPECT_EQ(sheet.IDColumn(), 12) << "a menu takes what is typed";
 }
 
 TEST_F(FormsUse, UndoOfADataSheetNeverLeadsIntoAnotherFile) {

@@ -35,7 +35,7 @@ class GuiTest : public testing::Test {
     QTest::mouseClick(child<QWidget>(root, name), Qt::LeftButton);
     settle();
   }
-  /// What takes the focus below the root without a name that a screen reader could tell.
+  /// What takes the focus below the root and has no name for screen readers.
   static std::string namelessInputs(QWidget& root) {
     std::string nameless;
     for (QWidget* widget : root.findChildren<QWidget*>()) {
@@ -44,8 +44,8 @@ class GuiTest : public testing::Test {
       // Pages have names each; what scrolls them needs none.
       if (qobject_cast<QTabWidget*>(widget) || qobject_cast<QScrollArea*>(widget)) continue;
       if (!(widget->focusPolicy() & Qt::TabFocus)) continue;
-      QAccessibleInterface* told = QAccessible::queryAccessibleInterface(widget);
-      if (!told || told->text(QAccessible::Name).isEmpty()) nameless += fromQt(name) + ' ';
+      QAccessibleInterface* read = QAccessible::queryAccessibleInterface(widget);
+      if (!read || read->text(QAccessible::Name).isEmpty()) nameless += fromQt(name) + ' ';
     }
     return nameless;
   }

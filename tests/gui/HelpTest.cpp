@@ -51,7 +51,7 @@ TEST_F(HelpTest, TopicsLeadToHeadingsAndUnknownOnesHome) {
   window.showTopic("FRMEND");
   settle();
   EXPECT_EQ(page->source().fileName(), "zinc.md");
-  EXPECT_GT(page->verticalScrollBar()->value(), 500) << "the heading stands far below the top";
+  EXPECT_GT(page->verticalScrollBar()->value(), 500) << "the heading is far below the top";
   window.showTopic("frmBlende");
   settle();
   EXPECT_LT(page->verticalScrollBar()->value(), 200);
@@ -172,9 +172,9 @@ TEST(GuideTest, EveryTopicAndLinkOfTheGuideExists) {
       const QUrl target(found.next().captured(1));
       if (!target.isRelative()) continue;
       const QString path = target.path().isEmpty() ? page.file : target.path();
-      const bool stands = path.endsWith(".md") ? exists(path, target.fragment())
-                                               : QFile::exists(folder.filePath(path));
-      EXPECT_TRUE(stands) << page.file.toStdString() << ": " << target.toString().toStdString();
+      const bool isThere = path.endsWith(".md") ? exists(path, target.fragment())
+                                                : QFile::exists(folder.filePath(path));
+      EXPECT_TRUE(isThere) << page.file.toStdString() << ": " << target.toString().toStdString();
     }
   }
 }

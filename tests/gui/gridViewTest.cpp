@@ -579,7 +579,7 @@ TEST_F(GridView, PrintsPagesWithFrozenRows) {
   EXPECT_GE(pages, 6) << "three pages down, two or more across";
   EXPECT_LE(pages, 20);
   const int narrower = paintPages(printer, sheet, true);
-  EXPECT_LT(narrower, pages) << "the columns stand side by side";
+  EXPECT_LT(narrower, pages) << "the columns are side by side";
   printer.setFromTo(2, 3);
   EXPECT_EQ(paintPages(printer, sheet), 2);
   Worksheet empty;

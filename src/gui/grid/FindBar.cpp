@@ -82,7 +82,7 @@ FindBar::FindBar(QWidget* parent)
   connect(replace_, &QPushButton::clicked, this, &FindBar::replaceOne);
   connect(replaceAll_, &QPushButton::clicked, this, &FindBar::replaceAll);
   connect(close, &QToolButton::clicked, this, &FindBar::closed);
-  connect(text_, &QLineEdit::textChanged, this, [this] { tell(QString()); });
+  connect(text_, &QLineEdit::textChanged, this, [this] { showResult(QString()); });
 }
 
 void FindBar::open(bool replacing, const QString& text) {
@@ -108,7 +108,7 @@ SearchOptions FindBar::options() const {
   return {matchCase_->isChecked(), wholeCell_->isChecked(), inFormulas_->isChecked(), false};
 }
 
-void FindBar::tell(const QString& result) {
+void FindBar::showResult(const QString& result) {
   result_->setText(result);
 }
 

@@ -22,7 +22,7 @@ class FindBar : public QWidget {
   QString text() const;
   QString replacement() const;
   SearchOptions options() const;
-  void tell(const QString& result);
+  void showResult(const QString& result);
 
  signals:
   void find(bool backwards);

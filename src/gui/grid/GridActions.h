@@ -30,7 +30,7 @@ class GridActions : public QObject {
   /// Enables what the sheet permits and checks what the active cell's format has.
   void update();
   void fillContextMenu(QMenu& menu, int row, int column);
-  /// Parts of it that stand in the menus of a window as well.
+  /// Parts of it that are in the menus of a window, too.
   void fillFillMenu(QMenu& menu) const;
   void fillSortMenu(QMenu& menu) const;
   void fillFormatMenu(QMenu& menu) const;

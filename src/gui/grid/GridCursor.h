@@ -36,7 +36,7 @@ class GridCursor : public QObject {
   void step(Direction direction);
   void go(Direction direction, bool extend, bool toEdge);
 
-  /// Follows what the worksheet says.
+  /// Takes over what the worksheet says.
   void readSheet();
 
  signals:

@@ -35,7 +35,7 @@ QWidget* GridDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&
 
 void GridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
   auto* line = static_cast<QLineEdit*>(editor);
-  // A change of the cell behind an open editor does not overwrite what is being typed.
+  // A change of the cell does not overwrite what is being typed in an open editor.
   if (std::exchange(started_, true)) return;
   line->setText(start_ ? *start_ : index.data(Qt::EditRole).toString());
 }

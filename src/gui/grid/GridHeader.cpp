@@ -120,7 +120,7 @@ void GridHeader::paintEvent(QPaintEvent*) {
   paintSections(painter, std::max(0, visualIndexAt(frozen)), 0, viewport()->height());
 }
 
-// Draws sections from `first` on up to the pixel `end`; `shift` is added to where they stand.
+// Draws sections from `first` on up to the pixel `end`; `shift` is added to their positions.
 void GridHeader::paintSections(QPainter& painter, int first, int shift, int end) {
   const bool columns = orientation() == Qt::Horizontal;
   const QColor plain = palette().color(QPalette::Window);

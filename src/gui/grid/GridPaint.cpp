@@ -184,7 +184,7 @@ class Painting {
     }
     const bool wraps = style.format->wrap && !value.isNumber();
     if (!wraps) shown.replace(QLatin1Char('\n'), QLatin1Char(' '));
-    // A number that kept its spelling, as "52.20", stands under the other numbers.
+    // A number that kept its spelling, such as "52.20", is aligned with the other numbers.
     const bool number = value.isNumber() || value.kind() == ValueKind::NumericText;
     const Qt::Alignment alignment =
         alignmentOf(*style.format, number, value.isBoolean() || value.isError());
@@ -228,7 +228,7 @@ class Painting {
       left -= columns_[i - 1].size;
     }
     const QRect visible(left + padding_, row.at, right - left - 2 * padding_ - 1, row.size - 1);
-    // The text stands where it would without an end to its cell.
+    // The text is placed as if its cell had no end.
     const int extra = static_cast<int>(std::ceil(share)) + padding_;
     QRect area = textArea(cell);
     if ((alignment & Qt::AlignRight) == 0) area.setRight(area.right() + extra);
@@ -338,7 +338,7 @@ int shownColumnWidth(const Worksheet& sheet, int column, double pixelsPerPoint) 
              });
   const int usual = widthInPixels(usualColumnWidth, pixelsPerPoint);
   if (widest == nullptr) return usual;
-  // Capitals are wider than digits, and the one longest text stands for all.
+  // Capitals are wider than digits, so the longest text alone is measured.
   const QFontMetricsF metrics(cellFont(sheet.formats().at(widest->format), pixelsPerPoint));
   const double text = metrics.horizontalAdvance(toQt(SharedText::viewOf(widest->text)));
   return std::max(usual, qRound(text) + 3 * cellPadding(pixelsPerPoint) + 2);

@@ -20,7 +20,7 @@ constexpr int mostAutomatic = 500;  // columns that find their width themselves
 constexpr int minZoom = 50;
 constexpr int maxZoom = 300;
 
-// Goes beyond the bar's present range, too.
+// Also scrolls beyond the bar's present range.
 void scrollBarTo(QScrollBar& bar, int value) {
   bar.setMaximum(std::max(bar.maximum(), value));
   bar.setValue(value);
@@ -231,7 +231,7 @@ void GridTable::setHiddenSections(QHeaderView& header, const std::map<int, bool>
   }
 }
 
-// Rows grow with large fonts and wrapped text. Few sheets have any, so the formats tell first.
+// Rows grow with large fonts and wrapped text. Few sheets have any, so the formats are asked first.
 void GridTable::readHeights(int firstRow, int lastRow) {
   const QuietHeader quiet(*rows_);
   const int defaultHeight = rows_->defaultSectionSize();
@@ -274,7 +274,7 @@ void GridTable::cellsChanged(const CellBlock& block) {
   viewport()->update();
 }
 
-// Wide enough for the largest number and for the headings that the sheet gives its first rows.
+// Wide enough for the largest number and for the headings of the sheet's first rows.
 int GridTable::headingWidth() const {
   const Worksheet& sheet = editor()->sheet();
   QFont marked = headingFont();
@@ -336,7 +336,7 @@ int GridTable::frozenHeight() const {
   const int rows = std::min(editor()->sheet().FixedRows(), rows_->count());
   if (rows == 0) return 0;
   const int height = rows_->sectionPosition(rows - 1) + rows_->sectionSize(rows - 1);
-  // Some of the rest must remain to be seen: whole rows are left out.
+  // Some of the other rows must remain visible, so frozen ones are left out.
   const int room = std::max(0, viewport()->height() - 3 * rows_->defaultSectionSize());
   if (height <= room) return height;
   const int first = rows_->visualIndexAt(room - rows_->offset());
@@ -403,7 +403,7 @@ void GridTable::updateGeometries() {
   extendScrollRange();
 }
 
-// The scroll bars reach over the used part and some room behind what is shown, not over a million
+// The scroll bars cover the used part and some room after what is shown, not over a million
 // empty rows: otherwise the slightest move of the slider would jump out of the data.
 void GridTable::extendScrollRange() {
   if (editor() == nullptr) return;

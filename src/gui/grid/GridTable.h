@@ -55,13 +55,13 @@ class GridTable : public QTableView {
   bool editing() const;
   /// Ends editing and takes over what was typed.
   void commitEditor();
-  /// While a place is being picked, a click only tells of itself and the pointer says so.
+  /// While a place is being picked, a click is only reported; the pointer shows it.
   void setPicking(bool picking);
   /// Outlines the cells that were copied; without a block the outline goes.
   void markCopied(std::optional<CellBlock> block);
   void enterAll(const QString& text);
   void stepOn(Direction direction);
-  /// Runs an edit; what it refuses is told by `refused`. Returns whether it was made.
+  /// Runs an edit; what it refuses is reported by `refused`. Returns whether it was made.
   bool attempt(const std::function<void()>& edit);
 
   // For the delegate.
@@ -148,7 +148,7 @@ class GridTable : public QTableView {
   bool picking_ = false;
   std::optional<CellBlock> copied_;
   int copiedSheet_ = 0;
-  int pointStart_ = -1;  // where the reference last pointed at stands in the formula being typed
+  int pointStart_ = -1;  // where the reference last pointed at is in the formula being typed
   int pointEnd_ = -1;
 };
 

@@ -53,7 +53,7 @@ void GridTable::mousePressEvent(QMouseEvent* event) {
   }
 }
 
-// True where the formula being typed can take a reference: behind an operator, or in the place of
+// True where the formula being typed can take a reference: after an operator, or in the place of
 // the reference that was pointed at last.
 bool GridTable::canPoint() const {
   const QLineEdit* line = delegate_->editor();
@@ -165,7 +165,7 @@ void GridTable::mouseDoubleClickEvent(QMouseEvent* event) {
   if (indexAt(event->pos()).isValid()) editActive();
 }
 
-// Fills down as far as the column beside the selection goes on without a gap.
+// Fills down as far as the column beside the selection has no gap.
 void GridTable::fillToNeighboursEnd() {
   const CellBlock block = cursor_.block();
   const Worksheet& sheet = editor()->sheet();
@@ -230,7 +230,7 @@ QAction* GridTable::commandOf(const QKeyEvent& event) const {
   return nullptr;
 }
 
-// In the cells a short cut means the grid's command, even where the window has the same one.
+// In the cells a short cut is the grid's, even where the window has the same one.
 bool GridTable::event(QEvent* event) {
   if (event->type() == QEvent::ShortcutOverride && editor() != nullptr &&
       commandOf(*static_cast<QKeyEvent*>(event)) != nullptr) {
@@ -321,7 +321,7 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
   editActive(text);
 }
 
-// Composed characters and those of input methods start editing like keys do.
+// Composed characters and those of input methods start editing, too.
 void GridTable::inputMethodEvent(QInputMethodEvent* event) {
   const bool composing = !event->preeditString().isEmpty();
   if (editor() == nullptr || editing() || (!composing && event->commitString().isEmpty())) {

@@ -32,7 +32,7 @@ std::vector<GridSpan> GridTable::visibleColumns() const {
 void GridTable::paintEvent(QPaintEvent*) {
   QPainter painter(viewport());
   const QRect all = viewport()->rect();
-  // What lies behind the last row and column of the sheet.
+  // The area after the last row and column of the sheet.
   painter.fillRect(all, palette().color(QPalette::Window));
   if (editor() == nullptr || rows_->count() == 0) return;
   const int frozen = frozenHeight();

@@ -43,7 +43,7 @@ QVariant WorksheetModel::data(const QModelIndex& index, int role) const {
   const Worksheet& sheet = editor_->sheet();
   const int row = index.row() + 1;
   const int column = index.column() + 1;
-  // The sheet may have been narrowed behind the views' back.
+  // The sheet may have been narrowed without the views' knowledge.
   if (row > sheet.MaxRow() || column > sheet.MaxCol()) return {};
   switch (role) {
     case Qt::DisplayRole:

@@ -65,7 +65,7 @@ WorksheetView::WorksheetView(QWidget* parent)
 }
 
 WorksheetView::~WorksheetView() {
-  // The parts hear of changes until they are gone.
+  // The parts are notified of changes until they are gone.
   table_->disconnect(this);
   cursor_->disconnect(this);
   model_->setEditor(nullptr);
@@ -308,8 +308,8 @@ void WorksheetView::findNext(bool backwards) {
   SearchOptions options = findBar_->options();
   options.backwards = backwards;
   const auto hit = editor_->findNext(fromQt(findBar_->text()), cursor_->active(), options);
-  if (!hit) return findBar_->tell(tr("Not found"));
-  findBar_->tell(QString());
+  if (!hit) return findBar_->showResult(tr("Not found"));
+  findBar_->showResult(QString());
   cursor_->moveTo(*hit);
   table_->showCell(*hit);
 }
@@ -328,7 +328,7 @@ void WorksheetView::replaceAllHits() {
   table_->attempt([this] {
     const int cells = editor_->replaceAll(fromQt(findBar_->text()), fromQt(findBar_->replacement()),
                                           findBar_->options());
-    findBar_->tell(cells == 0 ? tr("Not found") : tr("%n cell(s) changed", nullptr, cells));
+    findBar_->showResult(cells == 0 ? tr("Not found") : tr("%n cell(s) changed", nullptr, cells));
   });
 }
 

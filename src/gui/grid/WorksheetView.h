@@ -39,7 +39,7 @@ class WorksheetView : public QWidget {
   void setSheet(Worksheet& sheet);
   void clear();
   bool hasSheet() const { return shown_ != nullptr; }
-  /// The worksheet was changed behind the view's back.
+  /// The worksheet was changed without the view.
   void refresh();
 
   /// The editor and history of the worksheet on show; they live until another one is set. Without a
@@ -111,7 +111,7 @@ class WorksheetView : public QWidget {
   void editHeading(Qt::Orientation orientation, int index);
   void showTabMenu(const QPoint& pos);
 
-  Worksheet none_;  // stands in while no worksheet is shown
+  Worksheet none_;  // shown while there is no worksheet
   Worksheet* shown_ = nullptr;
   std::unique_ptr<EditHistory> history_;
   std::unique_ptr<SheetEditor> editor_;

@@ -69,7 +69,7 @@ void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType) {
   dress();
 }
 
-// Markdown says nothing of margins, frames and colours.
+// Markdown has no margins, frames and colours.
 void HelpBrowser::dress() {
   if (dressing_) return;
   dressing_ = true;
@@ -137,7 +137,7 @@ void HelpBrowser::fitPictures() {
       place.setPosition(fragment.position());
       place.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
       place.setCharFormat(format);
-      return;  // one picture in a line; the change ends this walk through its pieces
+      return;  // one picture in a line; the change ends this loop over its fragments
     }
   });
 }

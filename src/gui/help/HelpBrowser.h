@@ -18,14 +18,14 @@ class HelpBrowser : public QTextBrowser {
   /// Marks all places of the text, in any case; an empty text takes the marks away. The number of
   /// places found.
   int mark(const QString& text);
-  /// Selects the next or previous place of the text, round the end of the page. False when there is
-  /// none.
+  /// Selects the next or previous place of the text, going on from the other end of the page. False
+  /// when there is none.
   bool findAround(const QString& text, bool backward);
 
   QVariant loadResource(int type, const QUrl& name) override;
 
  signals:
-  /// A link that leads out of the guide was clicked.
+  /// A link to a page outside the guide was clicked.
   void outsideLink(const QUrl& address);
 
  protected:

@@ -12,7 +12,7 @@ namespace lodex {
 
 namespace {
 
-// More than any page of text needs; a wrong file does not fill the memory.
+// More than any page of text needs, so that a wrong file does not fill the memory.
 constexpr qint64 largestPage = 4 << 20;
 
 QString readText(const QString& path) {

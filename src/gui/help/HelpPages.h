@@ -32,7 +32,7 @@ struct HelpHit {
 /// page and heading for each window.
 class HelpPages {
  public:
-  /// Reads the pages at once; a folder that is missing gives a guide without pages.
+  /// Reads the pages at once; a missing folder makes a guide without pages.
   explicit HelpPages(const QString& folder);
 
   const QString& folder() const { return folder_; }
@@ -45,7 +45,7 @@ class HelpPages {
   QUrl topic(const QString& formName) const;
   /// The address of a page and, unless empty, of a heading in it.
   QUrl url(const QString& file, const QString& heading) const;
-  /// The path below the guide's folder to which an address leads; empty when it leads out of it.
+  /// The path below the guide's folder to which an address leads; empty for a path outside.
   QString fileOf(const QUrl& address) const;
 
   /// Sections that contain all words of the text, in any case and order; headings first.

@@ -19,7 +19,7 @@ namespace lodex {
 class HelpWindow : public QMainWindow {
   Q_OBJECT
  public:
-  /// `folder` holds the pages; nothing needs to be in it.
+  /// `folder` contains the pages; it may be empty.
   explicit HelpWindow(const QString& folder, QWidget* parent = nullptr);
 
   /// Shows the page and heading for a window, by the name of its form; the home page when there is

@@ -11,10 +11,10 @@ namespace lodex {
 /// on show.
 void addMnemonics(QWidget& window);
 
-/// The text without the "&" that marks its letter; "&&" stands for "&".
+/// The text without the "&" that marks its letter; "&&" means "&".
 QString withoutMnemonic(const QString& text);
 
-/// Shows a text on a button, label or action, leaving the letter alone where the text is the same.
+/// Shows a text on a button, label or action, keeping the letter where the text is the same.
 template <typename Widget>
 void showText(Widget& widget, const QString& text) {
   if (withoutMnemonic(widget.text()) != withoutMnemonic(text)) widget.setText(text);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int groups = 18;
 constexpr int rows = 9;                   // seven periods and two rows of the f block
-constexpr int firstBlockRow = 7;          // the f block stands below a gap
+constexpr int firstBlockRow = 7;          // the f block is below a gap
 constexpr double gapBelowPeriods = 0.35;  // of a cell's height
 const QColor accent(0xd9, 0x8a, 0x1f);
 
@@ -224,7 +224,7 @@ int PeriodicTable::neighbour(QPoint direction) const {
     const QPoint way = cells_[i]->place() - from->place();
     const int along = way.x() * direction.x() + way.y() * direction.y();
     const int across = std::abs(way.x() * direction.y()) + std::abs(way.y() * direction.x());
-    // Rows are walked to their ends; columns have gaps to be passed.
+    // Rows have no gaps; those in columns are skipped.
     if (along <= 0 || across > (direction.x() != 0 ? 0 : 1)) continue;
     const int distance = along + 4 * across;
     if (best >= 0 && distance >= bestDistance) continue;

@@ -12,9 +12,10 @@ namespace lodex {
 class ElementCell;
 
 /// The periodic table as a choice: a cell per entry of a list of element symbols, at the element's
-/// place; what is no element (such as "Fe2") stands above the transition metals. Checked entries
-/// are marked, the current one is highlighted. A click makes an entry current; arrow keys walk over
-/// the table, Home and End go to its ends, a letter jumps to the next symbol that begins with it.
+/// place; what is not an element (such as "Fe2") is placed above the transition metals. Checked
+/// entries are marked, the current one is highlighted. A click makes an entry current; arrow keys
+/// move through the table, Home and End go to its ends, a letter jumps to the next symbol that
+/// begins with it.
 class PeriodicTable : public QWidget {
   Q_OBJECT
  public:
@@ -24,7 +25,7 @@ class PeriodicTable : public QWidget {
   /// observe it: refresh() after changes.
   void bind(ListBox& list);
   void clear();
-  /// Brings cells and marks in line with the list.
+  /// Updates cells and marks from the list.
   void refresh();
 
   /// The cell of an entry, counted from 0, its object name "element" and the symbol; null for an
