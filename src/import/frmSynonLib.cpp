@@ -124,7 +124,7 @@ void frmSynonLib::AddRule(std::string_view header) {
   foundRow_ = rows.empty() ? 0 : rows.back();
   if (rows.empty()) {
     const int row = F1Lib.LastRow() + 1;
-    gridF1Lib.edit("Add rule", [&] {
+    gridF1Lib.edit("Insert rows", [&] {
       const WideLimits wide(F1Lib);
       F1Lib.TextRC(row, thesaurus::valueColumn, header);
     });
@@ -132,7 +132,7 @@ void frmSynonLib::AddRule(std::string_view header) {
     return;
   }
   if (rows.size() > 1) {
-    gridF1Lib.edit("Delete rules", [&] {
+    gridF1Lib.edit("Delete rows", [&] {
       for (auto row = rows.rbegin() + 1; row != rows.rend(); ++row) {
         F1Lib.DeleteRange(*row, 1, *row, 1, Shift::Rows);
         --foundRow_;
@@ -148,7 +148,7 @@ void frmSynonLib::DeleteRow() {
     session_.dialogs().messageBox("Select row");
     return;
   }
-  gridF1Lib.edit("Delete row", [&] { F1Lib.DeleteRange(row, 1, row, 1, Shift::Rows); });
+  gridF1Lib.edit("Delete rows", [&] { F1Lib.DeleteRange(row, 1, row, 1, Shift::Rows); });
   showCurrent(row);
 }
 
