@@ -296,10 +296,12 @@ bool DataSheets::IDENTIFY(bool askLog) {
   request.unidentifiedToUser = chkUnIDToUser.checked();
   request.onlyNonX = chkOnlyNonX.checked();
   int step = 1;
+  bool aborted = false;
   for (const std::string& name : selected) {
     frmDataIN* sheet = find(name);
     if (sheet == nullptr) continue;
-    session.pumpEvents();
+    aborted = job.aborted();
+    if (aborted) break;
     session.progress.ShowProgress("Identifying " + name, ++step);
     session.log.LisaaLog("Running identify routine for file " + name);
     try {
@@ -317,7 +319,7 @@ bool DataSheets::IDENTIFY(bool askLog) {
     session.log.show();
     session.log.activate();
   }
-  return true;
+  return !aborted;
 }
 
 }  // namespace lodex

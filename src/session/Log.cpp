@@ -86,8 +86,10 @@ void Progress::reset() {
   if (visible() || cmdAbort.visible()) ShowProgress("", 0);
 }
 
-JobScope::JobScope(Session& session) : session_(session) {
-  if (session_.progress.jobs_++ == 0) session_.progress.ShowStop(true);
+JobScope::JobScope(Session& session, Abort button) : session_(session) {
+  if (session_.progress.jobs_++ > 0) return;
+  session_.progress.AbortFlag = false;
+  session_.progress.ShowStop(button == Abort::Offered);
 }
 
 JobScope::~JobScope() {

@@ -71,11 +71,14 @@ class Progress : public Form {
   int jobs_ = 0;  // one inside the other
 };
 
-/// A long job: Abort is on show while it lives, and the progress line is reset at its end, however
-/// it ends. A job within a job leaves both to the outer one.
+/// Whether the user may abort a job; one that cannot be aborted does not poll.
+enum class Abort { Offered, NotOffered };
+
+/// A long job: the Abort button is shown while it lives, and the progress line is reset at its end,
+/// however it ends. A job within a job leaves both to the outer one.
 class JobScope {
  public:
-  explicit JobScope(Session& session);
+  explicit JobScope(Session& session, Abort button = Abort::Offered);
   ~JobScope();
   JobScope(const JobScope&) = delete;
   JobScope& operator=(const JobScope&) = delete;

@@ -75,7 +75,7 @@ SourceSheets SourceDatabase::selectedTables() {
   for (const std::string& table : selected) {
     const int row = database.map.tableRow(table);
     if (row == 0 || tables_->names.contains(table)) continue;
-    if (!reading) reading.emplace(session);
+    if (!reading) reading.emplace(session, Abort::NotOffered);
     session.progress.ShowProgress("Reading table " + table + "...", 1);
     session.pumpEvents();
     const std::string key = keyField(table, row);
