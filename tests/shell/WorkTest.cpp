@@ -199,16 +199,16 @@ TEST_F(WorkTest, RoadFromFilesToTheDatabase) {
 
 TEST_F(WorkTest, ASheetSavedWithErrorsStaysChanged) {
   start();
-  open({assays("a.txt"), assays("b.txt")});
+  open({assays("a.txt")});
   identify();
   shell->destinationForm.openDestination(path("out.mdb"), true);
   shell->saving.cmdSaveInDBNow.click();
-  EXPECT_FALSE(sheet("a").Changed || sheet("b").Changed);
-  for (const char* name : {"a", "b"}) sheet(name).Changed = true;
+  EXPECT_FALSE(sheet("a").Changed);
   // The same samples again: their keys are taken.
+  sheet("a").Changed = true;
   shell->saving.cmdSaveInDBNow.click();
   EXPECT_GT(shell->saving.SaveErrors(), 0);
-  EXPECT_TRUE(sheet("a").Changed && sheet("b").Changed);
+  EXPECT_TRUE(sheet("a").Changed);
 }
 
 TEST_F(WorkTest, ErrorsEndACommandWithTheirText) {
