@@ -1,4 +1,4 @@
-// The first half of identification: where the structure stands.
+// The first half of identification: which rows and columns hold the structure.
 #include <algorithm>
 #include <array>
 
@@ -43,7 +43,7 @@ void addBelowTop(const DescribedSheet& sheet, int systemRow, LogLines& log) {
   sheet.addSystemRow(systemRow, row);
 }
 
-// A bare table: rows for what headings tell, and every heading that names its unit taken apart.
+// A bare table gets rows for element, method and unit; headings with a unit are split into them.
 void splitHeadings(const DescribedSheet& sheet, LogLines& log) {
   for (const int row : {sysrow::Element, sysrow::Method, sysrow::Unit}) {
     if (!sheet.has(row)) {
@@ -63,7 +63,7 @@ void splitHeadings(const DescribedSheet& sheet, LogLines& log) {
   }
 }
 
-// What moved from column 1 to column 2 gives its place back to the captions.
+// What moved from column 1 to column 2 leaves column 1 to the captions.
 void leaveCaptionsInFront(const DescribedSheet& sheet, int top) {
   Worksheet& cells = sheet.cells;
   const int sheetNumber = cells.Sheet();

@@ -12,7 +12,7 @@ namespace lodex {
 /// every other text.
 std::optional<double> halfOfLimit(std::string_view text);
 
-/// Writes numbers in place of the values below a detection limit that stand in the columns of
+/// Writes numbers in place of the values below a detection limit that are in the columns of
 /// numbers of an identified sheet. Returns how many.
 int convertBelowDetection(const DescribedSheet& sheet);
 

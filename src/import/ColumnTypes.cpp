@@ -11,7 +11,7 @@ namespace {
 
 constexpr double longLimit = 2147483647;
 
-// The number of a cell, as it stands or as its text reads; empty for what is no number.
+// The number of a cell, stored as such or as text; empty for anything else.
 std::optional<double> cellNumber(const Worksheet& sheet, int row, int column,
                                  const std::string& text) {
   const Value value = sheet.ValueRC(row, column);

@@ -10,7 +10,7 @@
 namespace lodex {
 
 /// "LONG" for whole numbers or no content, "SINGLE" when a number has decimals or does not fit
-/// 32 bits, "TEXT(<longest + 10>)" when a cell is no number.
+/// 32 bits, "TEXT(<longest + 10>)" when a cell is not a number.
 std::string columnType(const Worksheet& sheet, int column, int firstRow, int lastRow);
 
 /// The type of the sample identifier: "LONG(U,I)", or "TEXT(<n>)(U,I)" when a field of numbers

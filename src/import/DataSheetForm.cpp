@@ -15,14 +15,14 @@
 namespace lodex {
 namespace {
 
-// A number that is no row or column of any sheet counts as absent.
+// A number outside of every sheet counts as absent.
 int numberWithin(const TextBox& box, int last) {
   const int number = box.number();
   return number > 0 && number <= last ? number : 0;
 }
 
 // A file that says where columns go although it was never identified, such as a saved result, means
-// what it says. What identification wrote itself it may write anew.
+// what it says. Identification may overwrite what it wrote itself.
 Descriptions descriptionsOf(Worksheet& cells) {
   SheetStructure found;
   findSystemRows({cells, found});
@@ -67,7 +67,7 @@ DataSheetForm::DataSheetForm(ImportContext& context, std::string_view name,
   addNumberButtons(pickMineralColumn, "MinCol", mineralColumnLabel);
   shpGreen.setVisible(false);
   mnuPanel.setChecked(true);
-  // No system row holds minerals: the entry stands in the menu and has nothing to copy.
+  // No system row holds minerals, so this entry of the menu has nothing to copy.
   mnuCopyRowMineral.setEnabled(false);
   cmdSplit.setEnabled(false);
   cmdTranspose.setVisible(false);
@@ -367,7 +367,7 @@ void DataSheetForm::runSteps(const IdentifyRequest& request, const DescribedShee
 }
 
 // Sheets of a workbook share their structure: each gets the same rows, the current sheet last,
-// whose columns the cross-reference tells.
+// whose columns the cross-reference lists.
 void DataSheetForm::runAllSheets(const IdentifyRequest& request, SheetStructure& numbers,
                                  LogLines& log) {
   const int current = F1D.Sheet();

@@ -78,7 +78,7 @@ class DataSheetForm : public Form {
     Button cmdUp;
     Button cmdDown;
   };
-  /// The buttons of a number; throws std::out_of_range for what is no pick mode.
+  /// The buttons of a number; throws std::out_of_range for anything but a pick mode.
   NumberButtons& numberButtons(int pickMode) { return numberButtons_.at(pickMode); }
 
   Button cmdIdentify{*this, "cmdIdentify", "Identify"};
@@ -109,7 +109,7 @@ class DataSheetForm : public Form {
   int FirstDataRow() const { return structure().firstDataRow; }
   int IDColumn() const { return structure().idColumn; }
   int MineralColumn() const { return structure().mineralColumn; }
-  /// The numbers of the text boxes; what is no row or column number counts as 0.
+  /// The numbers of the text boxes; anything but a row or column number counts as 0.
   SheetStructure structure() const;
   /// Sets all numbers at once, without the reactions to each single change.
   void setStructure(const SheetStructure& structure);
@@ -144,7 +144,7 @@ class DataSheetForm : public Form {
   void SplittaaOtsikko(bool showDialog);
   /// Repaints the sheet to show its structure.
   void Varjaa(bool resetLimits);
-  /// Lays out the panels after a change of size: the view does, told here.
+  /// Lays out the panels after a change of size; the view does the work.
   void Koko() { gridF1D.refresh(); }
 
   void InsertRow();

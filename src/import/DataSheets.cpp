@@ -211,7 +211,7 @@ void DataSheets::makeNamesUnique() {
   for (bool changed = true; changed;) {
     changed = false;
     for (size_t i = 0; i < sheets_.size(); ++i) {
-      // The lists tell the calculation result by its name.
+      // The lists know the calculation result by its name.
       const std::string name = sheets_[i]->caption();
       if (name == calculationResult || name == result.caption()) {
         sheets_[i]->setCaption(name + std::to_string(++clashes));
@@ -251,8 +251,8 @@ void DataSheets::convertLimits(frmDataIN& sheet) {
   SheetStructure structure = sheet.structure();
   const int converted = convertBelowDetection({sheet.F1D, structure});
   if (converted == 0) return;
-  notice(Severity::Note, "Half of the limit stands in for a value below the detection limit", sheet,
-         converted);
+  notice(Severity::Note, "A value below the detection limit was replaced by half of the limit",
+         sheet, converted);
 }
 
 void DataSheets::treatDecimalCommas(frmDataIN& sheet) {

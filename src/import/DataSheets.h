@@ -13,7 +13,7 @@
 namespace lodex {
 
 /// The open data sheets and the part of the shell's stage panel that belongs to them: the lists in
-/// which they stand and the options of identification. The controls are made on the shell's form.
+/// which they appear and the options of identification. The controls are made on the shell's form.
 class DataSheets {
  public:
   DataSheets(Form& shell, ImportContext& context);
@@ -40,9 +40,9 @@ class DataSheets {
   /// All sheets as places to look for items.
   std::vector<ItemSheet> itemSheets();
 
-  /// Told of every new sheet before it gets its content.
+  /// Called with every new sheet before it gets its content.
   std::function<void(frmDataIN&)> onNewSheet{};
-  /// Names that stand in lstSrcF in place of the sheets; none while samples come from sheets.
+  /// Names that lstSrcF shows in place of the sheets; none while samples come from sheets.
   std::function<std::vector<std::string>()> sourceTables{};
 
   /// Adds an empty sheet named with the prefix and its running number, as in "New Data 3".
@@ -63,7 +63,7 @@ class DataSheets {
   /// Whether IDENTIFY puts numbers in place of values below a detection limit.
   bool ConvertBelowDetection = false;
   /// Whether it takes a comma in columns of numbers for a decimal point. Otherwise it
-  /// tells of such values, which are no numbers.
+  /// warns of such values, which stay text.
   bool ConvertDecimalCommas = false;
   /// Identifies the sheets selected in lstI. `askLog` shows the log at the end. False when none
   /// is selected.

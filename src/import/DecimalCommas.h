@@ -13,7 +13,7 @@ namespace lodex {
 std::optional<double> numberWithComma(std::string_view text);
 
 /// The texts with a decimal comma in the columns of numbers of an identified sheet. In some files
-/// the comma parts thousands, so they are no numbers unless the user says so.
+/// the comma separates thousands, so they are not numbers unless the user says so.
 struct DecimalCommas {
   int count = 0;
   std::string example;  // the first one

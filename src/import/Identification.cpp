@@ -92,7 +92,7 @@ void ColumnIdentification::identifyElements(int sheetNumber, bool onlyNonX) {
   const ElementIndex index(sheet_.cells, sheet_.structure.row(sysrow::Element), converter_);
   for (const KnownItem& item : knownItems(F1Data_, 1, lastElementItem)) {
     std::vector<int> columns = index.columnsOfElement(item.number);
-    // An identifier headed "NO" is no nitrogen oxide.
+    // An identifier headed "NO" is not nitrogen oxide.
     if (sheet_.structure.idColumn > 0) std::erase(columns, sheet_.structure.idColumn);
     for (size_t hit = 1; hit <= columns.size(); ++hit) {
       const int column = columns[hit - 1];

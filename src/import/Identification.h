@@ -32,7 +32,7 @@ struct IdentifyRules {
   std::string fileMethod;  // method for columns without one; empty for none
 };
 
-/// An entry of the periodic table and the items behind it: number and symbol.
+/// An entry of the periodic table or one of the items after it: number and symbol.
 struct KnownItem {
   int number = 0;
   std::string symbol;
@@ -44,7 +44,7 @@ inline constexpr int firstFormulaItem = 120;
 /// Items `first` to `last` of F1Data that have a symbol. Row n + 1 holds item n.
 std::vector<KnownItem> knownItems(const Worksheet& F1Data, int first, int last);
 
-/// Looks for the captions in the whole sheet and notes the rows where each stands first. A sheet
+/// Looks for the captions in the whole sheet and notes the first row of each. A sheet
 /// that was described and saved before also gets its ID column back. Returns how many were found.
 int findSystemRows(const DescribedSheet& sheet);
 
@@ -58,7 +58,7 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
 std::string defaultTable(const DescribedSheet& sheet, const IdentifyRules& rules);
 
 /// Finds the columns of elements and items, marks them and fills table, field and type. F1Ref is
-/// filled anew: the row of an element holds its number of columns and then pairs of sheet and
+/// filled again: the row of an element holds its number of columns and then pairs of sheet and
 /// column, the row of a formula item its columns. Columns whose description is kept are only
 /// marked.
 class ColumnIdentification {
@@ -90,7 +90,7 @@ class ColumnIdentification {
 };
 
 /// The unit as the tables of units know it ("%", "ppm" or "ppb") for a word such as "wt%" or
-/// "mg/kg"; "" for what is no unit of a concentration.
+/// "mg/kg"; "" for anything but a unit of concentration.
 std::string unitOfWord(std::string_view word);
 
 /// True for a row that has no text in `idColumn`, and units in most of its other filled cells.
@@ -104,7 +104,7 @@ void reportUnknownHeadings(const DescribedSheet& sheet, LogLines& log);
 /// where these say.
 void placeUnidentified(const DescribedSheet& sheet, const IdentifyRules& rules, LogLines& log);
 
-/// Field name of the ID column: what stands there, else its header, else "SampleNo".
+/// Field name of the ID column: what is there, else its header, else "SampleNo".
 void nameIdField(const DescribedSheet& sheet);
 
 /// Types and marks the ID column; `oldColumn` (0 for none) loses its marks. Does nothing without a

@@ -256,7 +256,7 @@ class Saving {
     session_.log.show();
   }
 
-  // Blank rows and what stands outside of the columns that are saved are no loss.
+  // Blank rows, and text outside of the columns that are saved, are not a loss.
   void reportNameless(const SaveSource& source, int row, const std::vector<SaveTable>& tables) {
     for (const SaveTable& table : tables) {
       for (const SaveTarget& target : table.targets) {

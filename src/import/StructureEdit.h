@@ -8,7 +8,7 @@
 /// and the identification marks right. Rows and columns count from 1, ends are inclusive.
 namespace lodex {
 
-/// Where an item of F1Ref stands: sheet number (0 for formula items, which keep only the column)
+/// Where F1Ref places an item: sheet number (0 for formula items, which keep only the column)
 /// and column.
 struct ItemReference {
   int sheet = 0;
@@ -31,17 +31,17 @@ void deleteRows(const DescribedSheet& sheet, int row1, int row2);
 /// Inserts whole columns before `column`. ID column, mineral column and references move along.
 void insertColumns(const DescribedSheet& sheet, Worksheet& F1Ref, int column, int count);
 
-/// Deletes whole columns and the references to them; what lies behind moves left.
+/// Deletes whole columns and the references to them; the columns after them move left.
 void deleteColumns(const DescribedSheet& sheet, Worksheet& F1Ref, int column1, int column2);
 
-/// Writes the marks "X(<symbol>)<k>/<n>" of the IDENTIFIED row anew from F1Ref.
+/// Writes the marks "X(<symbol>)<k>/<n>" of the IDENTIFIED row again from F1Ref.
 void redrawMarks(const DescribedSheet& sheet, const Worksheet& F1Ref, const Worksheet& F1Data);
 
 /// Exchanges rows and columns of the current sheet. Values arrive as text enters a cell; dates keep
 /// the text that they show. Throws Error when there are more rows than a sheet has columns.
 void transpose(Worksheet& sheet);
 
-/// Copies the content of a system row into another row, from the first column behind the ID column
+/// Copies the content of a system row into another row, from the first column after the ID column
 /// on.
 void copySystemRow(const DescribedSheet& sheet, int systemRow, int toRow);
 

@@ -8,7 +8,7 @@
 
 namespace lodex {
 
-/// The system rows of a data sheet in their fixed order. They stand above the data and say what
+/// The system rows of a data sheet in their fixed order. They are above the data and say what
 /// each column is.
 namespace sysrow {
 enum Index {
@@ -29,7 +29,7 @@ enum Index {
 inline constexpr int systemRowCount = 12;
 
 struct SystemRowText {
-  std::string_view caption;  // stands in column 1 of the row
+  std::string_view caption;  // in column 1 of the row
   std::string_view label;    // the row heading
   std::string_view copied;   // the menu entry that copies the row's content
 };
@@ -61,7 +61,7 @@ constexpr std::string_view systemRowCaption(int index) {
 /// In the TABLE row: the column is not to be stored.
 inline constexpr std::string_view noTable = "*";
 
-/// Where the structure of a data sheet stands. 0 means that a row or column is absent.
+/// The rows and columns that describe a data sheet. 0 means that a row or column is absent.
 struct SheetStructure {
   std::array<int, systemRowCount> rows{};
   int firstDataRow = 0;
@@ -90,7 +90,7 @@ struct DescribedSheet {
   void setText(int systemRow, int column, std::string_view text) const;
   bool has(int systemRow) const { return structure.row(systemRow) > 0; }
   bool inside(int row, int column) const;
-  /// True for a column with a table, a field and a type: it has been told where to go.
+  /// True for a column with a table, a field and a type, which say where it goes.
   bool isDescribed(int column) const;
 
   /// Inserts an empty row and moves the numbers of the structure at or below it.

@@ -131,7 +131,7 @@ std::vector<std::string> SplitRivi(std::string_view line, std::string_view separ
 }
 
 TextSplit proposedSplit(const std::vector<std::string_view>& lines) {
-  // In the order in which they are believed where several do equally well.
+  // Of those that do equally well, the first one wins.
   const std::array<TextSplit, 6> candidates = {{{"\t", false, false},
                                                 {";", false, true},
                                                 {",", false, true},

@@ -6,7 +6,7 @@ namespace lodex {
 
 ThesaurusIndex::ThesaurusIndex(const Worksheet& F1Lib) {
   // Straight from the store: the library's columns are narrowed for its editor, but rules with
-  // texts behind the last titled column count all the same.
+  // texts after the last titled column count as well.
   const CellStore& cells = F1Lib.cells(1);
   for (int row = 1; row <= F1Lib.LastRow(1); ++row) {
     ThesaurusRule rule;
@@ -56,7 +56,7 @@ void applyThesaurus(const ThesaurusIndex& thesaurus, const DescribedSheet& sheet
     for (int column = sheet.structure.idColumn + 1; column <= sheet.cells.LastCol(); ++column) {
       std::string text = sheet.text(row, column);
       if (text.empty()) continue;
-      // Blanks around a heading are no difference that its writer saw.
+      // Nobody sees blanks around a heading, so they make no difference.
       if (thesaurus.rulesFor(text).empty()) text = trimWhite(text);
       const std::vector<int>& rules = thesaurus.rulesFor(text);
       // From the bottom up, so that a topmost rule overrules those below it.

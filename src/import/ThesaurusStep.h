@@ -54,12 +54,12 @@ class ThesaurusIndex {
 };
 
 /// Puts the texts of a rule into the system rows of a column. `found` is the text that the rule
-/// is for, and `foundIn` the system row where it stood.
+/// is for, and `foundIn` the system row where it was.
 void applyRule(const ThesaurusRule& rule, const DescribedSheet& sheet, const std::string& found,
                int foundIn, int column, LogLines& log,
                Descriptions descriptions = Descriptions::Rewrite);
 
-/// Applies the thesaurus to every column behind the ID column. Columns that a rule fits are marked
+/// Applies the thesaurus to every column after the ID column. Columns that a rule fits are marked
 /// "X". Of several rules for one text the topmost has the last word.
 void applyThesaurus(const ThesaurusIndex& thesaurus, const DescribedSheet& sheet, LogLines& log,
                     Descriptions descriptions = Descriptions::Rewrite);

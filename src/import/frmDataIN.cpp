@@ -86,7 +86,7 @@ void frmDataIN::forgetSource() {
 void frmDataIN::readCells(std::string_view path, std::string_view kind,
                           std::string_view separator) {
   FileType type = FileType::Text;
-  std::string unread;  // why the file is no workbook
+  std::string unread;  // why the file was not read as a workbook
   if (isStream(path)) {
     unread = "a stream can only be read as text";
   } else if (kind != "ASCII") {
@@ -207,8 +207,8 @@ int frmDataIN::RowsNotLoaded() const {
 void frmDataIN::LoadAllRows() {
   if (RowsNotLoaded() == 0) return;
   if ((Changed || structure().highestRow() > 0) &&
-      session().dialogs().messageBox("The sheet is filled anew from its file: what was identified "
-                                     "or edited in it goes.\nLoad all rows?",
+      session().dialogs().messageBox("The sheet is filled again from its file; what was identified "
+                                     "or edited in it is lost.\nLoad all rows?",
                                      MessageButtons::YesNo, MessageIcon::Question) != Answer::Yes) {
     return;
   }
@@ -223,7 +223,7 @@ void frmDataIN::takeSheet(const Worksheet& source, int sheet) {
   gridF1D.replace([&] {
     F1D = Worksheet();
     source.cells(sheet).forEach([&](int row, int column, const Cell& cell) {
-      // Values, as pasting gives them: formulas would point into sheets that stay behind.
+      // Values, as pasting gives them: formulas would point into sheets of another workbook.
       F1D.ValueSRC(1, row, column, CellStore::valueOf(cell));
       if (cell.format != 0) F1D.setFormat(1, row, column, source.formats().at(cell.format));
     });

@@ -30,7 +30,7 @@ class frmDataIN : public DataSheetForm {
   static constexpr int gridRows = 16000;
   /// Rows of the text file that the sheet does not hold.
   int RowsNotLoaded() const;
-  /// Fills the sheet anew with every row of its text file and forgets its structure. Asks first
+  /// Fills the sheet again with every row of its text file and forgets its structure. Asks first
   /// where something was identified or edited.
   void LoadAllRows();
 
@@ -40,7 +40,7 @@ class frmDataIN : public DataSheetForm {
   /// does nothing; a file that cannot be opened throws FileError and changes nothing.
   void OpenFile(std::string_view path, std::string_view kind, std::string_view separator,
                 bool identify);
-  /// The text reader behind OpenFile, for bytes in any encoding.
+  /// The text reader of OpenFile, for bytes in any encoding.
   void readText(std::string_view bytes, std::string_view separator);
 
   /// Copies the contents and formats of another sheet's current sheet into this empty one.
@@ -48,7 +48,7 @@ class frmDataIN : public DataSheetForm {
 
   void RenameWindow();
   void Parse() override;
-  /// Closes the window and tells the list of data sheets.
+  /// Closes the window and removes it from the list of data sheets.
   void close() override;
   std::function<void(frmDataIN&)> onClosed;
   /// The user works with this window now.

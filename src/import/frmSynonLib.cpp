@@ -42,7 +42,7 @@ void frmSynonLib::Aukaise(std::string_view path) {
   for (int column = 1; column <= loaded.LastCol(); ++column) {
     loaded.ColText(column, loaded.TextRC(1, column));
   }
-  // Older files have a column for minerals; its heading goes with it.
+  // Older files have a column for minerals, which is not used any more.
   for (int column = loaded.LastCol(); column >= 1; --column) {
     if (loaded.ColText(column) == "Mineral") {
       loaded.DeleteRange(1, column, 1, column, Shift::Columns);

@@ -127,8 +127,8 @@ TEST_F(Open, AllRowsComeByQuestionMenuAndSetting) {
   later.OpenFile(file, "", "", false);
   later.AjaTunnista({});
   dialogs.expectMessage(
-      "The sheet is filled anew from its file: what was identified or edited in "
-      "it goes.\nLoad all rows?",
+      "The sheet is filled again from its file; what was identified or edited in "
+      "it is lost.\nLoad all rows?",
       Answer::Yes);
   later.mnuLoadAllRows.click();
   EXPECT_EQ(later.F1D.LastRow(), 16500);

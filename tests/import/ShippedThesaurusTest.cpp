@@ -61,7 +61,7 @@ TEST(ShippedThesaurus, RulesAreWellFormed) {
       EXPECT_GT(ElementNumber(element), 0);
     }
     EXPECT_TRUE(units.count(rows[r][5])) << rows[r][5];
-    // A column that is no element is only saved when its table, field and type are told.
+    // A column without an element is only saved with a table, a field and a type.
     const bool placed = !rows[r][6].empty();
     EXPECT_EQ(placed, !rows[r][7].empty());
     EXPECT_EQ(placed, !rows[r][8].empty());
@@ -124,7 +124,7 @@ INSTANTIATE_TEST_SUITE_P(
         Heading{"Zr", "Zr", "", "ppm"}, Heading{"SiO2 ", "SiO2", "", "%"},
         Heading{"V mg/kg", "V", "", "ppm"}, Heading{"U \xC2\xB5g/g", "U", "", "ppm"},
         Heading{"TiO2 wt pct", "TiO2", "", "%"},
-        // told by nothing: a bare ore element may be per cent or ppm, and Y may be a coordinate
+        // known from nothing: a bare ore element may be per cent or ppm, and Y may be a coordinate
         Heading{"Cu", "", "", ""}, Heading{"Y", "", "", ""}, Heading{"CO2", "CO2", "", "%"}),
     [](const auto& heading) {
       std::string name = std::to_string(heading.index) + "_";

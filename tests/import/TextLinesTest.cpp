@@ -50,7 +50,7 @@ TEST(ProposedSplit, FindsTheColumnsOfAFile) {
        "Laboratory report, 2 samples\nA\tB\tC\n1\t2\t3\n",
        "\t",
        {"A", "B", "C"}},
-      {"aligned, units behind a blank",
+      {"aligned, units after a blank",
        "Sample   SiO2 %   Au ppb\nA-1      50.10         2\n",
        "  ",
        {"A-1", "50.10", "2"}},

@@ -320,7 +320,8 @@ TEST_F(WorkTest, ValuesBelowTheDetectionLimitAreConvertedOnDemand) {
   EXPECT_EQ(rocks.F1D.TextRC(row, 4), "<2") << "so does what is no element";
   EXPECT_EQ(rocks.F1D.TextRC(row + 1, 3), "<");
   EXPECT_EQ(rocks.F1D.TextRC(row + 2, 3), "<-1");
-  EXPECT_THAT(session.log.txtLog.text(), HasSubstr("-1 values below the detection limit"));
+  EXPECT_THAT(session.log.txtLog.text(),
+              HasSubstr("A value below the detection limit was replaced by half"));
 }
 
 TEST_F(WorkTest, ViewerIsTriedAtTwoPlacesAndEndsTheProgram) {
