@@ -32,9 +32,7 @@ void openPlainly(CommandContext& context, Connection& connection, std::string_vi
     servers = {console.session().record.UserIni, console.session().record.MainIni};
   }
   connection.Open(ConnectionString(path, "", ""), servers);
-  for (const Finding& finding : connection.Noticed().all()) {
-    context.err << "lodex: " << describe(finding) << '\n';
-  }
+  context.found.append(connection.Noticed());
 }
 
 }  // namespace lodex
