@@ -1,6 +1,7 @@
 #include "basic/Files.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "basic/Error.h"
 
@@ -17,7 +18,8 @@ TEST(Files, TakesPathsApart) {
 }
 
 TEST(Files, AFailedWriteLeavesTheOldFile) {
-  const auto folder = std::filesystem::temp_directory_path() / "lodex_files";
+  const auto folder =
+      std::filesystem::temp_directory_path() / ("lodex_files_" + std::to_string(::getpid()));
   std::filesystem::create_directories(folder);
   const std::string path = pathText(folder / "kept.txt");
   writeFileWhole(path, "old");
@@ -40,7 +42,7 @@ TEST(Files, AFailedWriteLeavesTheOldFile) {
 
 TEST(Files, WritesThroughLinksAndRefusesDevices) {
   namespace fs = std::filesystem;
-  const auto folder = fs::temp_directory_path() / "lodex_links";
+  const auto folder = fs::temp_directory_path() / ("lodex_links_" + std::to_string(::getpid()));
   fs::remove_all(folder);
   fs::create_directories(folder);
   const std::string target = pathText(folder / "target.txt");

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -254,7 +255,8 @@ TEST_F(ReferenceTables, ItemsAgreeAcrossTheClassification) {
 
 TEST_F(ReferenceTables, DamagedFilesAreNamedAndNothingChanges) {
   namespace fs = std::filesystem;
-  const fs::path folder = fs::temp_directory_path() / "lodex-reference-test";
+  const fs::path folder =
+      fs::temp_directory_path() / ("lodex-reference-test-" + std::to_string(::getpid()));
   const struct {
     const char* file;
     const char* content;  // null removes the file

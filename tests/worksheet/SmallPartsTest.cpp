@@ -1,5 +1,6 @@
 // Addresses, the sample table and the snapshot container.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -136,7 +137,8 @@ TEST(Snapshot, DamageIsNoticedAndChangesNothing) {
 }
 
 TEST(WorksheetFiles, ToldByContentNotByName) {
-  const auto folder = std::filesystem::temp_directory_path() / "lodex_kinds";
+  const auto folder =
+      std::filesystem::temp_directory_path() / ("lodex_kinds_" + std::to_string(::getpid()));
   std::filesystem::create_directories(folder);
   const auto path = [&](const char* name) { return pathText(folder / name); };
   Worksheet book;

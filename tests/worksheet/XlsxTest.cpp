@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -16,6 +17,11 @@
 
 namespace lodex {
 namespace {
+
+// The name of a file that a test running beside this one does not have.
+std::string ownName(const std::string& name) {
+  return name + "_" + std::to_string(::getpid()) + ".xlsx";
+}
 
 std::string relation(const std::string& id, const std::string& type, const std::string& target) {
   return "<Relationship Id=\"" + id + "\" Type=\"http://x/relationships/" + type + "\" Target=\"" +
@@ -199,7 +205,7 @@ TEST(XlsxReader, DamageIsAFileError) {
        zipOf({{"_rels/.rels", "<R>" + relation("r1", "officeDocument", "xl/workbook.bin") + "</R>"},
               {"xl/workbook.bin", "x"}})},
   };
-  const auto path = std::filesystem::temp_directory_path() / "lodex_damaged.xlsx";
+  const auto path = std::filesystem::temp_directory_path() / ownName("lodex_damaged");
   for (const Case& row : cases) {
     SCOPED_TRACE(row.name);
     writeFileWhole(pathText(path), row.bytes);
@@ -266,12 +272,12 @@ TEST(XlsxWriter, WhatIsWrittenReadsBack) {
   book.setDefinedNames(
       {{"Irons", "'Data ''raw'' 1'!$A$1:$A$2", 0, false}, {"Local", "Hidden!$A$1", 2, true}});
 
-  const auto path = pathText(std::filesystem::temp_directory_path() / "lodex_written.xlsx");
+  const auto path = pathText(std::filesystem::temp_directory_path() / ownName("lodex_written"));
   book.Write(path, FileType::Xlsx);
   Worksheet back;
   EXPECT_EQ(back.Read(path), FileType::Xlsx);
   std::filesystem::remove(path);
-  EXPECT_EQ(back.Title(), "lodex_written");
+  EXPECT_EQ(back.Title() + ".xlsx", ownName("lodex_written"));
   ASSERT_EQ(back.NumSheets(), 3);
   for (int sheet = 1; sheet <= 3; ++sheet) {
     EXPECT_EQ(back.SheetName(sheet), book.SheetName(sheet));
@@ -320,7 +326,7 @@ TEST(XlsxWriter, PlainDecimalsBecomeNumbersThatShowTheirZeros) {
   Worksheet book;
   book.TextRC(1, 1, "12.50");
   book.TextRC(2, 1, "00123");
-  const auto path = pathText(std::filesystem::temp_directory_path() / "lodex_decimals.xlsx");
+  const auto path = pathText(std::filesystem::temp_directory_path() / ownName("lodex_decimals"));
   book.Write(path, FileType::Xlsx);
   book.Read(path);
   std::filesystem::remove(path);
@@ -330,7 +336,7 @@ TEST(XlsxWriter, PlainDecimalsBecomeNumbersThatShowTheirZeros) {
 }
 
 TEST(XlsxWriter, RefusesWhatTheFormatCannotHold) {
-  const auto path = pathText(std::filesystem::temp_directory_path() / "lodex_refused.xlsx");
+  const auto path = pathText(std::filesystem::temp_directory_path() / ownName("lodex_refused"));
   Worksheet book;
   book.SheetName(1, "a/b");
   EXPECT_THROW(book.Write(path, FileType::Xlsx), FileError);
