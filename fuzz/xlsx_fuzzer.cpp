@@ -5,6 +5,7 @@
 
 #include "basic/Error.h"
 #include "worksheet/Worksheet.h"
+#include "worksheet/files/XmlReader.h"
 #include "worksheet/files/ZipArchive.h"
 #include "worksheet/files/ods/OdsReader.h"
 #include "worksheet/files/xlsx/XlsxParts.h"
@@ -21,15 +22,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       case 0: {
         const lodex::ZipArchive archive(bytes);
         if (lodex::looksLikeXlsx(archive)) {
-          lodex::readXlsx(archive, book);
+          lodex::readXlsx(archive, size, book);
         } else if (lodex::looksLikeOds(archive)) {
-          lodex::readOds(archive, book);
+          lodex::readOds(archive, size, book);
         }
         break;
       }
-      case 1:
-        lodex::readXlsxSheet(bytes, {lodex::Value::text("a")}, {0, 0}, book, 1);
+      case 1: {
+        lodex::XlsxBook file{
+            book, lodex::ReadBudget(size), {lodex::Value::text("a")}, {0, 0}, false};
+        lodex::readXml(bytes, *lodex::xlsxSheetHandler(file, 1));
         break;
+      }
       case 2:
         lodex::readXlsxStyles(bytes, {0, 1, 2, 3}, book);
         break;

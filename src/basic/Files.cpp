@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -26,6 +27,32 @@ using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 [[noreturn]] void failOn(std::string_view path, const std::string& reason) {
   throw FileError("Cannot open " + std::string(path) + ": " + reason);
 }
+
+[[noreturn]] void failToWrite(std::string_view path, const std::string& reason) {
+  throw FileError("Cannot write " + std::string(path) + ": " + reason);
+}
+
+// A folder beside the target that only this user can enter and whose name nobody can guess: in a
+// folder that others may write to, nobody can plant a link where the temporary file will be.
+class PrivateFolder {
+ public:
+  PrivateFolder(std::string_view asked, const fs::path& target) {
+    std::string name = pathText(target) + ".XXXXXX";
+    if (::mkdtemp(name.data()) == nullptr) failToWrite(asked, std::strerror(errno));
+    path_ = name;
+  }
+  ~PrivateFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  PrivateFolder(const PrivateFolder&) = delete;
+  PrivateFolder& operator=(const PrivateFolder&) = delete;
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
 
 }  // namespace
 
@@ -94,31 +121,22 @@ void writeFileWhole(std::string_view path, const std::function<void(const fs::pa
     if (!ignored) target = linked;
   }
   const fs::file_status before = fs::status(target, ignored);
-  fs::path temporary = target;
-  temporary += ".tmp" + std::to_string(::getpid());
-  try {
-    fill(temporary);
-    std::error_code failed;
-    if (fs::is_regular_file(before)) fs::permissions(temporary, before.permissions(), failed);
-    fs::rename(temporary, target, failed);
-    if (failed) {
-      throw FileError("Cannot write " + std::string(path) + ": " + failed.message());
-    }
-  } catch (...) {
-    fs::remove(temporary, ignored);
-    throw;
-  }
+  const PrivateFolder folder(path, target);
+  const fs::path temporary = folder.path() / target.filename();
+  fill(temporary);
+  std::error_code failed;
+  if (fs::is_regular_file(before)) fs::permissions(temporary, before.permissions(), failed);
+  fs::rename(temporary, target, failed);
+  if (failed) failToWrite(path, failed.message());
 }
 
 void writeFileWhole(std::string_view path, std::string_view content) {
   writeFileWhole(path, [&](const fs::path& temporary) {
-    const auto fail = [&] {
-      throw FileError("Cannot write " + std::string(path) + ": " + std::strerror(errno));
-    };
-    FileHandle file(std::fopen(temporary.c_str(), "wb"));
-    if (!file) fail();
-    if (std::fwrite(content.data(), 1, content.size(), file.get()) != content.size()) fail();
-    if (std::fflush(file.get()) != 0) fail();
+    FileHandle file(std::fopen(temporary.c_str(), "wbx"));
+    if (!file || std::fwrite(content.data(), 1, content.size(), file.get()) != content.size() ||
+        std::fflush(file.get()) != 0) {
+      failToWrite(path, std::strerror(errno));
+    }
   });
 }
 

@@ -14,7 +14,7 @@ std::filesystem::path nativePath(std::string_view text);
 /// The text form of a path, UTF-8.
 std::string pathText(const std::filesystem::path& path);
 
-/// The part of a path behind its last "\" or "/", and the part before it (without the separator).
+/// The part of a path after its last "\" or "/", and the part before it (without the separator).
 std::string fileNameOf(std::string_view path);
 std::string folderOf(std::string_view path);
 
@@ -29,9 +29,10 @@ bool pathExists(std::string_view path);
 /// GB.
 std::string readFile(std::string_view path, size_t maxBytes = 0);
 
-/// Writes a file as a whole or not at all: `fill` writes to a temporary beside it, which then takes
-/// its name. A file already there stays as it was until then, and when `fill` throws; its
-/// permissions stay anyway. Behind a symbolic link the file that it points to is written.
+/// Writes a file as a whole or not at all: `fill` creates a temporary file, which then takes its
+/// name. A file already there stays as it was until then, and when `fill` throws; its permissions
+/// stay anyway. If the path is a symbolic link, the file that it points to is written. The
+/// temporary is in a private folder beside the target, so nobody else can put a link in its place.
 void writeFileWhole(std::string_view path,
                     const std::function<void(const std::filesystem::path& temporary)>& fill);
 void writeFileWhole(std::string_view path, std::string_view content);

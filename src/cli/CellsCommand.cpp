@@ -49,21 +49,19 @@ char kindLetter(const Value& value) {
 
 void printSheet(const Worksheet& book, int sheet, bool formulas, std::ostream& out) {
   const std::string name = escaped(book.SheetName(sheet));
-  for (int row = 1; row <= book.LastRow(sheet); ++row) {
-    for (int column = 1; column <= book.LastCol(sheet); ++column) {
-      const bool isFormula = book.cells(sheet).at(row, column).kind == ValueKind::Formula;
-      const Value value = book.cells(sheet).value(row, column);
-      if (value.isEmpty() && !(isFormula && formulas)) continue;
-      const std::string text =
-          value.isNumber() ? exactNumberText(value.asNumber()) : escaped(value.asText());
-      out << name << '\t' << cellAddress(row, column) << '\t' << kindLetter(value) << '\t' << text;
-      if (formulas) {
-        out << '\t';
-        if (isFormula) out << '=' << escaped(book.FormulaSRC(sheet, row, column));
-      }
-      out << '\n';
+  book.cells(sheet).forEachByRow([&](int row, int column, const Cell& cell) {
+    const bool isFormula = cell.kind == ValueKind::Formula;
+    const Value value = CellStore::valueOf(cell);
+    if (value.isEmpty() && !(isFormula && formulas)) return;
+    const std::string text =
+        value.isNumber() ? exactNumberText(value.asNumber()) : escaped(value.asText());
+    out << name << '\t' << cellAddress(row, column) << '\t' << kindLetter(value) << '\t' << text;
+    if (formulas) {
+      out << '\t';
+      if (isFormula) out << '=' << escaped(book.FormulaSRC(sheet, row, column));
     }
-  }
+    out << '\n';
+  });
 }
 
 // A sheet by name, or else by number.

@@ -22,6 +22,7 @@ CellStore& CellStore::operator=(CellStore&& other) noexcept {
   std::swap(usedInRow_, other.usedInRow_);
   std::swap(lastRow_, other.lastRow_);
   std::swap(lastColumn_, other.lastColumn_);
+  std::swap(bytes_, other.bytes_);
   return *this;
 }
 
@@ -45,10 +46,19 @@ void CellStore::release(Cell& cell) {
 Cell& CellStore::grow(int row, int column) {
   const auto c = static_cast<size_t>(column);
   const auto b = static_cast<size_t>(row) / blockRows;
-  if (c >= columns_.size()) columns_.resize(c + 1);
+  if (c >= columns_.size()) {
+    bytes_ += (c + 1 - columns_.size()) * sizeof(Column);
+    columns_.resize(c + 1);
+  }
   auto& blocks = columns_[c].blocks;
-  if (b >= blocks.size()) blocks.resize(b + 1);
-  if (!blocks[b]) blocks[b] = std::make_unique<Block>();
+  if (b >= blocks.size()) {
+    bytes_ += (b + 1 - blocks.size()) * sizeof blocks[b];
+    blocks.resize(b + 1);
+  }
+  if (!blocks[b]) {
+    bytes_ += sizeof(Block);
+    blocks[b] = std::make_unique<Block>();
+  }
   return (*blocks[b])[static_cast<size_t>(row) % blockRows];
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "worksheet/Value.h"
@@ -69,6 +70,9 @@ class CellStore {
   int lastRow() const { return lastRow_; }
   int lastColumn() const { return lastColumn_; }
 
+  /// Memory that the cells take, without what texts and formulas own; it never shrinks.
+  size_t bytes() const { return bytes_; }
+
   /// Number of cells with content in a row or column; 0 for one never used.
   int usedInRow(int row) const;
   int usedInColumn(int column) const;
@@ -93,6 +97,34 @@ class CellStore {
         for (size_t i = 0; i < blockRows; ++i) {
           if (block[i].kind != ValueKind::Empty || block[i].format != 0) {
             visit(static_cast<int>(b * blockRows + i), static_cast<int>(c), block[i]);
+          }
+        }
+      }
+    }
+  }
+
+  /// The same row by row.
+  template <typename Visit>
+  void forEachByRow(Visit visit) const {
+    std::vector<size_t> stored;
+    size_t blocks = 0;
+    for (size_t c = 1; c < columns_.size(); ++c) {
+      if (!columns_[c].blocks.empty()) stored.push_back(c);
+      blocks = std::max(blocks, columns_[c].blocks.size());
+    }
+    std::vector<std::pair<size_t, const Block*>> here;  // the columns that have block b
+    for (size_t b = 0; b < blocks; ++b) {
+      here.clear();
+      for (const size_t c : stored) {
+        if (b < columns_[c].blocks.size() && columns_[c].blocks[b]) {
+          here.emplace_back(c, columns_[c].blocks[b].get());
+        }
+      }
+      for (size_t i = 0; i < blockRows; ++i) {
+        for (const auto& [c, block] : here) {
+          const Cell& cell = (*block)[i];
+          if (cell.kind != ValueKind::Empty || cell.format != 0) {
+            visit(static_cast<int>(b * blockRows + i), static_cast<int>(c), cell);
           }
         }
       }
@@ -159,6 +191,7 @@ class CellStore {
   std::vector<std::int32_t> usedInRow_;  // index 0 unused
   int lastRow_ = 0;
   int lastColumn_ = 0;
+  size_t bytes_ = 0;
 };
 
 }  // namespace lodex

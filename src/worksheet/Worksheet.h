@@ -289,6 +289,8 @@ class Worksheet {
   // --- For file readers and writers and the formula engine ---
 
   Findings& findingsForReader() { return readFindings_; }
+  /// Calculates the formulas for which the file has no value, and notes each.
+  void calculateMissing();
   const CellStore& cells(int sheet) const { return data(sheet).cells; }
   /// Fetch it anew after a Recalc: the formulas learn of a change only through this call.
   CellStore& cellsForReader(int sheet);
@@ -327,7 +329,6 @@ class Worksheet {
   std::string displayed(const Cell& cell) const;
   void setContent(SheetData& target, int sheet, int row, int column, const Value& value);
   void formulasChange();
-  void calculateMissing();
   void blockChanges(int row1, int column1, int row2, int column2);
   enum class Rewrite { All, WithSheets };
   void rewriteFormulas(Rewrite which,

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <set>
+
 #include "basic/Error.h"
 
 namespace lodex {
@@ -55,6 +57,25 @@ TEST(Files, WritesThroughLinksAndRefusesDevices) {
   EXPECT_EQ(readFile(target), "new");
   EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
   EXPECT_THROW(readFile("/dev/zero"), FileError);
+  fs::remove_all(folder);
+}
+
+TEST(Files, TheTemporaryIsOutOfReachOfOthers) {
+  namespace fs = std::filesystem;
+  const auto folder = fs::temp_directory_path() / "lodex_private";
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  std::set<fs::path> places;
+  for (int turn = 0; turn < 2; ++turn) {
+    writeFileWhole(pathText(folder / "a.txt"), [&](const fs::path& temporary) {
+      EXPECT_FALSE(fs::exists(temporary));
+      EXPECT_EQ(fs::status(temporary.parent_path()).permissions(), fs::perms::owner_all);
+      places.insert(temporary);
+      writeFileWhole(pathText(temporary), "text");
+    });
+  }
+  EXPECT_EQ(places.size(), 2u) << "names differ from turn to turn";
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
   fs::remove_all(folder);
 }
 

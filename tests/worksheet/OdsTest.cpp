@@ -19,7 +19,7 @@ Worksheet readTables(const std::string& tables, const std::string& styles = "") 
   const ZipArchive archive(bytes);
   EXPECT_TRUE(looksLikeOds(archive));
   Worksheet book;
-  readOds(archive, book);
+  readOds(archive, bytes.size(), book);
   return book;
 }
 

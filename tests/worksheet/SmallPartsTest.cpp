@@ -136,7 +136,7 @@ TEST(Snapshot, DamageIsNoticedAndChangesNothing) {
   EXPECT_EQ(book.TextRC(1, 1), "before");
 }
 
-TEST(WorksheetFiles, ToldByContentNotByName) {
+TEST(WorksheetFiles, DetectsTypesFromContentNotFromNames) {
   const auto folder =
       std::filesystem::temp_directory_path() / ("lodex_kinds_" + std::to_string(::getpid()));
   std::filesystem::create_directories(folder);
@@ -165,13 +165,15 @@ TEST(WorksheetFiles, ToldByContentNotByName) {
     std::string bytes;
     const char* reason;
   };
-  const Case cases[] = {{"empty.txt", "", "the file is empty"},
-                        {"binary.xls",
-                         std::string("\x7F"
-                                     "ELF\0\0\0\1",
-                                     8),
-                         "it is of no known kind"},
-                        {"broken.xlsx", "PK\x03\x04 nothing more", "the file is damaged"}};
+  const Case cases[] = {
+      {"empty.txt", "", "the file is empty"},
+      {"binary.xls",
+       std::string("\x7F"
+                   "ELF\0\0\0\1",
+                   8),
+       "it is not a workbook, and not a text"},
+      {"nul.txt", std::string("a\tb\r\n1\t2\r\n3\t\0 Fe2O3 of a longer text", 38), "line 3"},
+      {"broken.xlsx", "PK\x03\x04 nothing more", "the file is damaged"}};
   for (const Case& row : cases) {
     writeFileWhole(path(row.name), row.bytes);
     try {

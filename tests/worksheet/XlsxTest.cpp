@@ -69,7 +69,7 @@ Worksheet readPackage(const std::string& bytes) {
   Worksheet book;
   const ZipArchive archive(bytes);
   EXPECT_TRUE(looksLikeXlsx(archive));
-  readXlsx(archive, book);
+  readXlsx(archive, bytes.size(), book);
   return book;
 }
 

@@ -169,7 +169,8 @@ TEST(XlsVersion8, ReadsASharedStringTableAcrossRecords) {
   EXPECT_EQ(book.TextRC(2, 1), "de");
   EXPECT_EQ(book.TextRC(3, 1), "fg\xCE\xB1h");
   EXPECT_EQ(book.TextRC(4, 1), "z");
-  EXPECT_EQ(book.LastRow(), 4) << "an index past the table holds nothing";
+  EXPECT_EQ(book.LastRow(), 4);
+  EXPECT_GE(book.ReadFindings().count(Severity::Error), 1u) << "a text and its cell are missing";
 }
 
 TEST(XlsVersion8, ReadsNamesOfOtherBooksAddInsAndSheetRanges) {
@@ -259,10 +260,19 @@ TEST(XlsReader, ComputesWhatItsWriterLeftWithoutValues) {
   const std::string sum = bytes({0x44, 0, 0, 0, 0xC0, 0x1E, 1, 0, 0x03});  // A1+1
   const std::string cells =
       record(0x0203, head(0, 0) + f64(4)) + formulaRecord(8, 0, 1, nothing, sum);
-  EXPECT_EQ(readBytes(workbook(8, {{"A", cells}})).NumberRC(1, 2), 5);
+  const auto calculated = [](const std::string& records) {
+    Worksheet book = readBytes(workbook(8, {{"A", records}}));
+    book.calculateMissing();
+    return book;
+  };
+  const Worksheet book = calculated(cells);
+  EXPECT_EQ(book.NumberRC(1, 2), 5);
+  EXPECT_EQ(book.recalcReport().withoutValue, 1u);
+  EXPECT_EQ(book.ReadFindings().count(Severity::Note), 1u);
   // With one value among them the empty text is a result.
   const std::string more = cells + formulaRecord(8, 0, 2, f64(99), sum);
-  EXPECT_EQ(readBytes(workbook(8, {{"A", more}})).TextRC(1, 2), "");
+  EXPECT_EQ(calculated(more).TextRC(1, 2), "");
+  EXPECT_EQ(calculated(more).NumberRC(1, 3), 99) << "values of the file stay";
 }
 
 TEST(XlsReader, NamesWhatIsWrong) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "basic/Error.h"
 #include "worksheet/files/xls/OleFile.h"
 #include "worksheet/formula/FormulaCell.h"
@@ -208,9 +206,8 @@ TEST(XlsWriter, TurnsSpelledDecimalsIntoNumbersThatLookTheSame) {
 TEST(XlsWriter, BringsLooksAndSheetsBack) {
   Worksheet sheet;
   sheet.NumSheets(3);
-  const std::string longName = "A name of more than thirty-one characters";
-  sheet.SheetName(1, longName + " 1");
-  sheet.SheetName(2, longName + " 2");
+  sheet.SheetName(1, "A name of 31 letters, all taken");
+  sheet.SheetName(2, "a_b_c");
   sheet.SheetName(3, "a/b:c");
   sheet.sheetVisibility(3, SheetVisibility::VeryHidden);
   sheet.Sheet(2);
@@ -240,9 +237,9 @@ TEST(XlsWriter, BringsLooksAndSheetsBack) {
   }
   sheet.NumberSRC(2, 1, 1, 5);
   const Worksheet copy = throughFile(sheet);
-  EXPECT_EQ(copy.SheetName(1), "A name of more than thirty-one ");
-  EXPECT_EQ(copy.SheetName(2), "A name of more than thirty-on~2");
-  EXPECT_EQ(copy.SheetName(3), "a_b_c");
+  EXPECT_EQ(copy.SheetName(1), "A name of 31 letters, all taken");
+  EXPECT_EQ(copy.SheetName(2), "a_b_c");
+  EXPECT_EQ(copy.SheetName(3), "a_b_c~2");
   EXPECT_EQ(copy.sheetVisibility(3), SheetVisibility::VeryHidden);
   EXPECT_EQ(copy.Sheet(), 2);
   EXPECT_EQ(copy.FixedRows(), 3);
@@ -295,16 +292,15 @@ TEST(XlsWriter, SpreadsLongTextsOverRecords) {
   std::string wide;
   for (int i = 0; i < 12000; ++i) wide += i % 7 == 0 ? "漢" : "x";
   int row = 0;
-  for (size_t length : {8190u, 8210u, 8216u, 8217u, 8218u, 8219u, 8220u, 20000u, 32767u, 40000u}) {
+  for (size_t length : {8190u, 8210u, 8216u, 8217u, 8218u, 8219u, 8220u, 20000u, 32767u}) {
     ++row;
     sheet.TextSRC(1, row, 1, std::string(length, static_cast<char>('a' + row)));
   }
   sheet.TextSRC(1, ++row, 1, wide);
-  sheet.setFormulaWithValue(1, ++row, 1, "A11", Value::text(wide));
+  sheet.setFormulaWithValue(1, ++row, 1, "A10", Value::text(wide));
   const Worksheet copy = throughFile(sheet);
   for (int r = 1; r <= row; ++r) {
-    EXPECT_EQ(copy.TextRC(r, 1), sheet.TextRC(r, 1).substr(0, r == 10 ? 32767 : std::string::npos))
-        << r;
+    EXPECT_EQ(copy.TextRC(r, 1), sheet.TextRC(r, 1)) << r;
   }
 }
 
@@ -319,49 +315,23 @@ TEST(XlsWriter, RefusesWhatTheFormatCannotHold) {
       EXPECT_NE(std::string(error.what()).find("65536 rows and 256 columns"), std::string::npos);
     }
   }
+  const auto refusal = [](const Worksheet& sheet) -> std::string {
+    try {
+      writeXls(sheet);
+    } catch (const FileError& error) {
+      return error.what();
+    }
+    return "";
+  };
+  Worksheet text;
+  text.TextRC(2, 2, std::string(32768, 'x'));
+  EXPECT_EQ(refusal(text), "Cell B2 of sheet Sheet1 holds a longer text than an .xls file can");
+  Worksheet name;
+  name.SheetName(1, std::string(32, 'n'));
+  EXPECT_NE(refusal(name).find("longer than the 31 characters"), std::string::npos);
   Worksheet largest;
   largest.NumberRC(65536, 256, 1);
   EXPECT_EQ(throughFile(largest).NumberRC(65536, 256), 1);
-}
-
-// Whatever happens to a file on its way, reading it ends with cells or with a FileError.
-TEST(XlsReader, SurvivesDamage) {
-  Worksheet sheet;
-  sheet.NumSheets(2);
-  for (int row = 1; row <= 40; ++row) {
-    sheet.NumberSRC(1, row, 1, row / 3.0);
-    sheet.TextSRC(2, row, 2, "text " + std::to_string(row));
-    sheet.setFormulaWithValue(1, row, 3, "SUM(A1:A" + std::to_string(row) + ",Sheet2!B2,{1,2})",
-                              Value::text("t"));
-  }
-  sheet.setArrayFormula(1, 1, 5, 3, 5, "A1:A3*2");
-  const std::string whole = writeXls(sheet);
-  const std::string stream = ole::readStream(whole, {"Workbook"})->bytes;
-  const auto survives = [](const std::string& bytes) {
-    Worksheet into;
-    try {
-      readXls(bytes, into);
-      writeXls(into);
-    } catch (const Error&) {
-    }
-  };
-  for (size_t size = 0; size < whole.size(); size += 97) survives(whole.substr(0, size));
-  int cellsLeft = 0;
-  for (size_t size = 0; size < stream.size(); size += 31) {
-    Worksheet into;
-    try {
-      readXls(stream.substr(0, size), into);
-      cellsLeft = std::max(cellsLeft, into.LastRow(1));
-    } catch (const FileError&) {
-    }
-  }
-  EXPECT_EQ(cellsLeft, 40) << "what comes before the cut is read";
-  std::mt19937 random(1);
-  for (int turn = 0; turn < 3000; ++turn) {
-    std::string damaged = turn % 2 == 0 ? whole : stream;
-    for (int i = 0; i < 8; ++i) damaged[random() % damaged.size()] = static_cast<char>(random());
-    survives(damaged);
-  }
 }
 
 }  // namespace

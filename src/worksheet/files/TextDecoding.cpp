@@ -100,18 +100,29 @@ std::string fromDetectedEncoding(std::string_view bytes) {
   return convert(bytes, std::string(name).c_str());
 }
 
+// Whether more than a few characters, NULs aside, are such as no text holds.
+bool hasManyControls(std::string_view bytes) {
+  const std::string_view sample = bytes.substr(0, sampleBytes);
+  const auto controls = std::count_if(sample.begin(), sample.end(), [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 && c != '\0' &&
+           std::string_view("\t\r\n\f\v\x1A").find(c) == std::string_view::npos;
+  });
+  return static_cast<size_t>(controls) * 50 > sample.size();
+}
+
 }  // namespace
 
 bool looksLikeText(std::string_view bytes) {
   if (startsWith(bytes, "\xFF\xFE") || startsWith(bytes, "\xFE\xFF")) return true;
   if (guessUtf16(bytes) != Utf16::None) return true;
-  if (bytes.find('\0') != std::string_view::npos) return false;
-  const std::string_view sample = bytes.substr(0, sampleBytes);
-  const auto controls = std::count_if(sample.begin(), sample.end(), [](char c) {
-    return static_cast<unsigned char>(c) < 0x20 &&
-           std::string_view("\t\r\n\f\v\x1A").find(c) == std::string_view::npos;
-  });
-  return static_cast<size_t>(controls) * 50 <= sample.size();
+  return bytes.find('\0') == std::string_view::npos && !hasManyControls(bytes);
+}
+
+int lineOfNul(std::string_view bytes) {
+  const size_t nul = bytes.find('\0');
+  if (nul == std::string_view::npos || hasManyControls(bytes)) return 0;
+  if (std::count(bytes.begin(), bytes.end(), '\0') * 4 > std::ssize(bytes)) return 0;
+  return static_cast<int>(textLines(bytes.substr(0, nul + 1)).size());
 }
 
 std::string decodeText(std::string_view bytes) {

@@ -17,7 +17,7 @@ bool isLineEnd(char c) {
   return c == '\n' || c == '\r';
 }
 
-// The end of a field that starts with a quote at `start`: the place behind the closing quote, or
+// The end of a field that starts with a quote at `start`: the position after the closing quote, or
 // npos if the field is not wholly enclosed.
 size_t closingQuote(std::string_view text, size_t start, char separator) {
   const size_t limit = std::min(text.size(), start + 2 * longestQuoted);
@@ -42,6 +42,10 @@ size_t closingQuote(std::string_view text, size_t start, char separator) {
 
 }  // namespace
 
+void failNul(int line) {
+  throw FileError("line " + std::to_string(line) + " holds a NUL character, as no text does");
+}
+
 std::vector<std::string_view> textLines(std::string_view text) {
   std::vector<std::string_view> lines;
   size_t start = 0;
@@ -58,7 +62,7 @@ void splitCells(std::string_view text, char separator,
   int row = 1;
   int column = 1;
   size_t pos = 0;
-  // A separator at the very end still has an empty field behind it, a line end has not.
+  // A separator at the very end is followed by an empty field, a line end is not.
   while (pos < text.size() || column > 1) {
     size_t end = std::string_view::npos;
     if (pos < text.size() && text[pos] == '"') end = closingQuote(text, pos, separator);
@@ -81,14 +85,23 @@ void splitCells(std::string_view text, char separator,
   }
 }
 
-void readText(std::string_view bytes, Worksheet& into, char separator) {
+int readText(std::string_view bytes, Worksheet& into, char separator, int mostRows) {
   const std::string text = decodeText(bytes);
+  if (const size_t nul = text.find('\0'); nul != std::string::npos) {
+    failNul(static_cast<int>(textLines(std::string_view(text).substr(0, nul + 1)).size()));
+  }
   CellStore& cells = into.cellsForReader(1);
+  int rows = 0;
   splitCells(text, separator, [&](int row, int column, std::string_view field) {
-    if (row > maxRows) failSize("rows", maxRows);
+    rows = row;
+    if (row > mostRows) {
+      if (mostRows == maxRows) failSize("rows", maxRows);
+      return;
+    }
     if (column > maxColumns) failSize("columns", maxColumns);
     cells.set(row, column, Value::stored(field));
   });
+  return rows;
 }
 
 }  // namespace lodex

@@ -1,4 +1,4 @@
-// Which reader a file needs, told by its content, and which writer a kind needs.
+// Which reader a file needs, detected from its content, and which writer a file type needs.
 #include "basic/Error.h"
 #include "basic/Files.h"
 #include "worksheet/Worksheet.h"
@@ -19,11 +19,11 @@ namespace {
 FileType readZip(std::string_view bytes, Worksheet& into) {
   const ZipArchive archive(bytes);
   if (looksLikeXlsx(archive)) {
-    readXlsx(archive, into);
+    readXlsx(archive, bytes.size(), into);
     return FileType::Xlsx;
   }
   if (looksLikeOds(archive)) {
-    readOds(archive, into);
+    readOds(archive, bytes.size(), into);
     return FileType::Ods;
   }
   throw FileError("it is a zip file without a workbook in it");
@@ -48,7 +48,8 @@ FileType readAny(std::string_view bytes, Worksheet& into) {
     readText(bytes, into);
     return FileType::Text;
   }
-  throw FileError("it is of no known kind");
+  if (const int line = lineOfNul(bytes)) failNul(line);
+  throw FileError("it is not a workbook, and not a text");
 }
 
 std::string titleOf(std::string_view path) {
@@ -90,7 +91,8 @@ void Worksheet::Write(std::string_view path, FileType type) const {
     case FileType::Xlsx:
       return writeFileWhole(path, writeXlsx(*this));
     default:
-      throw FileError("Cannot write " + std::string(path) + ": no writer for this kind of file");
+      throw FileError("Cannot write " + std::string(path) +
+                      ": this type of file cannot be written");
   }
 }
 

@@ -1,142 +1,183 @@
 #include "worksheet/files/ZipArchive.h"
 
-#include <gsf/gsf.h>
+#include <zip.h>
 
 #include <algorithm>
+#include <deque>
+#include <new>
 #include <vector>
 
 #include "basic/Error.h"
 #include "basic/Text.h"
+#include "worksheet/files/XmlReader.h"
 
 namespace lodex {
 namespace {
 
-struct Unref {
-  void operator()(void* object) const { g_object_unref(object); }
-};
-using Input = std::unique_ptr<GsfInput, Unref>;
-
-// No honest part of a workbook is larger, and deflate cannot shrink anything further than this.
+// No real part of a workbook is larger. One beyond `suspicious` that shrank to less than a
+// `strongest`-th of its size is a trap; sheets shrink to a tenth, to a hundredth at most.
 constexpr std::uint64_t largestPart = std::uint64_t{1} << 30;
-constexpr std::uint64_t strongestDeflate = 1040;
+constexpr std::uint64_t suspicious = std::uint64_t{32} << 20;
+constexpr std::uint64_t strongest = 250;
 
-// What libgsf would print about a damaged file, our exceptions already say.
-void ignoreMessage(const gchar*, GLogLevelFlags, const gchar*, gpointer) {}
+struct CloseArchive {
+  void operator()(zip_t* archive) const { zip_discard(archive); }
+};
+using Archive = std::unique_ptr<zip_t, CloseArchive>;
 
-void initialise() {
-  static const bool done = [] {
-    gsf_init();
-    for (const char* domain : {"libgsf", "libgsf:zip", static_cast<const char*>(nullptr)}) {
-      g_log_set_handler(domain, static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK), ignoreMessage,
-                        nullptr);
-    }
-    return true;
-  }();
-  (void)done;
-}
+struct CloseFile {
+  void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
 
-[[noreturn]] void failPart(std::string_view path, const char* reason) {
+[[noreturn]] void failPart(std::string_view path, const std::string& reason) {
   throw FileError("the part " + std::string(path) + " of the file " + reason);
 }
 
-// The child of that name, in any case.
-Input child(GsfInfile* folder, const std::string& name) {
-  if (GsfInput* exact = gsf_infile_child_by_name(folder, name.c_str())) return Input(exact);
-  for (int i = 0; i < gsf_infile_num_children(folder); ++i) {
-    const char* other = gsf_infile_name_by_index(folder, i);
-    if (other != nullptr && equalsNoCase(other, name)) {
-      return Input(gsf_infile_child_by_index(folder, i));
-    }
-  }
-  return nullptr;
+// An archive over bytes that stay where they are; null when they are not one.
+Archive openArchive(std::string_view bytes) {
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_source_t* source = zip_source_buffer_create(bytes.data(), bytes.size(), 0, &error);
+  Archive archive(source != nullptr ? zip_open_from_source(source, ZIP_RDONLY, &error) : nullptr);
+  if (!archive && source != nullptr) zip_source_free(source);
+  zip_error_fini(&error);
+  return archive;
 }
 
 }  // namespace
 
 struct ZipArchive::Impl {
-  std::string_view bytes;
-  Input root;
+  Archive archive;
 
-  Input open(std::string_view path) const {
-    Input at(GSF_INPUT(g_object_ref(root.get())));
-    for (const std::string& piece : split(path, "/")) {
-      if (piece.empty()) continue;
-      if (!at || !GSF_IS_INFILE(at.get())) {
-        at.reset();
-        break;
-      }
-      at = child(GSF_INFILE(at.get()), piece);
+  // The number of a part; -1 if there is none.
+  zip_int64_t find(std::string_view path) const {
+    const std::string name(path);
+    // Some writers separate folders by "\\".
+    for (const std::string& spelling : {name, replaceAll(path, "/", "\\")}) {
+      const zip_int64_t exact = zip_name_locate(archive.get(), spelling.c_str(), 0);
+      if (exact >= 0) return exact;
+      const zip_int64_t anyCase = zip_name_locate(archive.get(), spelling.c_str(), ZIP_FL_NOCASE);
+      if (anyCase >= 0) return anyCase;
     }
-    // Some writers part their folders by "\\", which makes one long name of a path.
-    if (!at) at = child(GSF_INFILE(root.get()), replaceAll(path, "/", "\\"));
-    return at;
+    return -1;
   }
 };
 
 ZipArchive::ZipArchive(std::string_view bytes) : impl_(std::make_unique<Impl>()) {
-  initialise();
-  impl_->bytes = bytes;
-  const Input memory(gsf_input_memory_new(reinterpret_cast<const guint8*>(bytes.data()),
-                                          static_cast<gsf_off_t>(bytes.size()), FALSE));
-  if (memory) impl_->root.reset(GSF_INPUT(gsf_infile_zip_new(memory.get(), nullptr)));
-  if (!impl_->root) throw FileError("the file is damaged: its zip directory cannot be read");
+  impl_->archive = openArchive(bytes);
+  if (!impl_->archive) throw FileError("the file is damaged: its zip directory cannot be read");
 }
 
 ZipArchive::~ZipArchive() = default;
 
 bool ZipArchive::has(std::string_view path) const {
-  return impl_->open(path) != nullptr;
+  return impl_->find(path) >= 0;
+}
+
+bool ZipArchive::hasFolder(std::string_view name) const {
+  const zip_int64_t count = zip_get_num_entries(impl_->archive.get(), 0);
+  for (zip_int64_t i = 0; i < count; ++i) {
+    const char* part = zip_get_name(impl_->archive.get(), static_cast<zip_uint64_t>(i), 0);
+    if (part == nullptr) continue;
+    const std::string path = part;
+    const size_t end = path.find_first_of("/\\");
+    if (end != std::string::npos && equalsNoCase(path.substr(0, end), name)) return true;
+  }
+  return false;
+}
+
+void ZipArchive::read(std::string_view path,
+                      const std::function<void(std::string_view piece)>& take) const {
+  zip_t* archive = impl_->archive.get();
+  const zip_int64_t number = impl_->find(path);
+  if (number < 0) failPart(path, "is missing");
+  const auto index = static_cast<zip_uint64_t>(number);
+  zip_stat_t sizes;
+  if (zip_stat_index(archive, index, 0, &sizes) != 0) failPart(path, "is damaged");
+  if (sizes.size > largestPart ||
+      (sizes.size > suspicious && sizes.size / strongest > sizes.comp_size)) {
+    failPart(path, "is too large to be true");
+  }
+  const std::unique_ptr<zip_file_t, CloseFile> file(zip_fopen_index(archive, index, 0));
+  if (!file) failPart(path, "is damaged: " + std::string(zip_strerror(archive)));
+  std::vector<char> buffer(std::min<size_t>(sizes.size + 1, 1 << 18));
+  std::uint64_t total = 0;
+  // The library compares the checksum when it comes to the end.
+  while (const zip_int64_t got = zip_fread(file.get(), buffer.data(), buffer.size())) {
+    if (got < 0) failPart(path, "is damaged: " + std::string(zip_file_strerror(file.get())));
+    total += static_cast<std::uint64_t>(got);
+    if (total > sizes.size) failPart(path, "is damaged: it is longer than it should be");
+    take(std::string_view(buffer.data(), static_cast<size_t>(got)));
+  }
+  if (total != sizes.size) failPart(path, "is damaged: it is shorter than it should be");
 }
 
 std::string ZipArchive::read(std::string_view path) const {
-  const Input part = impl_->open(path);
-  if (!part) failPart(path, "is missing");
-  const auto size = static_cast<std::uint64_t>(std::max<gsf_off_t>(0, gsf_input_size(part.get())));
-  if (size > largestPart || size > impl_->bytes.size() * strongestDeflate) {
-    failPart(path, "claims an impossible size");
-  }
-  // In steps, so that memory follows what is really there and not what the directory claims.
-  constexpr std::uint64_t step = 1 << 20;
   std::string content;
-  std::vector<guint8> buffer(std::min(size, step));
-  while (content.size() < size) {
-    const auto count = std::min<std::uint64_t>(step, size - content.size());
-    const guint8* got = gsf_input_read(part.get(), count, buffer.data());
-    if (got == nullptr) failPart(path, "is damaged");
-    content.append(reinterpret_cast<const char*>(got), count);
-  }
+  read(path, [&](std::string_view piece) { content += piece; });
   return content;
 }
 
+void readXml(const ZipArchive& archive, std::string_view path, XmlHandler& handler) {
+  XmlStream xml(handler);
+  archive.read(path, [&](std::string_view piece) { xml.feed(piece); });
+  xml.finish();
+}
+
+// --- Writing ---
+
 struct ZipWriter::Impl {
-  std::unique_ptr<GsfOutput, Unref> memory;
-  std::unique_ptr<GsfOutfile, Unref> zip;
+  zip_source_t* memory = nullptr;  // ours until the bytes have been taken out of it
+  Archive archive;
+  std::deque<std::string> contents;  // what the archive reads when it is closed
+
+  ~Impl() {
+    archive.reset();
+    if (memory != nullptr) zip_source_free(memory);
+  }
 };
 
 ZipWriter::ZipWriter() : impl_(std::make_unique<Impl>()) {
-  initialise();
-  impl_->memory.reset(gsf_output_memory_new());
-  impl_->zip.reset(gsf_outfile_zip_new(impl_->memory.get(), nullptr));
+  zip_error_t error;
+  zip_error_init(&error);
+  impl_->memory = zip_source_buffer_create(nullptr, 0, 0, &error);
+  if (impl_->memory != nullptr) {
+    zip_source_keep(impl_->memory);
+    impl_->archive.reset(zip_open_from_source(impl_->memory, ZIP_TRUNCATE, &error));
+  }
+  zip_error_fini(&error);
+  if (!impl_->archive) throw std::bad_alloc();
 }
 
 ZipWriter::~ZipWriter() = default;
 
-void ZipWriter::add(const std::string& path, std::string_view content) {
-  const std::unique_ptr<GsfOutput, Unref> part(
-      gsf_outfile_new_child(impl_->zip.get(), path.c_str(), FALSE));
-  const bool written =
-      part && gsf_output_write(part.get(), content.size(),
-                               reinterpret_cast<const guint8*>(content.data())) != FALSE;
-  if (!written || gsf_output_close(part.get()) == FALSE) failPart(path, "cannot be written");
+void ZipWriter::add(const std::string& path, std::string content) {
+  zip_t* archive = impl_->archive.get();
+  const std::string& kept = impl_->contents.emplace_back(std::move(content));
+  zip_source_t* source = zip_source_buffer(archive, kept.data(), kept.size(), 0);
+  const zip_int64_t index =
+      source == nullptr ? -1 : zip_file_add(archive, path.c_str(), source, ZIP_FL_ENC_UTF_8);
+  if (index < 0) {
+    zip_source_free(source);
+    failPart(path, "cannot be written");
+  }
+  // Equal workbooks make equal files: every part carries the first day of the calendar.
+  constexpr zip_uint16_t firstDay = 1 << 5 | 1;
+  zip_file_set_dostime(archive, static_cast<zip_uint64_t>(index), 0, firstDay, 0);
 }
 
 std::string ZipWriter::finish() {
-  if (gsf_output_close(GSF_OUTPUT(impl_->zip.get())) == FALSE) {
-    throw FileError("the zip directory cannot be written");
-  }
-  const auto* bytes = gsf_output_memory_get_bytes(GSF_OUTPUT_MEMORY(impl_->memory.get()));
-  const auto size = static_cast<size_t>(gsf_output_size(impl_->memory.get()));
-  return std::string(reinterpret_cast<const char*>(bytes), size);
+  const auto fail = [] { throw FileError("the zip file cannot be put together"); };
+  if (zip_close(impl_->archive.get()) != 0) fail();
+  impl_->archive.release();
+  zip_stat_t sizes;
+  zip_stat_init(&sizes);
+  if (zip_source_stat(impl_->memory, &sizes) != 0 || zip_source_open(impl_->memory) != 0) fail();
+  std::string bytes(sizes.size, '\0');
+  const zip_int64_t got = zip_source_read(impl_->memory, bytes.data(), bytes.size());
+  zip_source_close(impl_->memory);
+  if (got != static_cast<zip_int64_t>(bytes.size())) fail();
+  return bytes;
 }
 
 bool looksLikeZip(std::string_view bytes) {

@@ -7,6 +7,7 @@
 #include "basic/Numbers.h"
 #include "worksheet/Worksheet.h"
 #include "worksheet/files/DateText.h"
+#include "worksheet/files/ReadBudget.h"
 #include "worksheet/files/ZipArchive.h"
 #include "worksheet/files/ods/OdsParts.h"
 
@@ -49,7 +50,8 @@ class StylesHandler : public XmlHandler {
 
 class ContentHandler : public XmlHandler {
  public:
-  ContentHandler(OdsStyles& styles, Worksheet& book) : styles_(styles), book_(book) {}
+  ContentHandler(OdsStyles& styles, size_t fileBytes, Worksheet& book)
+      : styles_(styles), book_(book), budget_(fileBytes) {}
 
   std::vector<DefinedName> names;
 
@@ -213,6 +215,7 @@ class ContentHandler : public XmlHandler {
       cell_.value = Value::error(code);
     } else if (type_ == "string" || (type_.empty() && !text_.empty())) {
       cell_.value = errorFromText(text_, code) ? Value::error(code) : Value::text(text_);
+      budget_.takeText(text_);
     }
     column_ += cell_.count;
     const bool content = !cell_.value.isEmpty() || !cell_.formula.empty();
@@ -246,18 +249,25 @@ class ContentHandler : public XmlHandler {
     const std::uint32_t format = formatIndex(cell.style);
     CellStore& cells = book_.cellsForReader(sheet_);
     for (int column = cell.column; column < cell.column + cell.count; ++column) {
+      if (cell.value.isText()) budget_.showText(cell.value.textView().size());
       if (cell.blockRows > 0 && cell.blockColumns > 0) {
-        book_.setArrayFormula(sheet_, row, column, std::min(maxRows, row + cell.blockRows - 1),
-                              std::min(maxColumns, column + cell.blockColumns - 1), cell.formula);
+        const int lastRow = std::min(maxRows, row + cell.blockRows - 1);
+        const int lastColumn = std::min(maxColumns, column + cell.blockColumns - 1);
+        budget_.takeFormulas(
+            static_cast<size_t>(lastRow - row + 1) * static_cast<size_t>(lastColumn - column + 1),
+            cell.formula.size());
+        book_.setArrayFormula(sheet_, row, column, lastRow, lastColumn, cell.formula);
         book_.setCachedValue(sheet_, row, column, cell.value);
       } else if (cell.formula.empty() && cells.at(row, column).kind == ValueKind::Formula) {
         book_.setCachedValue(sheet_, row, column, cell.value);
       } else if (cell.formula.empty()) {
         cells.set(row, column, cell.value);
       } else {
+        budget_.takeFormulas(1, cell.formula.size());
         book_.setFormulaWithValue(sheet_, row, column, cell.formula, cell.value);
       }
       cells.setFormat(row, column, format);
+      budget_.follow(cells);
     }
   }
 
@@ -270,6 +280,7 @@ class ContentHandler : public XmlHandler {
 
   OdsStyles& styles_;
   Worksheet& book_;
+  ReadBudget budget_;
   std::unordered_map<std::string, std::uint32_t> formats_;
   int foreignDepth_ = 0;
   int sheet_ = 0;  // the open table, 0 between tables
@@ -285,12 +296,6 @@ class ContentHandler : public XmlHandler {
   std::vector<PendingCell> pending_;
 };
 
-void readContent(std::string_view document, OdsStyles& styles, Worksheet& into) {
-  ContentHandler content(styles, into);
-  readXml(document, content);
-  into.setDefinedNames(std::move(content.names));
-}
-
 }  // namespace
 
 bool looksLikeOds(const ZipArchive& archive) {
@@ -299,18 +304,21 @@ bool looksLikeOds(const ZipArchive& archive) {
   return archive.read("mimetype").find("opendocument.spreadsheet") != std::string::npos;
 }
 
-void readOds(const ZipArchive& archive, Worksheet& into) {
+void readOds(const ZipArchive& archive, size_t fileBytes, Worksheet& into) {
   OdsStyles styles;
   if (archive.has("styles.xml")) {
     StylesHandler handler(styles);
-    readXml(archive.read("styles.xml"), handler);
+    readXml(archive, "styles.xml", handler);
   }
-  readContent(archive.read("content.xml"), styles, into);
+  ContentHandler content(styles, fileBytes, into);
+  readXml(archive, "content.xml", content);
+  into.setDefinedNames(std::move(content.names));
 }
 
 void readOdsContent(std::string_view document, Worksheet& into) {
   OdsStyles styles;
-  readContent(document, styles, into);
+  ContentHandler content(styles, document.size(), into);
+  readXml(document, content);
 }
 
 }  // namespace lodex

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace lodex {
@@ -12,9 +13,9 @@ bool looksLikeOds(const ZipArchive& archive);
 
 /// Fills a fresh workbook from an OpenDocument spreadsheet (OASIS OpenDocument 1.3): sheets with
 /// names, order and visibility, values, formulas with cached values, number formats, the plain
-/// properties of cell styles, hidden rows and columns, and defined names. Throws FileError when it
-/// is damaged.
-void readOds(const ZipArchive& archive, Worksheet& into);
+/// properties of cell styles, hidden rows and columns, and defined names. `fileBytes` is the
+/// size of the file, which limits what it may ask for. Throws FileError when it is damaged.
+void readOds(const ZipArchive& archive, size_t fileBytes, Worksheet& into);
 
 /// The same from the document content.xml alone.
 void readOdsContent(std::string_view document, Worksheet& into);

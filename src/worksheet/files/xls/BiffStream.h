@@ -84,7 +84,7 @@ enum RecordId : std::uint16_t {
   idBof5 = 0x0809
 };
 
-/// Little-endian values from a run of bytes, front to back. Reading behind the end gives zeros and
+/// Little-endian values from a run of bytes, front to back. Reading past the end gives zeros and
 /// makes `ok` false for good, so that a short record needs one check.
 class ByteReader {
  public:
@@ -127,6 +127,9 @@ class ByteReader {
   bool ok_ = true;
 };
 
+/// The largest data part of a record in version 8.
+inline constexpr size_t maxRecordSize = 8224;
+
 /// One record; `data` borrows from the stream's bytes.
 struct Record {
   std::uint16_t id = 0;
@@ -139,7 +142,8 @@ class RecordStream {
  public:
   explicit RecordStream(std::string_view bytes, size_t start = 0) : bytes_(bytes), next_(start) {}
 
-  /// False at the end of the stream. A record that is cut by the end gives what is there of it.
+  /// False at the end of the stream. A record that is cut by the end gives what is there of it, and
+  /// counts as damage.
   bool next(Record& record) {
     if (next_ > bytes_.size() || bytes_.size() - next_ < 4) return false;
     ByteReader header(bytes_.substr(next_, 4));
@@ -147,6 +151,7 @@ class RecordStream {
     record.id = header.u16();
     const size_t size = header.u16();
     record.data = bytes_.substr(next_ + 4, size);
+    if (record.data.size() < size || size > maxRecordSize) isDamaged_ = true;
     next_ += 4 + size;
     return true;
   }
@@ -157,7 +162,7 @@ class RecordStream {
     return ByteReader(bytes_.substr(next_, 2)).u16();
   }
 
-  /// The parts of a record that CONTINUE records extend; moves behind them.
+  /// The parts of a record that CONTINUE records extend; moves past them.
   std::vector<std::string_view> withContinuations(const Record& record) {
     std::vector<std::string_view> parts{record.data};
     Record more;
@@ -165,12 +170,16 @@ class RecordStream {
     return parts;
   }
 
+  /// True when a record was cut by the end of the stream or longer than any can be.
+  bool isDamaged() const { return isDamaged_; }
+
   size_t position() const { return next_; }
   void position(size_t start) { next_ = start; }
 
  private:
   std::string_view bytes_;
   size_t next_;
+  bool isDamaged_ = false;
 };
 
 /// True for the BOF records of any version.
@@ -211,8 +220,5 @@ class RecordWriter {
   size_t start_ = 0;
   bool open_ = false;
 };
-
-/// The largest data part of a record in version 8.
-inline constexpr size_t maxRecordSize = 8224;
 
 }  // namespace lodex::biff

@@ -194,19 +194,23 @@ std::string readUnicodeText(ByteReader& in, LengthBytes length) {
   return text;
 }
 
-std::vector<SharedText> readSharedTexts(const std::vector<std::string_view>& parts) {
+std::vector<SharedText> readSharedTexts(const std::vector<std::string_view>& parts,
+                                        bool& complete) {
   std::vector<SharedText> texts;
   PartReader in(parts);
   in.u32();  // number of cells that use the table
   const std::uint32_t count = in.u32();
   // The count is not to be trusted; the parts end the loop.
   while (texts.size() < count && !in.atEnd() && in.ok()) texts.emplace_back(in.text());
+  complete = in.ok() && texts.size() == count && in.atEnd();
   return texts;
 }
 
-std::string readContinuedText(const std::vector<std::string_view>& parts) {
+std::string readContinuedText(const std::vector<std::string_view>& parts, bool& complete) {
   PartReader in(parts);
-  return in.text();
+  std::string text = in.text();
+  complete = in.ok() && in.atEnd();
+  return text;
 }
 
 }  // namespace lodex::biff

@@ -46,10 +46,12 @@ std::string readUnicodeText(ByteReader& in, LengthBytes length);
 std::string readUnicodeCharacters(ByteReader& in, size_t count);
 
 /// The texts of a shared string table that may be spread over continuation records, at whose start
-/// the width of the characters may change. Ends early where the parts end.
-std::vector<SharedText> readSharedTexts(const std::vector<std::string_view>& parts);
+/// the width of the characters may change. `complete` tells
+/// whether there are as many as announced and nothing is left over.
+std::vector<SharedText> readSharedTexts(const std::vector<std::string_view>& parts, bool& complete);
 
-/// One version 8 text that may run on in continuation records.
-std::string readContinuedText(const std::vector<std::string_view>& parts);
+/// One version 8 text that may run on in continuation records. `complete` tells whether all of its
+/// characters are there and nothing else.
+std::string readContinuedText(const std::vector<std::string_view>& parts, bool& complete);
 
 }  // namespace lodex::biff

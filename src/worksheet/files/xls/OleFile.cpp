@@ -44,7 +44,7 @@ class Container {
 
   bool isSound() const { return sound_; }
   bool has(std::string_view name) const { return find(name).type == typeStream; }
-  std::string stream(std::string_view name) const;
+  Stream stream(std::string_view name) const;
 
  private:
   struct Entry {
@@ -116,10 +116,12 @@ std::string Container::chain(std::uint32_t start, size_t size) const {
   std::string out;
   size = std::min(size, bytes_.size());
   out.reserve(size);
+  std::vector<bool> taken(table_.size(), false);
   for (std::uint32_t number = start; out.size() < size && number < table_.size();
        number = table_[number]) {
     const std::string_view part = sector(number);
-    if (part.empty()) break;
+    if (part.empty() || taken[number]) break;
+    taken[number] = true;
     out += part.substr(0, size - out.size());
   }
   return out;
@@ -180,11 +182,15 @@ Container::Entry Container::find(std::string_view name) const {
   return {};
 }
 
-std::string Container::stream(std::string_view name) const {
+Stream Container::stream(std::string_view name) const {
   const Entry place = find(name);
   const std::uint32_t smallest = u32At(bytes_, 0x38);
-  return place.size < smallest ? miniChain(place.start, place.size)
-                               : chain(place.start, place.size);
+  Stream result;
+  result.name = name;
+  result.bytes =
+      place.size < smallest ? miniChain(place.start, place.size) : chain(place.start, place.size);
+  result.complete = result.bytes.size() == place.size;
+  return result;
 }
 
 }  // namespace
@@ -198,7 +204,7 @@ std::optional<Stream> readStream(std::string_view container,
   const Container file(container);
   if (!file.isSound()) throw FileError("The file is damaged: its container cannot be read");
   for (std::string_view name : names) {
-    if (file.has(name)) return Stream{std::string(name), file.stream(name)};
+    if (file.has(name)) return file.stream(name);
   }
   return std::nullopt;
 }

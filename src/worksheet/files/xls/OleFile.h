@@ -12,8 +12,9 @@ namespace lodex::ole {
 bool isContainer(std::string_view bytes);
 
 struct Stream {
-  std::string name;   // as it was asked for
-  std::string bytes;  // less than its size when the container was cut
+  std::string name;  // as it was asked for
+  std::string bytes;
+  bool complete = true;  // false when there are fewer bytes than the container announces
 };
 
 /// The first of the named streams at the container's root, sought in that order and without regard

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "worksheet/Worksheet.h"
+#include "worksheet/files/ReadBudget.h"
 #include "worksheet/files/xls/BiffLinks.h"
 #include "worksheet/files/xls/BiffStyles.h"
 #include "worksheet/files/xls/FormulaDecoder.h"
@@ -15,19 +16,20 @@ namespace lodex::biff {
 
 /// What the sheets of a file share.
 struct FileContext {
-  FileContext(Worksheet& worksheet) : out(worksheet), styles(worksheet.formats(), links.codePage) {}
+  FileContext(Worksheet& worksheet, size_t fileBytes)
+      : out(worksheet), styles(worksheet.formats(), links.codePage), budget(fileBytes) {}
 
   Worksheet& out;
   Links links;
   Styles styles;
   std::vector<SharedText> texts;  // the shared string table
   bool writtenHere = false;       // by writeXls, which marks what kind of text a cell holds
-  bool hasFormulas = false;
-  bool hasResults = false;     // whether any formula has a value
-  size_t formulaBytes = 0;     // of formula text so far
-  size_t maxFormulaBytes = 0;  // more is no honest file of this size
-  size_t cellBytes = 0;        // of memory that cells take, about
-  size_t maxCellBytes = 0;
+  ReadBudget budget;
+  struct CellPlace {
+    int sheet, row, column;  // from 1
+  };
+  bool hasResults = false;         // whether any formula has a value
+  std::vector<CellPlace> noValue;  // formulas whose value is an empty text
 };
 
 /// Reads the records of one sheet into a sheet of the worksheet.
@@ -36,11 +38,18 @@ class SheetReader {
   /// `sheet` counts from 1. The styles may be the sheet's own.
   SheetReader(FileContext& file, Styles& styles, int sheet);
 
-  /// Reads from behind the sheet's BOF record to its EOF record. False when the stream ends before.
-  bool read(RecordStream& records);
+  /// Reads from after the sheet's BOF record to its EOF record. What is damaged or missing is
+  /// reported to the findings of the worksheet.
+  void read(RecordStream& records);
 
-  /// One record that is no BOF or EOF; formulas take their further records from the stream.
+  /// One record that is neither BOF nor EOF; formulas take their further records from the stream.
   void record(const Record& record, RecordStream& records);
+
+  /// Looks for damage: between the records of cells come no others. Part of `record`.
+  void watch(const Record& record);
+
+  /// Reports damage at the end of the sheet: `complete` is false when there was no EOF record.
+  void finish(const RecordStream& records, bool complete);
 
   bool hasCells() const { return hasCells_; }
 
@@ -61,7 +70,10 @@ class SheetReader {
   Place place(ByteReader& in);
   Place oldPlace(ByteReader& in);
   bool usable(const Place& at, const ByteReader& in);
-  void countMemory(const Place& at);
+  bool usableWhole(const Place& at, const ByteReader& in);
+  void report(Severity severity, std::string_view text, const Place& at);
+  void reportAfterLast(Severity severity, std::string_view text);
+  bool looksLikeNextCell(const Record& record) const;
   void setNumber(const Place& at, double number);
   void setValue(const Place& at, const Value& value);
   void setText(const Place& at, SharedText text);
@@ -70,6 +82,7 @@ class SheetReader {
   void cellRecord(const Record& record, RecordStream& records);
   void mulRk(ByteReader in);
   void mulBlank(ByteReader in);
+  void checkRunEnd(const Place& end, ByteReader in);
   void label(const Record& record, RecordStream& records);
   void formula(const Record& record, RecordStream& records);
   void boolErr(const Place& at, ByteReader in);
@@ -80,13 +93,13 @@ class SheetReader {
   void setColumns(int first, int last, double width, bool hidden);
   void window(const Record& record);
   void pane(ByteReader in);
-  std::string stringRecord(const Record& record, RecordStream& records);
+  std::string stringRecord(const Record& record, RecordStream& records, bool& complete);
   void sharedFormula(const Record& record, FormulaBase entry);
   void setFormula(const Place& at, std::string_view code, std::string_view extra,
                   const Value& cached);
   bool setSharedFormula(const Place& at, FormulaBase entry, const Value& cached);
-  void store(const Place& at, const std::string& text, const Value& cached,
-             std::shared_ptr<const ArrayBlock> block = nullptr);
+  void storeFormula(const Place& at, const std::string& text, const Value& cached,
+                    std::shared_ptr<const ArrayBlock> block = nullptr);
 
   FileContext& file_;
   Styles& styles_;
@@ -96,7 +109,9 @@ class SheetReader {
   unsigned ixfe_ = 0;
   bool frozen_ = false;
   bool hasCells_ = false;
-  std::vector<bool> touched_;  // blocks of rows that hold a cell, column by column
+  bool strangerInTable_ = false;  // a record that does not belong among the cells
+  bool strangerIsCell_ = false;   // the first of those looks like a cell
+  Place last_;                    // the cell read last
   std::vector<SharedFormula> shared_;
   std::map<std::pair<int, int>, size_t> sharedAt_;  // by the cell to which entry tokens point
 };

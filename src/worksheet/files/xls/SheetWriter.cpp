@@ -5,8 +5,10 @@
 #include <optional>
 #include <set>
 
+#include "basic/A1.h"
 #include "basic/Error.h"
 #include "basic/Numbers.h"
+#include "basic/Text.h"
 #include "worksheet/files/xls/FormulaDecoder.h"
 #include "worksheet/formula/FormulaCell.h"
 
@@ -73,6 +75,7 @@ class SheetWriter {
 
  private:
   void checkSize();
+  void checkLength(int row, int column, const Value& value) const;
   void columns();
   void rowRecord(int row);
   void rowCells(int row);
@@ -105,7 +108,8 @@ void SheetWriter::checkSize() {
                     std::to_string(cells_.lastColumn()) +
                     " columns; an .xls file holds 65536 rows and 256 columns");
   }
-  cells_.forEach([&](int row, int column, const Cell&) {
+  cells_.forEach([&](int row, int column, const Cell& cell) {
+    checkLength(row, column, CellStore::valueOf(cell));
     if (row > maxRowsOfXls || column > maxColumnsOfXls) return;  // a format without content
     lastRow_ = std::max(lastRow_, row);
     lastColumn_ = std::max(lastColumn_, column);
@@ -113,6 +117,13 @@ void SheetWriter::checkSize() {
   for (const auto& [row, hidden] : book_.hiddenRows(sheet_)) {
     if (hidden && row <= maxRowsOfXls) lastRow_ = std::max(lastRow_, row);
   }
+}
+
+void SheetWriter::checkLength(int row, int column, const Value& value) const {
+  if (!value.isText() || value.textView().size() <= maxCellText) return;
+  if (toUtf16(value.textView()).size() <= maxCellText) return;
+  throw FileError("Cell " + cellAddress(row, column) + " of sheet " + book_.SheetName(sheet_) +
+                  " holds a longer text than an .xls file can");
 }
 
 void SheetWriter::columns() {

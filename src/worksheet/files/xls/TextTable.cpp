@@ -10,14 +10,6 @@ namespace {
 // Length, flags and one character stay together.
 constexpr size_t unsplitBytes = 5;
 
-std::u16string cellText(std::string_view text) {
-  std::u16string units = toUtf16(text);
-  if (units.size() <= maxCellText) return units;
-  const bool splitsPair = (units[maxCellText - 1] & 0xFC00) == 0xD800;
-  units.resize(splitsPair ? maxCellText - 1 : maxCellText);
-  return units;
-}
-
 }  // namespace
 
 std::uint32_t TextTable::indexOf(std::string_view text) {
@@ -35,7 +27,7 @@ void TextTable::write(RecordWriter& out) const {
 }
 
 void writeContinuedText(RecordWriter& out, std::string_view text) {
-  const std::u16string units = cellText(text);
+  const std::u16string units = toUtf16(text);
   const bool wide = std::any_of(units.begin(), units.end(), [](char16_t c) { return c > 0xFF; });
   const size_t width = wide ? 2 : 1;
   if (out.recordSize() + unsplitBytes > maxRecordSize) out.begin(idContinue);

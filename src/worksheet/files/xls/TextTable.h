@@ -27,8 +27,8 @@ class TextTable {
   std::uint32_t uses_ = 0;
 };
 
-/// Writes a text of up to maxCellText units (cut there) with its length in front, running on into
-/// CONTINUE records where the current record is full.
+/// Writes a text of up to maxCellText units with its length in front, running on into CONTINUE
+/// records where the current record is full.
 void writeContinuedText(RecordWriter& out, std::string_view text);
 
 }  // namespace lodex::biff

@@ -39,10 +39,9 @@ struct Tab {
 class WorkbookReader {
  public:
   WorkbookReader(std::string stream, bool inWorkbookStream, Worksheet& into)
-      : stream_(std::move(stream)), inWorkbookStream_(inWorkbookStream), file_(into) {
-    file_.maxFormulaBytes = (size_t{16} << 20) + 16 * stream_.size();
-    file_.maxCellBytes = (size_t{512} << 20) + 16 * stream_.size();
-  }
+      : stream_(std::move(stream)),
+        inWorkbookStream_(inWorkbookStream),
+        file_(into, stream_.size()) {}
 
   void read();
 
@@ -56,8 +55,10 @@ class WorkbookReader {
   bool isDialog(size_t start) const;
   void makeSheets();
   void nameSheet(int sheet, std::string& name);
+  void checkTabs(size_t generalEnd);
   bool readTab(const Tab& tab);
   void takeNames();
+  void report(Severity severity, std::string_view text, std::string_view sheet = {});
 
   std::string stream_;
   bool inWorkbookStream_;
@@ -86,11 +87,19 @@ void WorkbookReader::read() {
   } else {
     readSingleSheet(records);
   }
-  if (file_.hasFormulas && !file_.hasResults) file_.out.Recalc();
+  if (!file_.hasResults) {
+    for (const auto& place : file_.noValue) {
+      file_.out.setCachedValue(place.sheet, place.row, place.column, Value());
+    }
+  }
   const int active = activeTab_ >= 0 && static_cast<size_t>(activeTab_) < tabs_.size()
                          ? tabs_[static_cast<size_t>(activeTab_)].sheet
                          : 0;
   file_.out.Sheet(std::max(active, 1));
+}
+
+void WorkbookReader::report(Severity severity, std::string_view text, std::string_view sheet) {
+  file_.out.findingsForReader().add(severity, text, {.sheet = std::string(sheet)});
 }
 
 // --- The general part ---
@@ -141,6 +150,7 @@ bool WorkbookReader::globalRecord(const Record& record, Styles& styles) {
 void WorkbookReader::readWithGlobals(RecordStream& records) {
   Links& links = file_.links;
   bool complete = false;
+  bool textsComplete = true;
   Record record;
   while (!complete && records.next(record)) {
     switch (record.id) {
@@ -151,7 +161,7 @@ void WorkbookReader::readWithGlobals(RecordStream& records) {
         addTab(record);
         break;
       case idSst:
-        file_.texts = readSharedTexts(records.withContinuations(record));
+        file_.texts = readSharedTexts(records.withContinuations(record), textsComplete);
         break;
       case idSupBook: {
         // Long lists of sheets run on in further records.
@@ -185,9 +195,15 @@ void WorkbookReader::readWithGlobals(RecordStream& records) {
     }
   }
   if (!complete) throw FileError("The file is damaged: it ends within its general part");
+  if (!textsComplete) report(Severity::Error, "the list of texts is damaged; texts may be wrong");
+  if (records.isDamaged()) {
+    report(Severity::Error, "the general part has a damaged record; sheets may be missing");
+  }
+  if (tabs_.empty()) throw FileError("The file is damaged: it has no list of sheets");
+  checkTabs(records.position());
   makeSheets();
   takeNames();
-  bool any = tabs_.empty();
+  bool any = false;
   for (const Tab& tab : tabs_) {
     if (tab.sheet == 0) continue;
     any = readTab(tab) || any;
@@ -207,21 +223,47 @@ void WorkbookReader::addTab(const Record& record) {
   tab.name = file_.links.version >= 8 ? readUnicodeText(in, LengthBytes::One)
                                       : readByteText(in, LengthBytes::One, file_.links.codePage);
   tab.isSheet = kind == 0;
+  if (!in.ok()) report(Severity::Error, "the list of sheets is damaged", tab.name);
   tab.visibility = visibility == 0   ? SheetVisibility::Visible
                    : visibility == 1 ? SheetVisibility::Hidden
                                      : SheetVisibility::VeryHidden;
   tabs_.push_back(std::move(tab));
 }
 
-// Dialogs count as sheets in the list of tabs; a flag among their first records tells.
+// Dialogs count as sheets in the list of tabs; they have a flag and no cells.
 bool WorkbookReader::isDialog(size_t start) const {
   RecordStream records(stream_, start);
   Record record;
-  for (int i = 0; i < 40 && records.next(record); ++i) {
-    if (record.id == idSheetProperties) return (ByteReader(record.data).u16() & 0x10) != 0;
-    if (record.id == idEof || record.id == idDimensions) break;
+  bool flagged = false;
+  while (records.next(record) && record.id != idEof) {
+    if (record.id == idSheetProperties) flagged = (ByteReader(record.data).u16() & 0x10) != 0;
+    if (record.id == idRow3 || (record.id == idDimensions && !flagged)) return false;
   }
-  return false;
+  return flagged;
+}
+
+// Compares the list of sheets with what comes after it: the sheets themselves say what they are,
+// and none may be missing from the list.
+void WorkbookReader::checkTabs(size_t generalEnd) {
+  RecordStream records(stream_, generalEnd);
+  Record record;
+  int depth = 0;
+  while (records.next(record) && !records.isDamaged()) {
+    if (record.id == idEof) {
+      if (depth > 0) --depth;
+      continue;
+    }
+    if (!isBof(record.id) || depth++ > 0 || typeOf(record) != typeSheet) continue;
+    const auto tab = std::find_if(tabs_.begin(), tabs_.end(),
+                                  [&](const Tab& each) { return each.start == record.start; });
+    if (tab == tabs_.end()) {
+      report(Severity::Error, "a sheet is missing from the list of sheets and cannot be read");
+    } else if (!tab->isSheet) {
+      tab->isSheet = true;
+      report(Severity::Warning, "the list of sheets calls it something else than a sheet",
+             tab->name);
+    }
+  }
 }
 
 void WorkbookReader::makeSheets() {
@@ -258,7 +300,10 @@ void WorkbookReader::takeNames() {
   for (const Name& name : file_.links.names) {
     if (name.macro || name.code.empty() || name.name.empty()) continue;
     auto formula = decodeFormula(file_.links, name.code, name.extra);
-    if (!formula) continue;
+    if (!formula) {
+      report(Severity::Warning, "the defined name " + name.name + " cannot be read");
+      continue;
+    }
     DefinedName defined;
     defined.name = name.name;
     defined.formula = std::move(*formula);
@@ -277,13 +322,17 @@ void WorkbookReader::takeNames() {
 bool WorkbookReader::readTab(const Tab& tab) {
   RecordStream records(stream_, tab.start);
   Record bof;
-  if (!records.next(bof) || !isBof(bof.id)) return false;
+  if (!records.next(bof) || !isBof(bof.id)) {
+    report(Severity::Error, "the sheet cannot be found in the file; all of it is missing",
+           file_.out.SheetName(tab.sheet));
+    return false;
+  }
   if (file_.links.version < 8) file_.links.books.clear();
   SheetReader(file_, file_.styles, tab.sheet).read(records);
   return true;
 }
 
-// Before version 5 a file is one sheet, whose general records stand among the others.
+// Before version 5 a file is one sheet, with the general records among the others.
 void WorkbookReader::readSingleSheet(RecordStream& records) {
   tabs_.push_back({"Sheet1", 0, true, SheetVisibility::Visible, 1});
   file_.links.tabs.push_back("Sheet1");
@@ -293,13 +342,19 @@ void WorkbookReader::readSingleSheet(RecordStream& records) {
   while (!complete && records.next(record)) {
     if (record.id == idEof) {
       complete = true;
-    } else if (!globalRecord(record, file_.styles)) {
+    } else if (globalRecord(record, file_.styles)) {
+      sheet.watch(record);
+    } else {
       sheet.record(record, records);
     }
+  }
+  if (complete && isBof(records.peek())) {
+    report(Severity::Error, "further parts of the workbook are not read: its beginning is damaged");
   }
   if (!complete && !sheet.hasCells()) {
     throw FileError("The file is damaged: it ends before its first cell");
   }
+  sheet.finish(records, complete);
   takeNames();
 }
 
@@ -336,9 +391,15 @@ void WorkbookReader::readWorkspace4(RecordStream& records) {
     Record bof;
     inside.next(bof);
     SheetReader sheet(file_, own, tab.sheet);
-    while (inside.next(record) && record.id != idEof) {
-      if (!globalRecord(record, own)) sheet.record(record, inside);
+    bool complete = false;
+    while (!complete && inside.next(record)) {
+      if (record.id == idEof) {
+        complete = true;
+      } else if (!globalRecord(record, own)) {
+        sheet.record(record, inside);
+      }
     }
+    sheet.finish(inside, complete);
   }
   takeNames();
 }
@@ -349,7 +410,7 @@ std::optional<std::string> bareRecords(std::string_view bytes) {
   Record bof;
   if (!records.next(bof) || !isBof(bof.id) || bof.data.size() < 4 || bof.data.size() > 32)
     return {};
-  // Any file might begin with such two bytes; the kind of the contents must be a known one too.
+  // Any file might begin with these two bytes; the type of the content must be a known one, too.
   const unsigned type = typeOf(bof);
   const bool known = type == typeGlobals || type == typeSheet || type == 0x0020 || type == 0x0040 ||
                      type == typeWorkspace4;
@@ -367,6 +428,9 @@ void readXls(std::string_view bytes, Worksheet& into) {
   if (ole::isContainer(bytes)) {
     auto stream = ole::readStream(bytes, workbookStreams);
     if (!stream) throw FileError("The file holds no workbook");
+    if (!stream->complete) {
+      into.findingsForReader().error("the file is cut short or damaged; its end is missing");
+    }
     WorkbookReader(std::move(stream->bytes), stream->name == workbookStreams[0], into).read();
     return;
   }

@@ -12,10 +12,11 @@ bool looksLikeXls(std::string_view bytes);
 
 /// Fills a fresh worksheet from the bytes of an .xls file, versions 2 to 8. Sheets that are charts,
 /// macros or dialogs are left out; references to them stay in the formulas' text. A formula that
-/// cannot be understood leaves its last value; when no formula has a value at all, because the
-/// program that wrote the file does not compute, all are computed. A file that was cut short gives
-/// what is left of it when its general part is complete. Throws FileError for anything else that is
-/// damaged, and for a workbook that only a password opens; `into` may then be half filled.
+/// cannot be read leaves its last value. Formulas whose value is only a placeholder, because the
+/// program that wrote the file does not calculate, have none. A file that is cut short or damaged
+/// gives what is left of it when its general part is complete, and an Error in the findings of
+/// `into` for each sheet that is not whole. Throws FileError when nothing can be read, and for a
+/// workbook that only a password opens; `into` may then be half filled.
 void readXls(std::string_view bytes, Worksheet& into);
 
 }  // namespace lodex

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "basic/Error.h"
 #include "basic/Text.h"
 #include "worksheet/files/xls/OleFile.h"
 #include "worksheet/files/xls/SheetWriter.h"
@@ -16,22 +17,26 @@ using namespace biff;
 constexpr size_t maxSheetName = 31;
 constexpr size_t smallestStream = 4096;  // shorter ones are packed in a way some programs dislike
 
-// Names as the format takes them: cut, without the characters it refuses, each once.
+// Names without the characters that the format refuses, each once.
 std::vector<std::u16string> sheetNames(const Worksheet& worksheet) {
   std::vector<std::u16string> names;
   std::vector<std::string> taken;
   for (int sheet = 1; sheet <= worksheet.NumSheets(); ++sheet) {
-    std::u16string wanted = toUtf16(worksheet.SheetName(sheet));
-    for (char16_t& c : wanted) {
+    std::u16string plain = toUtf16(worksheet.SheetName(sheet));
+    if (plain.size() > maxSheetName) {
+      throw FileError("The sheet name " + worksheet.SheetName(sheet) +
+                      " is longer than the 31 characters that an .xls file allows");
+    }
+    for (char16_t& c : plain) {
       if (std::u16string_view(u"[]:*?/\\").find(c) != std::u16string_view::npos) c = u'_';
     }
-    std::u16string name = wanted.substr(0, maxSheetName);
+    std::u16string name = plain;
     const auto isTaken = [&] {
       return std::find(taken.begin(), taken.end(), toUpper(fromUtf16(name))) != taken.end();
     };
     for (int number = 2; isTaken(); ++number) {
       const std::u16string tail = toUtf16("~" + std::to_string(number));
-      name = wanted.substr(0, maxSheetName - tail.size()) + tail;
+      name = plain.substr(0, maxSheetName - tail.size()) + tail;
     }
     taken.push_back(toUpper(fromUtf16(name)));
     names.push_back(std::move(name));

@@ -58,6 +58,7 @@ class WorkbookHandler : public XmlHandler {
   std::vector<SheetEntry> sheets;
   std::vector<NameEntry> names;
   bool dates1904 = false;
+  bool calculateOnLoad = false;
   int activeTab = 0;
 
   void start(std::string_view element, const XmlAttributes& attributes) override {
@@ -80,6 +81,8 @@ class WorkbookHandler : public XmlHandler {
       inName_ = true;
     } else if (element == "workbookPr") {
       dates1904 = attributes.flag("date1904");
+    } else if (element == "calcPr") {
+      calculateOnLoad = attributes.flag("fullCalcOnLoad");
     } else if (element == "workbookView") {
       activeTab = attributes.number("activeTab", 0);
     }
@@ -122,22 +125,28 @@ bool looksLikeXlsx(const ZipArchive& archive) {
     throw FileError("binary workbooks (.xlsb) cannot be read; save it as .xlsx first");
   }
   const bool named = fileNameOf(main) == "workbook.xml" && archive.has(main);
-  return !main.empty() && (named || archive.has("xl"));
+  return !main.empty() && (named || archive.hasFolder("xl"));
 }
 
-void readXlsx(const ZipArchive& archive, Worksheet& into) {
+void readXlsx(const ZipArchive& archive, size_t fileBytes, Worksheet& into) {
   const std::string main = mainPart(archive);
   WorkbookHandler book;
-  readXml(archive.read(main), book);
+  readXml(archive, main, book);
   const Relations relations = relationsOf(archive, main);
-  // Every part but the sheets may be missing.
-  const auto optionalPart = [&](std::string_view type) {
+  XlsxBook parts{into, ReadBudget(fileBytes), {}, {}, book.calculateOnLoad};
+  const std::string strings = targetOfType(relations, "sharedStrings");
+  if (!strings.empty()) readXlsxStrings(archive, strings, parts);
+  // Looks may be missing; the values are worth having without them.
+  const auto partOfLooks = [&](std::string_view type) {
     const std::string path = targetOfType(relations, type);
-    return path.empty() || !archive.has(path) ? std::string() : archive.read(path);
+    if (path.empty()) return std::string();
+    if (archive.has(path)) return archive.read(path);
+    into.findingsForReader().warn("the part " + path +
+                                  " is missing: dates may show as numbers, and colours differ");
+    return std::string();
   };
-  const std::vector<Value> strings = readXlsxStrings(optionalPart("sharedStrings"));
-  const auto theme = readXlsxTheme(optionalPart("theme"));
-  const auto styles = readXlsxStyles(optionalPart("styles"), theme, into);
+  const auto theme = readXlsxTheme(partOfLooks("theme"));
+  parts.styles = readXlsxStyles(partOfLooks("styles"), theme, into);
 
   into.dates1904(book.dates1904);
   std::vector<int> numbers;  // sheet number by place in the workbook; 0 for one without cells
@@ -154,7 +163,7 @@ void readXlsx(const ZipArchive& archive, Worksheet& into) {
     if (count > 1) into.InsertSheets(count, 1);
     into.SheetName(count, entry.name);
     into.sheetVisibility(count, entry.visibility);
-    readXlsxSheet(archive.read(relation->second.target), strings, styles, into, count);
+    readXml(archive, relation->second.target, *xlsxSheetHandler(parts, count));
   }
   into.setDefinedNames(definedNames(book.names, numbers));
   const bool known = book.activeTab >= 0 && book.activeTab < static_cast<int>(numbers.size());

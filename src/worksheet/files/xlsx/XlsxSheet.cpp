@@ -21,20 +21,18 @@ double charactersOfWidth(double fileWidth) {
 
 class SheetHandler : public XmlHandler {
  public:
-  SheetHandler(const std::vector<Value>& strings, const std::vector<std::uint32_t>& styles,
-               Worksheet& book, int sheet)
-      : strings_(strings),
-        styles_(styles),
-        book_(book),
-        cells_(book.cellsForReader(sheet)),
-        sheet_(sheet) {}
+  SheetHandler(XlsxBook& file, int sheet)
+      : file_(file), book_(file.out), cells_(book_.cellsForReader(sheet)), sheet_(sheet) {}
 
   void start(std::string_view element, const XmlAttributes& attributes) override {
     collect_ = nullptr;
+    if (!started_ && element != "worksheet") throw FileError("a sheet's part holds something else");
+    started_ = true;
     if (element == "c") {
       startCell(attributes);
     } else if (element == "v") {
       collect_ = &value_;
+      hasValue_ = true;
     } else if (element == "f") {
       startFormula(attributes);
     } else if (element == "t") {
@@ -86,6 +84,7 @@ class SheetHandler : public XmlHandler {
     type_ = attributes("t", "n");
     style_ = attributes.number("s", 0);
     value_.clear();
+    hasValue_ = false;
     inlineText_.clear();
     formula_.clear();
     hasFormula_ = false;
@@ -100,14 +99,26 @@ class SheetHandler : public XmlHandler {
     collect_ = &formula_;
   }
 
-  Value cachedValue() const {
-    if (type_ == "s") {
-      const auto place = parseInteger(value_);
-      const bool known = place && *place >= 0 && static_cast<size_t>(*place) < strings_.size();
-      return known ? strings_[static_cast<size_t>(*place)] : Value();
+  void report(Severity severity, std::string_view text) {
+    book_.findingsForReader().add(
+        severity, text, {.sheet = book_.SheetName(sheet_), .row = row_, .column = column_});
+  }
+
+  Value sharedText() {
+    const auto number = parseInteger(value_);
+    if (number && *number >= 0 && static_cast<size_t>(*number) < file_.strings.size()) {
+      return file_.strings[static_cast<size_t>(*number)];
     }
+    report(Severity::Error, "the text of the cell is missing from the file");
+    return {};
+  }
+
+  Value cachedValue() {
+    if (type_ == "s") return sharedText();
     if (type_ == "inlineStr") return Value::text(xlsxText(inlineText_));
+    if (type_ == "str" && hasValue_ && value_.empty()) return Value::text("");
     if (value_.empty()) return {};
+    if (hasFormula_ && file_.calculateOnLoad && value_ == "0") return {};
     ErrorCode code = ErrorCode::Value;
     if (type_ == "str") {
       // Some writers give the errors of formulas as texts.
@@ -136,7 +147,10 @@ class SheetHandler : public XmlHandler {
       return own;
     }
     const auto hit = shared_.find(sharedId_);
-    if (hit == shared_.end()) return {};
+    if (hit == shared_.end()) {
+      report(Severity::Warning, "the formula is missing from the file; its last value is kept");
+      return {};
+    }
     return shiftedFormula(hit->second.text, row_ - hit->second.row, column_ - hit->second.column);
   }
 
@@ -144,22 +158,26 @@ class SheetHandler : public XmlHandler {
     if (!inCell_) return;
     inCell_ = false;
     const std::string formula = hasFormula_ ? formulaText() : std::string();
+    const Value value = cachedValue();
+    if (value.isText()) file_.budget.showText(value.textView().size());
+    if (!formula.empty()) file_.budget.takeFormulas(1, formula.size());
     if (formula.empty() && cells_.at(row_, column_).kind == ValueKind::Formula) {
       // A cell of an array formula's block, which the block's first cell has filled.
-      book_.setCachedValue(sheet_, row_, column_, cachedValue());
+      book_.setCachedValue(sheet_, row_, column_, value);
     } else if (formula.empty()) {
-      cells_.set(row_, column_, cachedValue());
+      cells_.set(row_, column_, value);
     } else if (formulaKind_ == "array") {
-      setArray(formula);
+      setArray(formula, value);
     } else {
-      book_.setFormulaWithValue(sheet_, row_, column_, formula, cachedValue());
+      book_.setFormulaWithValue(sheet_, row_, column_, formula, value);
     }
-    if (style_ >= 0 && static_cast<size_t>(style_) < styles_.size()) {
-      cells_.setFormat(row_, column_, styles_[static_cast<size_t>(style_)]);
+    file_.budget.follow(cells_);
+    if (style_ >= 0 && static_cast<size_t>(style_) < file_.styles.size()) {
+      cells_.setFormat(row_, column_, file_.styles[static_cast<size_t>(style_)]);
     }
   }
 
-  void setArray(const std::string& formula) {
+  void setArray(const std::string& formula, const Value& value) {
     const size_t colon = block_.find(':');
     int lastRow = row_;
     int lastColumn = column_;
@@ -169,8 +187,11 @@ class SheetHandler : public XmlHandler {
     if (several && (lastRow < row_ || lastColumn < column_)) {
       throw FileError("a sheet has an array formula over " + block_);
     }
+    const auto rows = static_cast<size_t>(lastRow - row_ + 1);
+    const auto columns = static_cast<size_t>(lastColumn - column_ + 1);
+    file_.budget.takeFormulas(rows * columns, formula.size());
     book_.setArrayFormula(sheet_, row_, column_, lastRow, lastColumn, formula);
-    book_.setCachedValue(sheet_, row_, column_, cachedValue());
+    book_.setCachedValue(sheet_, row_, column_, value);
   }
 
   void columns(const XmlAttributes& attributes) {
@@ -202,8 +223,7 @@ class SheetHandler : public XmlHandler {
     book_.SetSelection(row, column, row, column);
   }
 
-  const std::vector<Value>& strings_;
-  const std::vector<std::uint32_t>& styles_;
+  XlsxBook& file_;
   Worksheet& book_;
   CellStore& cells_;
   const int sheet_;
@@ -211,7 +231,9 @@ class SheetHandler : public XmlHandler {
   int row_ = 0;
   int column_ = 0;
   int style_ = 0;
+  bool started_ = false;
   bool inCell_ = false;
+  bool hasValue_ = false;
   bool inPhonetic_ = false;
   bool hasFormula_ = false;
   std::string type_, value_, inlineText_, formula_, formulaKind_, block_;
@@ -222,10 +244,8 @@ class SheetHandler : public XmlHandler {
 
 }  // namespace
 
-void readXlsxSheet(std::string_view document, const std::vector<Value>& strings,
-                   const std::vector<std::uint32_t>& styles, Worksheet& into, int sheet) {
-  SheetHandler handler(strings, styles, into, sheet);
-  readXml(document, handler);
+std::unique_ptr<XmlHandler> xlsxSheetHandler(XlsxBook& book, int sheet) {
+  return std::make_unique<SheetHandler>(book, sheet);
 }
 
 }  // namespace lodex

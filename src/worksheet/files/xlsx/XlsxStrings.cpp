@@ -5,6 +5,7 @@
 
 #include "basic/Text.h"
 #include "worksheet/files/XmlReader.h"
+#include "worksheet/files/ZipArchive.h"
 #include "worksheet/files/xlsx/XlsxParts.h"
 
 namespace lodex {
@@ -49,7 +50,7 @@ class RelationsHandler : public XmlHandler {
 
 class StringsHandler : public XmlHandler {
  public:
-  std::vector<Value> strings;
+  explicit StringsHandler(XlsxBook& book) : book_(book) {}
 
   void start(std::string_view element, const XmlAttributes&) override {
     if (element == "si") current_.clear();
@@ -57,7 +58,10 @@ class StringsHandler : public XmlHandler {
     inText_ = element == "t" && !inPhonetic_;
   }
   void end(std::string_view element) override {
-    if (element == "si") strings.push_back(Value::text(xlsxText(current_)));
+    if (element == "si") {
+      book_.budget.takeText(current_);
+      book_.strings.push_back(Value::text(xlsxText(current_)));
+    }
     if (element == "rPh") inPhonetic_ = false;
     inText_ = false;
   }
@@ -66,6 +70,7 @@ class StringsHandler : public XmlHandler {
   }
 
  private:
+  XlsxBook& book_;
   std::string current_;
   bool inText_ = false;
   bool inPhonetic_ = false;
@@ -114,10 +119,9 @@ std::map<std::string, XlsxRelation> readXlsxRelations(std::string_view document,
   return handler.relations;
 }
 
-std::vector<Value> readXlsxStrings(std::string_view document) {
-  StringsHandler handler;
-  if (!document.empty()) readXml(document, handler);
-  return handler.strings;
+void readXlsxStrings(const ZipArchive& archive, const std::string& path, XlsxBook& book) {
+  StringsHandler handler(book);
+  readXml(archive, path, handler);
 }
 
 std::vector<std::int32_t> readXlsxTheme(std::string_view document) {

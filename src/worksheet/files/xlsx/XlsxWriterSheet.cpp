@@ -18,11 +18,6 @@ namespace {
 // The format's own limit, in UTF-16 units; nothing with fewer bytes can exceed it.
 constexpr size_t longestText = 32767;
 
-struct PlacedCell {
-  int column;
-  const Cell* cell;
-};
-
 class SheetText {
  public:
   SheetText(const Worksheet& book, int sheet, XlsxTextTable& texts, XlsxStyleTable& styles)
@@ -71,26 +66,30 @@ class SheetText {
     out_ += "</cols>";
   }
 
-  // The store goes by columns, the file by rows: cells are dealt out to their rows first.
   void rows() {
-    std::vector<std::vector<PlacedCell>> byRow;
-    book_.cells(sheet_).forEach([&](int row, int column, const Cell& cell) {
-      if (static_cast<size_t>(row) >= byRow.size()) byRow.resize(static_cast<size_t>(row) + 1);
-      byRow[static_cast<size_t>(row)].push_back({column, &cell});
-    });
     const auto& hidden = book_.hiddenRows(sheet_);
-    const int lastHidden = hidden.empty() ? 0 : hidden.rbegin()->first;
-    const int last = std::max(static_cast<int>(byRow.size()) - 1, lastHidden);
-    static const std::vector<PlacedCell> none;
-    for (int row = 1; row <= last; ++row) {
-      const bool inside = static_cast<size_t>(row) < byRow.size();
-      const auto& cells = inside ? byRow[static_cast<size_t>(row)] : none;
+    auto nextHidden = hidden.begin();
+    int open = 0;  // the row being written, 0 before the first
+    const auto startRow = [&](int row) {
+      if (open > 0) out_ += "</row>";
+      open = row;
       const bool isHidden = book_.rowHidden(sheet_, row);
-      if (cells.empty() && !isHidden) continue;
       out_ += "<row r=\"" + std::to_string(row) + (isHidden ? "\" hidden=\"1\">" : "\">");
-      for (const PlacedCell& placed : cells) writeCell(row, placed.column, *placed.cell);
-      out_ += "</row>";
-    }
+    };
+    const auto hiddenBefore = [&](int row) {
+      for (; nextHidden != hidden.end() && nextHidden->first < row; ++nextHidden) {
+        if (nextHidden->first > open) startRow(nextHidden->first);
+      }
+    };
+    book_.cells(sheet_).forEachByRow([&](int row, int column, const Cell& cell) {
+      if (row != open) {
+        hiddenBefore(row);
+        startRow(row);
+      }
+      writeCell(row, column, cell);
+    });
+    hiddenBefore(maxRows + 1);
+    if (open > 0) out_ += "</row>";
   }
 
   void startCell(int row, int column, size_t style) {
