@@ -261,9 +261,7 @@ void Calculations::Calculate() {
 void Calculations::showResult(const CalculationOutcome& outcome, const SheetStructure& structure) {
   frmCResult& result = sheets_.result;
   // The log has them already.
-  const Findings& found = outcome.outcome.found;
-  context_.session.found.append(found);
-  if (!found.empty() && context_.session.onNotice) context_.session.onNotice(found);
+  context_.session.noticeLogged(outcome.outcome.found);
   result.setStructure(structure);
   result.setCaption(calculationResult);
   result.Varjaa(false);

@@ -105,6 +105,21 @@ frmDataIN& DataSheets::insertSheet(int place, std::string_view caption) {
   return sheet;
 }
 
+DataSheetForm* DataSheets::formAt(const Place& place) {
+  if (place.file.empty() && place.sheet.empty()) return nullptr;
+  const auto shows = [&](const frmDataIN& sheet) {
+    const bool sameFile = place.file.empty() || sheet.SourceFile == place.file ||
+                          fileNameOf(sheet.SourceFile) == place.file;
+    const bool sameSheet =
+        place.sheet.empty() || sheet.SourceSheet == place.sheet || sheet.caption() == place.sheet;
+    return sameFile && sameSheet;
+  };
+  for (const auto& sheet : sheets_) {
+    if (shows(*sheet)) return sheet.get();
+  }
+  return place.sheet == result.caption() ? &result : nullptr;
+}
+
 frmDataIN* DataSheets::LastSheet() {
   if (last_ == nullptr && !sheets_.empty()) last_ = sheets_.back().get();
   return last_;
@@ -196,6 +211,8 @@ void DataSheets::spreadSheets(frmDataIN& first) {
   for (int sheet = book.NumSheets(); sheet >= 2; --sheet) {
     frmDataIN& made = insertSheet(first.sheetNumber(), name + book.SheetName(sheet));
     made.takeSheet(book, sheet);
+    made.SourceFile = first.SourceFile;
+    made.SourceSheet = book.SheetName(sheet);
     made.show();
   }
   first.gridF1D.replace([&] {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "form/Form.h"
 #include "import/frmCResult.h"
 #include "import/frmDataIN.h"
@@ -35,6 +36,8 @@ class DataSheets {
   frmDataIN& sheet(int number);
   /// The first sheet with that window name; null if there is none.
   frmDataIN* find(std::string_view name);
+  /// The sheet, or the result, that a place names by file or sheet; null if none is open.
+  DataSheetForm* formAt(const Place& place);
   /// The sheet that was worked with last; null if there is none.
   frmDataIN* LastSheet();
   /// All sheets as places to look for items.

@@ -70,6 +70,7 @@ void frmDataIN::OpenFile(std::string_view path, std::string_view kind, std::stri
   gridF1D.replace([&] {
     readCells(path, kind, separator);
     F1D.Sheet(1);
+    SourceSheet = F1D.SheetName(1);
     setCaption(windowNameOf(path));
     if (identify) AutoIdentify(true);
   });
@@ -80,6 +81,8 @@ void frmDataIN::forgetSource() {
   AD.Size(0, 0);
   setLoadedRows(0);
   TextSeparator.clear();
+  SourceFile.clear();
+  SourceSheet.clear();
   NotReadable.clear();
 }
 
@@ -97,7 +100,7 @@ void frmDataIN::readCells(std::string_view path, std::string_view kind,
       unread = failure.what();
     }
   }
-  path_ = path;
+  SourceFile = path;
   bool readAsText = false;
   NotReadable.clear();
   if (type == FileType::Text) {
@@ -120,7 +123,7 @@ void frmDataIN::readCells(std::string_view path, std::string_view kind,
 }
 
 void frmDataIN::notice(Findings found) {
-  found.nameFile(path_);
+  found.nameFile(SourceFile);
   session().notice(found);
 }
 
@@ -149,8 +152,8 @@ void frmDataIN::offerAllRows() {
   const bool always = context().loadAllRows || mnuAlwaysLoadAllRows.checked();
   const bool load =
       always || session().dialogs().messageBox(
-                    fileNameOf(path_) + " has " + all + " rows; the grid shows the first " + shown +
-                        ".\nLoad all rows?",
+                    fileNameOf(SourceFile) + " has " + all + " rows; the grid shows the first " +
+                        shown + ".\nLoad all rows?",
                     MessageButtons::YesNo, MessageIcon::Question) == Answer::Yes;
   Findings found;
   if (!load) found.warn("The grid shows the first " + shown + " of " + all + " rows");

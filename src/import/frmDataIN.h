@@ -19,6 +19,8 @@ class frmDataIN : public DataSheetForm {
   /// not come through the text reader.
   SampleTable AD;
   std::string TextSeparator;
+  std::string SourceFile;   // the file that was opened; "" for a sheet without one
+  std::string SourceSheet;  // its sheet that is shown here
   /// Why the sheet shows the lines of a file that is neither a workbook nor text; "" otherwise.
   std::string NotReadable;
   MenuItem mnuRenameWindow{*this, "mnuRenameWindow", "Rename Window..."};
@@ -67,7 +69,6 @@ class frmDataIN : public DataSheetForm {
   void setLoadedRows(int rows);
   void offerAllRows();
 
-  std::string path_;
   int loadedRows_ = 0;  // of AD
 };
 

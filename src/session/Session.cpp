@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <new>
+#include <utility>
 
 #include "basic/Error.h"
 #include "basic/Files.h"
@@ -59,7 +60,16 @@ std::string lastFilesIni(const SessionRecord& record) {
 
 }  // namespace
 
-bool Session::run(const std::function<void()>& command) {
+bool Session::run(const std::function<void()>& command, std::string_view name) {
+  struct Running {
+    Session& session;
+    const std::string name;  // the command may change its own caption
+    ~Running() {
+      if (--session.running_ == 0) session.endCommand(name);
+    }
+  };
+  const Running running{*this, std::string(name)};
+  ++running_;
   try {
     command();
     return true;
@@ -81,15 +91,24 @@ void Session::fail(int number, std::string_view text) {
 }
 
 void Session::notice(const Findings& noticed) {
-  if (noticed.empty()) return;
-  found.append(noticed);
   for (const Finding& finding : noticed.all()) {
     const bool isError = finding.severity == Severity::Error;
     const std::string line = describe(finding);
     log.LisaaLog(line, isError ? LogKind::Both : LogKind::Log);
     findingLines_.insert(line);
   }
-  if (onNotice) onNotice(noticed);
+  noticeLogged(noticed);
+}
+
+void Session::noticeLogged(const Findings& noticed) {
+  found.append(noticed);
+  noticed_.append(noticed);
+  if (running_ == 0) endCommand("");
+}
+
+void Session::endCommand(std::string_view name) {
+  const Findings noticed = std::exchange(noticed_, {});
+  if (!noticed.empty()) observers_.notify(name, noticed);
 }
 
 std::string Session::ExpandPath(std::string_view path, std::string_view otherwise) const {

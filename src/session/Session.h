@@ -77,21 +77,28 @@ class Session {
   Findings found;
 
   /// Runs a command of the user. An exception of any kind ends it: the progress line is reset, and
-  /// the message "Error <number> <text>" is shown. Returns true when the command completed.
-  bool run(const std::function<void()>& command);
+  /// the message "Error <number> <text>" is shown. Returns true when the command completed. A
+  /// command may run others as parts of it. `name` is what the report calls it.
+  bool run(const std::function<void()>& command, std::string_view name = {});
   /// Sets the command of a button, list or grid; it is run as above.
   template <typename Target, typename Act>
   void setCommand(Target& target, Act act) {
-    target.setCommand(
-        [this, act = std::move(act)](auto... arguments) { run([&] { act(arguments...); }); });
+    target.setCommand([this, &target, act = std::move(act)](auto... arguments) {
+      run([&] { act(arguments...); }, target.caption());
+    });
   }
 
   /// Adds to `found` and to the log: errors to both panes, the rest to the log alone.
   void notice(const Findings& noticed);
+  /// The same for findings that the log has already.
+  void noticeLogged(const Findings& noticed);
   /// Whether notice() wrote this line of the log, so that it need not be shown a second time.
   bool wroteAsFinding(std::string_view logLine) const { return findingLines_.contains(logLine); }
-  /// Called by `notice` with what is not empty; the report listens here.
-  std::function<void(const Findings&)> onNotice{};
+  /// Called after a command, named by its caption, with all that it noticed, if anything; at once
+  /// for what is noticed outside of commands. The report listens here.
+  Subscription onNotice(std::function<void(std::string_view command, const Findings&)> observer) {
+    return observers_.add(std::move(observer));
+  }
 
   Dialogs& dialogs() { return services_.dialogs; }
   Clipboard& clipboard() { return services_.clipboard; }
@@ -107,11 +114,15 @@ class Session {
 
  private:
   void fail(int number, std::string_view text);
+  void endCommand(std::string_view name);
   void readUserFolder();
   void readDatabases(std::string_view app);
 
   Services services_;
   std::set<std::string, std::less<>> findingLines_;
+  Findings noticed_;  // of the command that runs
+  int running_ = 0;   // commands, one inside the other
+  Observers<std::string_view, const Findings&> observers_;
 };
 
 /// Up to ten last files of a kind, newest first, in lastfiles.ini of the user's ini folder.

@@ -25,7 +25,7 @@ struct SavedSheet {
 /// Copies of edited data sheets that were not saved, for the case that the program does not end as
 /// it should. Every process has a folder of its own below `folder`, locked as long as it lives: the
 /// folder of a process that is gone is free to take. A failure to write is no error of the user's;
-/// `problem` tells it.
+/// `problem` says why.
 class Autosave {
  public:
   /// Nothing is written before the first copy.

@@ -35,6 +35,8 @@ MDIMain::MDIMain(Session& session, ShellServices services)
       combineForm(session),
       source(importContext, sourceForm, sheets, calculations),
       stages(*this, session, sheets, calculations),
+      report(session),
+      doors(*this, session),
       session_(session),
       services_(std::move(services)) {
   makeLastFileEntries();
@@ -43,6 +45,9 @@ MDIMain::MDIMain(Session& session, ShellServices services)
   connectMenus();
   describeTools();
   connectDatabases();
+  connectReport();
+  addWindows(doors, *this);
+  doors.bringToFront = [this](Form& form) { bringToFront(form); };
   keep(calculations.cmdGroup.onChange([this] { showSet(calculations.cmdGroup.caption()); }));
   progressLine_ = session_.progress.onChange([this] {
     if (session_.progress.visible() || !services_.startTmrReady) return;
@@ -63,6 +68,30 @@ void MDIMain::connectDatabases() {
   destinationForm.sourceDatabase = [this] { return source.pathInUse(); };
   keep(destinationForm.txtDDB.onChange(
       [this] { saving.lblDB.setCaption(fileNameOf(destinationForm.txtDDB.text())); }));
+}
+
+void MDIMain::connectReport() {
+  report.goTo = [this](const Place& place) { return goTo(place); };
+  report.onSummary = [this](const std::string& summary) {
+    tbReport.setCaption(summary);
+    tbReport.setVisible(!summary.empty());
+  };
+  tbReport.setVisible(false);
+  tbReport.setToolTip("What a command noticed; click to see the report");
+  run(tbReport, [this] { report.show(); });
+}
+
+bool MDIMain::goTo(const Place& place) {
+  DataSheetForm* form = sheets.formAt(place);
+  if (form == nullptr) return false;
+  if (place.row > 0 || place.column > 0) {
+    form->F1D.SetActiveCell(std::clamp(place.row, 1, form->F1D.MaxRow()),
+                            std::clamp(place.column, 1, form->F1D.MaxCol()));
+    form->gridF1D.refresh();
+  }
+  form->show();
+  bringToFront(*form);
+  return true;
 }
 
 // --- Start ---
@@ -108,7 +137,7 @@ void MDIMain::tellSplash(std::string_view text) {
 
 void MDIMain::watchForms() {
   if (!services_.watch) return;
-  for (Form* form : standingForms()) services_.watch(*form);
+  for (Form* form : doors.windows()) services_.watch(*form);
   services_.watch(session_.splash);
   sheets.onNewSheet = [this](frmDataIN& sheet) { services_.watch(sheet); };
 }
@@ -244,15 +273,11 @@ void MDIMain::Exit() {
   end();
 }
 
-std::vector<Form*> MDIMain::standingForms() {
-  return {&session_.log, &thesaurus, &sourceForm, &destinationForm, &combineForm, &sheets.result};
-}
-
 void MDIMain::unloadForms() {
   if (autosave_) autosave_->clear();
   single_.reset();
   while (sheets.DataSheetCount() > 0) sheets.sheet(sheets.DataSheetCount()).close();
-  const std::vector<Form*> forms = standingForms();
+  const std::vector<Form*>& forms = doors.windows();
   for (auto form = forms.rbegin(); form != forms.rend(); ++form) (*form)->close();
 }
 
@@ -270,7 +295,7 @@ void MDIMain::Open() {
 }
 
 void MDIMain::dropFiles(const std::vector<std::string>& paths) {
-  if (!paths.empty()) session_.run([&] { openPaths(paths); });
+  if (!paths.empty()) session_.run([&] { openPaths(paths); }, "Open");
 }
 
 void MDIMain::openPaths(const std::vector<std::string>& paths) {
@@ -428,7 +453,7 @@ void MDIMain::SaveInDB() {
   source.forgetTables();
   const bool finished = saving.SaveInDB(false);
   if (finished && saving.SaveErrors() == 0) {
-    // What stands in the database is not lost with the sheet. One without database rows may have
+    // What is in the database is not lost with the sheet. One without database rows may have
     // been left out.
     for (const std::string& name : names) {
       frmDataIN* sheet = sheets.find(name);
@@ -449,7 +474,7 @@ frmExcelCalc& MDIMain::singleSample() {
 void MDIMain::SingleSample() {
   frmExcelCalc& form = singleSample();
   if (frmDataIN* sheet = sheets.LastSheet(); sheet != nullptr && sheet->F1D.LastRow() > 0) {
-    // On a row that describes the columns stands no sample.
+    // A row that describes the columns holds no sample.
     form.takeSample(*sheet, std::max(sheet->F1D.Row(), sheet->FirstDataRow()));
   }
   form.show();

@@ -19,7 +19,9 @@
 #include "import/SaveInDB.h"
 #include "import/frmSynonLib.h"
 #include "session/Session.h"
+#include "session/frmReport.h"
 #include "shell/Autosave.h"
+#include "shell/Doors.h"
 #include "shell/ShellServices.h"
 #include "shell/SourceDatabase.h"
 #include "shell/StagePanel.h"
@@ -36,7 +38,7 @@ class MDIMain : public Form {
   ~MDIMain() override;
 
   // --- What lives as long as the session ---
-  // The controls of these parts stand on this form too: lstI, lstSrcF, lstSrcD, chkUseThes,
+  // The controls of these parts belong to this form, too: lstI, lstSrcF, lstSrcD, chkUseThes,
   // chkOnlyNonX, chkFILEISMET, chkUnIDToUser, txtUnID (DataSheets); lstCalc, cmbRoutines,
   // chkAskRefs, cmdGroup, cmdCalculate (Calculations); chkMerge, chkOverWrite, chkAndSave,
   // cmdDefine, cmdSaveInDBNow, lblDB (SavingStage); and those of StagePanel.
@@ -52,6 +54,8 @@ class MDIMain : public Form {
   SourceDatabase source;
   Connection MineralConnection;
   StagePanel stages;
+  frmReport report;
+  Doors doors;  // what the subsystems bring: windows, docks, commands
   /// The form of single samples, made at its first use.
   frmExcelCalc& singleSample();
 
@@ -65,10 +69,6 @@ class MDIMain : public Form {
   MenuItem tbIdentify{*this, "tbIdentify", "Identify"};
   MenuItem tbSources{*this, "tbSources", "Sources"};
   MenuItem tbSingle{*this, "tbSingle", "Single sample"};
-  MenuItem tbModal{*this, "tbModal", "Modal composition"};
-  MenuItem tbMinerals{*this, "tbMinerals", "Minerals"};
-  MenuItem tbMLA{*this, "tbMLA", "Liberation"};
-  MenuItem butAuto{*this, "butAuto", "Automatic"};
   MenuItem tbIni{*this, "tbIni", "Settings"};
   MenuItem tbTutorial{*this, "tbTutorial", "Tutorial"};
   MenuItem butHelp{*this, "butHelp", "Help"};
@@ -76,11 +76,12 @@ class MDIMain : public Form {
   Label lblSet{*this, "lblSet"};       // its name
 
   // --- Status line ---
-  MenuItem tbLodexGeoDB{*this, "tbLodexGeoDB"};  // the sample database; a click tells its path
+  MenuItem tbLodexGeoDB{*this, "tbLodexGeoDB"};  // the sample database; a click shows its path
   MenuItem tbMineralDB{*this, "tbMineralDB"};    // the mineral database
   MenuItem btChange{*this, "btChange", "Change..."};
+  MenuItem tbReport{*this, "tbReport"};  // what was noticed last; a click opens the report
 
-  // --- Menus ---
+  // --- Menus; those of the subsystems are in Windows.cpp ---
   MenuItem mnuOpen{*this, "mnuOpen", "&Open..."};
   MenuItem mnuNew{*this, "mnuNew", "&New data sheet"};
   MenuItem mnuPaste{*this, "mnuPaste", "&Paste as new data sheet"};
@@ -99,30 +100,24 @@ class MDIMain : public Form {
   MenuItem mnuCalculate{*this, "mnuCalculate", "&Calculate"};
   MenuItem mnuGroup{*this, "mnuGroup", "Calculation &group..."};
   MenuItem mnuSingle{*this, "mnuSingle", "Si&ngle sample"};
-  MenuItem mnuThesaurus{*this, "mnuThesaurus", "&Thesaurus"};
 
-  MenuItem mnuSourceDB{*this, "mnuSourceDB", "&Source database"};
-  MenuItem mnuDestinationDB{*this, "mnuDestinationDB", "&Destination database"};
   MenuItem mnuSaveInDB{*this, "mnuSaveInDB", "Sa&ve in database"};
-  MenuItem mnuCombine{*this, "mnuCombine", "&Combine databases"};
 
   MenuItem mnuCascade{*this, "mnuCascade", "&Cascade"};
   MenuItem mnuTile{*this, "mnuTile", "&Tile"};
   MenuItem mnuTileVertical{*this, "mnuTileVertical", "Tile &vertically"};
   MenuItem mnuButtonsToggle{*this, "mnuButtonsToggle", "Tool &bar"};  // checked: it is visible
   MenuItem mnuStagesToggle{*this, "mnuStagesToggle", "&Stages"};      // checked: the panel is
-  MenuItem mnuLog{*this, "mnuLog", "&Log"};
-  MenuItem mnuResult{*this, "mnuResult", "Calculation &result"};
-  Label tbMain{*this, "tbMain"};  // the tool bar
+  Label tbMain{*this, "tbMain"};                                      // the tool bar
 
   MenuItem mnuHelp{*this, "mnuHelp", "&Help"};
   MenuItem mnuAbout{*this, "mnuAbout", "&About Lodex Geo"};
 
   // --- Start and end ---
 
-  /// The load event: reads the settings and prepares everything while the splash window tells what
-  /// is done, then shows the window. False when another process of the program is to be used: the
-  /// window stays hidden and the program should end.
+  /// The load event: reads the settings and prepares everything while the splash window shows what
+  /// is being done, then shows the window. False when another process of the program is to be used:
+  /// the window stays hidden and the program should end.
   bool Load();
   bool loaded() const { return loaded_; }
   /// Asks about data sheets that a process left which is gone, and opens them if wanted. Load calls
@@ -182,11 +177,11 @@ class MDIMain : public Form {
   void connectTools();
   void connectMenus();
   void connectDatabases();
+  void connectReport();
   void describeTools();
   void makeLastFileEntries();
 
   void watchForms();
-  std::vector<Form*> standingForms();
   bool useOtherInstance();
   void tellSplash(std::string_view text);
   void readThesaurus();
@@ -210,6 +205,7 @@ class MDIMain : public Form {
   void toggleBdl();
   void startViewer();
   void bringToFront(Form& form);
+  bool goTo(const Place& place);
 
   Session& session_;
   ShellServices services_;

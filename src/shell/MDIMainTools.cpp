@@ -53,7 +53,6 @@ void MDIMain::connectTools() {
     frmExcelCalc& form = singleSample();
     if (form.CalcExcel(method)) bringToFront(form);
   });
-  for (MenuItem* coming : {&tbModal, &tbMinerals, &tbMLA, &butAuto}) coming->setEnabled(false);
   for (MenuItem* help : {&tbTutorial, &butHelp, &mnuHelp}) {
     help->setEnabled(static_cast<bool>(services_.showHelp));
   }
@@ -79,19 +78,6 @@ void MDIMain::connectMenus() {
   mnuGroup.setCommand([this] { calculations.cmdGroup.click(); });
   mnuSingle.setCommand([this] { tbSingle.click(); });
   mnuSaveInDB.setCommand([this] { saving.cmdSaveInDBNow.click(); });
-
-  const auto opens = [this](MenuItem& entry, Form& form) {
-    run(entry, [this, &form] {
-      form.show();
-      bringToFront(form);
-    });
-  };
-  opens(mnuThesaurus, thesaurus);
-  opens(mnuSourceDB, sourceForm);
-  opens(mnuDestinationDB, destinationForm);
-  opens(mnuCombine, combineForm);
-  opens(mnuLog, session_.log);
-  opens(mnuResult, sheets.result);
 
   const auto arranges = [this](MenuItem& entry, Arrangement arrangement) {
     run(entry, [this, arrangement] {
@@ -152,10 +138,6 @@ void MDIMain::describeTools() {
       {mnuSources, "Choose which columns feed the calculations"},
       {tbSingle, "Calculate the current row of the data sheet by hand"},
       {mnuSingle, "Calculate the current row of the data sheet by hand"},
-      {tbModal, "Modal composition (not available yet)"},
-      {tbMinerals, "Mineral catalogue (not available yet)"},
-      {tbMLA, "Mineral liberation (not available yet)"},
-      {butAuto, "Automated modal calculation (not available yet)"},
       {tbIni, "Edit an ini file; changes take effect on the next start"},
       {mnuEditIni, "Edit an ini file; changes take effect on the next start"},
       {tbTutorial, "A first walk through the program"},
@@ -171,15 +153,9 @@ void MDIMain::describeTools() {
       {mnuPaste, "Make a data sheet of the text on the clipboard and identify it"},
       {mnuOpenDB, "Open a database as the source of samples"},
       {mnuCloseSheet, "Close the data sheet that was worked with last"},
-      {mnuThesaurus, "Edit the rules for what laboratories write"},
-      {mnuSourceDB, "Tables and fields of the source database"},
-      {mnuDestinationDB, "Choose the database to save in; make tables and fields"},
       {mnuSaveInDB, "Save the sheets selected for saving"},
-      {mnuCombine, "Merge several databases into one"},
       {mnuGroup, "Choose another calculation group"},
       {mnuCalculate, "Run the selected methods over the selected samples"},
-      {mnuLog, "Show the log"},
-      {mnuResult, "Show the calculation result"},
       {calculations.cmdGroup, "The calculation group in use; click to choose another one"},
       {calculations.cmdCalculate, "Run the selected methods over the selected samples"},
       {calculations.cmbRoutines, "Calculate single samples with this method"},

@@ -10,9 +10,9 @@ class Form;
 enum class Arrangement { Cascade, TileHorizontally, TileVertically };
 
 /// What the main window needs of the platform. A function that is not given is a service that the
-/// platform does not have: its commands are disabled or do nothing, as told here.
+/// platform does not have: its commands are disabled or do nothing, as described here.
 struct ShellServices {
-  /// The folder of the program; the installation folder "Geo" stands in it.
+  /// The folder of the program; the installation folder "Geo" is in it.
   std::string appFolder;
   /// Version text for the splash window and "About".
   std::string version;

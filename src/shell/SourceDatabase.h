@@ -11,15 +11,15 @@
 
 namespace lodex {
 
-/// Samples from a source database in place of open sheets: while one is in use, its tables stand in
-/// lstSrcF and the calculations read them.
+/// Samples from a source database in place of open sheets: while one is in use, lstSrcF lists its
+/// tables and the calculations read them.
 class SourceDatabase {
  public:
   SourceDatabase(ImportContext& context, frmDB& form, DataSheets& sheets,
                  Calculations& calculations);
 
   /// Opens a database as the source and shows its window. False when it could not be opened, which
-  /// has been told.
+  /// has been reported.
   bool AvaaDB(const std::string& path, const MapRequest& request = {true, true, false});
   /// What was read of the tables is read anew at the next need.
   void forgetTables() { tables_.reset(); }

@@ -20,7 +20,7 @@ inline constexpr int stageCount = 5;
 /// The panel at the left of the main window that leads through the stages, with the pop-up menus of
 /// its lists. The controls are made on the shell's form; the lists and options themselves belong to
 /// DataSheets (lstI, lstSrcF, lstSrcD), Calculations (lstCalc) and SavingStage. In all four lists
-/// the user selects several items; a click tells of the item that was toggled.
+/// the user selects several items; a click reports the item that was toggled.
 class StagePanel {
  public:
   StagePanel(Form& shell, Session& session, DataSheets& sheets, Calculations& calculations);
@@ -29,10 +29,10 @@ class StagePanel {
   OptionButtons optStage;  // the stages by name, for going to any of them
   /// The frame of a stage, "FraSo0" to "FraSo4"; only that of the current stage is visible.
   Label& FraSo(int stage) { return fraSo_.at(static_cast<size_t>(stage)); }
-  Button Command1;  // to stage 1; stands in FraSo0
-  Button Command2;  // to stage 2; stands in FraSo1
-  Button cmdNext2;  // to stage 3; stands in FraSo2
-  Button cmdNext3;  // to stage 4; stands in FraSo3
+  Button Command1;  // to stage 1; in FraSo0
+  Button Command2;  // to stage 2; in FraSo1
+  Button cmdNext2;  // to stage 3; in FraSo2
+  Button cmdNext3;  // to stage 4; in FraSo3
   Button cmdBack0;  // back a stage; one for all frames, below them
 
   // Entries of the pop-up menus: mnuPopUp1 on lstCalc, mnuPopUpF on lstSrcF, mnuPopUpDB on lstSrcD,

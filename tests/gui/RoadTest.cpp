@@ -1,6 +1,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDialog>
+#include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -405,6 +406,33 @@ TEST_F(RoadTest, KeysGoThroughTheStagesAndHideTheirPanel) {
   EXPECT_FALSE(shell().stages.picCalc.visible());
   QTest::keyClick(&window, Qt::Key_F11);
   EXPECT_TRUE(shell().stages.picCalc.visible());
+}
+
+TEST_F(RoadTest, TheReportDocksAndItsLinesLeadToTheirCells) {
+  ASSERT_TRUE(window.start());
+  shell().dropFiles({file("ores.txt", rocks), file("other.txt", metals)});
+  Findings found;
+  found.error("Not read", {.sheet = "ores", .row = 3, .column = 2});
+  session.notice(found);
+  settle();
+  auto* dock = child<QDockWidget>(window, "frmReport");
+  EXPECT_TRUE(dock->isVisible());
+  EXPECT_EQ(window.dockWidgetArea(dock), Qt::BottomDockWidgetArea);
+  EXPECT_TRUE(child<QAction>(window, "mnuReport")->isChecked());
+  EXPECT_EQ(child<QAction>(window, "tbReport")->text(), "1 error");
+  window.area().setActiveSubWindow(window.windowOf(*shell().sheets.find("other")));
+  auto* lines = child<WorksheetView>(*dock, "F1Report");
+  lines->select({3, 1, 3, 1});
+  QTest::keyClick(&lines->table(), Qt::Key_Return);
+  settle();
+  EXPECT_EQ(window.area().activeSubWindow(), window.windowOf(*shell().sheets.find("ores")));
+  EXPECT_EQ(shell().sheets.find("ores")->F1D.Row(), 3);
+  window.addDockWidget(Qt::RightDockWidgetArea, dock);
+  delete dock;
+  trigger("mnuReport");
+  trigger("mnuReport");
+  EXPECT_EQ(window.dockWidgetArea(child<QDockWidget>(window, "frmReport")), Qt::RightDockWidgetArea)
+      << "its edge is remembered";
 }
 
 TEST_F(RoadTest, DroppedFilesOpen) {

@@ -254,6 +254,9 @@ class Road {
   void otherWindows() {
     shell().stages.SetStage(Stage::End);
     shot("end");
+    trigger("mnuReport");
+    shot("report");
+    trigger("mnuReport");
     shell().stages.SetStage(Stage::Identify);
     trigger("mnuThesaurus");
     album_.takeOthers(window_);

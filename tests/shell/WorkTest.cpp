@@ -292,7 +292,7 @@ TEST_F(WorkTest, ToolsTellAndAskThePlatform) {
        {}},
       {"help", [&] { shell->mnuHelp.click(); }, {"help MDIMain"}},
       {"tile", [&] { shell->mnuTile.click(); }, {"arrange 1"}},
-      {"not yet", [&] { shell->tbModal.click(); }, {}},
+      {"not yet", [&] { dynamic_cast<Button*>(shell->control("tbModal"))->click(); }, {}},
   };
   for (const Row& row : rows) {
     done.clear();
@@ -302,6 +302,32 @@ TEST_F(WorkTest, ToolsTellAndAskThePlatform) {
   }
   shell->mnuButtonsToggle.click();
   EXPECT_FALSE(shell->tbMain.visible() || shell->mnuButtonsToggle.checked());
+}
+
+TEST_F(WorkTest, TheReportLeadsToTheCellThatWasNoticed) {
+  start();
+  const std::string file = assays("ores.txt");
+  open({file, assays("other.txt")});
+  EXPECT_FALSE(shell->tbReport.visible());
+  Findings found;
+  found.warn("Text counted as 0", {.file = file, .row = 3, .column = 2});
+  found.error("Not identified", {.sheet = "other", .column = 4});
+  found.error("No such sheet", {.file = file, .sheet = "Cu"});
+  session.notice(found);
+  EXPECT_EQ(shell->tbReport.caption(), "2 errors, 1 warning");
+  EXPECT_TRUE(shell->tbReport.visible());
+  auto* entry = dynamic_cast<MenuItem*>(shell->control("mnuReport"));
+  EXPECT_TRUE(entry->checked()) << "opened by itself";
+  done.clear();
+  for (const int row : {3, 4, 5}) shell->report.gridF1Report.click(row, 1);
+  EXPECT_THAT(done, ElementsAre("front other", "front ores"));
+  EXPECT_EQ(sheet("ores").F1D.Row(), 3);
+  EXPECT_EQ(sheet("ores").F1D.Col(), 2);
+  EXPECT_EQ(sheet("other").F1D.Col(), 4);
+  entry->click();
+  EXPECT_FALSE(shell->report.visible() || entry->checked());
+  shell->tbReport.click();
+  EXPECT_TRUE(shell->report.visible());
 }
 
 TEST_F(WorkTest, ValuesBelowTheDetectionLimitAreConvertedOnDemand) {

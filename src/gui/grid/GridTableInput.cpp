@@ -283,6 +283,8 @@ void GridTable::keyPressEvent(QKeyEvent* event) {
       return page(1, shift, alt);
     case Qt::Key_Return:
     case Qt::Key_Enter:
+      // Where nothing can be typed, Enter does what a click on the cell does.
+      if (editor()->readOnly()) return emit cellPressed(from.row, from.column);
       return stepOn(shift ? Direction::Up : Direction::Down);
     case Qt::Key_Tab:
       return stepOn(shift ? Direction::Left : Direction::Right);

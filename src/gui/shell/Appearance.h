@@ -10,7 +10,7 @@ void setAppearance(const QString& name);
 /// Gives the running application its style and palette.
 void applyAppearance();
 
-/// The language of the captions, "" for that of the system. Remembered; it holds from the next
+/// The language of the captions, "" for that of the system. Remembered; it applies from the next
 /// start on.
 QString chosenLanguage();
 void chooseLanguage(const QString& language);

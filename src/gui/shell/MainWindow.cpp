@@ -31,6 +31,8 @@
 #include "gui/WindowPlaces.h"
 #include "gui/help/HelpWindow.h"
 #include "gui/shell/Appearance.h"
+#include "gui/shell/DoorActions.h"
+#include "gui/shell/FormDock.h"
 #include "gui/shell/SheetWindow.h"
 #include "gui/shell/SingleInstance.h"
 #include "gui/shell/TextFileEditor.h"
@@ -91,6 +93,7 @@ MainWindow::MainWindow(Session& session, const QString& appFolder, SingleInstanc
   buildToolBar();
   buildStatusBar();
   shell_ = std::make_unique<MDIMain>(session, services(appFolder));
+  addDoorActions(*this, shell_->doors);
   bindForm(*shell_, *this);
   bindForm(session.progress, *statusBar());
   buildPopUps();
@@ -114,6 +117,7 @@ MainWindow::MainWindow(Session& session, const QString& appFolder, SingleInstanc
 
 MainWindow::~MainWindow() {
   // The windows go before what they show.
+  for (FormDock* dock : findChildren<FormDock*>()) delete dock;
   for (QMdiSubWindow* window : area_->subWindowList()) delete window;
   delete help_;
 }
@@ -144,7 +148,7 @@ ShellServices MainWindow::services(const QString& appFolder) {
   return services;
 }
 
-// What stands in the tool bar besides buttons.
+// What the tool bar contains besides buttons.
 void MainWindow::buildToolBar() {
   auto* bar = findChild<QToolBar*>(QStringLiteral("tbMain"));
   const auto addCombo = [&](const char* name, const QString& hint, int characters) {
@@ -187,7 +191,7 @@ void MainWindow::buildStatusBar() {
   selectionInfo_ = new QLabel(statusBar());
   selectionInfo_->setObjectName(QStringLiteral("selectionInfo"));
   statusBar()->addPermanentWidget(selectionInfo_);
-  for (const char* name : {"tbLodexGeoDB", "tbMineralDB", "btChange"}) {
+  for (const char* name : {"tbReport", "tbLodexGeoDB", "tbMineralDB", "btChange"}) {
     statusBar()->addPermanentWidget(statusButton(*findChild<QAction*>(QString::fromLatin1(name))));
   }
 }
@@ -289,6 +293,7 @@ void MainWindow::followProgress() {
 
 void MainWindow::watch(Form& form) {
   if (form.name() == "frmLoad") return showSplash(form);
+  if (shell_->doors.isDock(form)) return watchDock(form);
   if (!dynamic_cast<DataSheetForm*>(&form)) return views_.watch(form);
   observed_.add(form.onChange([this, &form, window = QPointer<SheetWindow>()]() mutable {
     if (window || !form.visible()) return;
@@ -300,6 +305,12 @@ void MainWindow::watch(Form& form) {
     area_->addSubWindow(window);
     placeNew(*window);
     window->show();
+  }));
+}
+
+void MainWindow::watchDock(Form& form) {
+  observed_.add(form.onChange([this, &form, dock = QPointer<FormDock>()]() mutable {
+    if (form.visible() && !dock) dock = new FormDock(form, *this);
   }));
 }
 

@@ -22,7 +22,7 @@ class SingleInstance;
 class MainWindow : public QMainWindow {
   Q_OBJECT
  public:
-  /// `appFolder` is where the installation folder "Geo" stands. The session and the instance, which
+  /// `appFolder` is where the installation folder "Geo" is. The session and the instance, which
   /// may be null, must outlive the window.
   MainWindow(Session& session, const QString& appFolder, SingleInstance* instance = nullptr);
   ~MainWindow() override;
@@ -47,6 +47,7 @@ class MainWindow : public QMainWindow {
   void buildPopUps();
   void buildLooks();
   void watch(Form& form);
+  void watchDock(Form& form);
   void placeNew(QMdiSubWindow& window);
   void showSplash(Form& form);
   void arrange(Arrangement arrangement);
