@@ -15,42 +15,20 @@
 #include <QXmlStreamReader>
 #include <algorithm>
 
+#include "gui/EveryForm.h"
 #include "gui/FormLoader.h"
-#include "gui/FormsFixture.h"
+#include "gui/FormWindow.h"
+#include "gui/GuiFixture.h"
 #include "gui/grid/WorksheetView.h"
 #include "gui/widgets/Mnemonics.h"
 
 namespace lodex {
 namespace {
 
-/// Every form of this fixture, by name.
-class AllForms : public FormsTest {
+class AllForms : public GuiTest {
  protected:
-  AllForms() {
-    add<frmConnect>(session);
-    add<frmAddField>(session, connection, "ANALYSES");
-    add<frmDB>(session, shell);
-    add<frmDDB>(session);
-    add<frmCombineDBS>(session);
-    add<frmExcelCalc>(context, calculations);
-    add<frmSplitDialog>("a;b", TextSplit{";", false, false});
-    add<frmSources>(session, shippedTables(), sourcesCaller());
-    add<frmSelectElements>("Source for Fe", std::vector<std::string>{"a", "b"});
-    add<frmDefineItem>("-ALL- Fe", noSheets);
-    add<frmSelectFromList>(dialogs, "Select", std::vector<std::string>{"a"});
-    forms.insert(forms.end(),
-                 {&addSheet(), &sheets.result, &thesaurus, &session.log, &session.splash});
-  }
-
-  template <typename FormType, typename... Arguments>
-  void add(Arguments&&... arguments) {
-    owned.push_back(std::make_unique<FormType>(std::forward<Arguments>(arguments)...));
-    forms.push_back(owned.back().get());
-  }
-
-  SourceSheets noSheets;
-  std::deque<std::unique_ptr<Form>> owned;
-  std::vector<Form*> forms;
+  EveryForm every{session};
+  const std::vector<Form*>& forms = every.forms;
 };
 
 // The caption that a window file gives a control's widget; null for widgets without one.

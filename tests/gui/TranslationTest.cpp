@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFile>
 #include <QKeySequence>
 #include <QMenu>
@@ -5,6 +6,7 @@
 #include <QTranslator>
 #include <QXmlStreamReader>
 
+#include "gui/FormTexts.h"
 #include "gui/GuiFixture.h"
 #include "gui/shell/MainWindow.h"
 #include "shell/MDIMain.h"
@@ -12,36 +14,34 @@
 namespace lodex {
 namespace {
 
-// What a control may show to the user in words.
-std::vector<std::string> textsOf(const Control& control) {
-  std::vector<std::string> texts{control.caption(), control.toolTip()};
-  if (auto* options = dynamic_cast<const OptionButtons*>(&control)) {
-    texts.insert(texts.end(), options->captions().begin(), options->captions().end());
+// The originals that a file for translators lists, translated or not, by context.
+std::set<FormText> listedTexts(const QString& path) {
+  QFile file(path);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+  std::set<FormText> texts;
+  std::string context;
+  QXmlStreamReader xml(&file);
+  while (!xml.atEnd()) {
+    if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+    if (xml.name() == QLatin1String("name")) context = fromQt(xml.readElementText());
+    if (xml.name() == QLatin1String("source")) {
+      texts.emplace(context, fromQt(xml.readElementText()));
+    }
   }
   return texts;
 }
 
-bool hasWords(const std::string& text) {
-  static const QRegularExpression word(QStringLiteral("[A-Za-z]{2}"));
-  return toQt(text).contains(word);
-}
-
-TEST_F(GuiTest, EveryTextOfShellAndDataSheetsHasAFinnishOne) {
-  QTranslator finnish;
-  ASSERT_TRUE(finnish.load(QStringLiteral(":/translations/lodexgeo_fi.qm")));
-  MDIMain shell(session, {});
-  frmDataIN& sheet = shell.NewSheet();
-  for (const Form* form : std::initializer_list<const Form*>{
-           &shell, &sheet, &shell.sheets.result, &session.log, &shell.sourceForm,
-           &shell.destinationForm, &shell.combineForm, &shell.thesaurus, &shell.singleSample()}) {
-    for (const Control* control : form->controls()) {
-      for (const std::string& text : textsOf(*control)) {
-        if (!hasWords(text)) continue;
-        // The panel of the data sheets is a window file of its own.
-        EXPECT_FALSE(finnish.translate(form->name().c_str(), text.c_str()).isEmpty() &&
-                     finnish.translate("DataSheetPanel", text.c_str()).isEmpty())
-            << form->name() << "." << control->name() << ": " << text;
-      }
+TEST_F(GuiTest, EveryTextOfAFormReachesTheTranslators) {
+  std::set<FormText> texts = windowTexts();
+  texts.merge(modelTexts(session));
+  const QDir folder(QStringLiteral(LODEX_SOURCE_DIR "/src/gui/translations"));
+  const QStringList languages = folder.entryList({QStringLiteral("*.ts")});
+  EXPECT_FALSE(languages.isEmpty());
+  for (const QString& language : languages) {
+    const std::set<FormText> listed = listedTexts(folder.filePath(language));
+    for (const auto& [form, text] : texts) {
+      EXPECT_TRUE(listed.contains({form, text}))
+          << fromQt(language) << ", " << form << ": " << text << " (run script/translations)";
     }
   }
 }

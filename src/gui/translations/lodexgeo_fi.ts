@@ -2,25 +2,6 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fi">
 <context>
-    <name>GridMenus</name>
-    <message>
-        <source>F&amp;ormat</source>
-        <translation>M&amp;uotoilu</translation>
-    </message>
-    <message>
-        <source>Fi&amp;ll</source>
-        <translation>Tä&amp;ytä</translation>
-    </message>
-    <message>
-        <source>&amp;Data</source>
-        <translation>&amp;Data</translation>
-    </message>
-    <message>
-        <source>&amp;View</source>
-        <translation>&amp;Näytä</translation>
-    </message>
-</context>
-<context>
     <name>DataSheetPanel</name>
     <message>
         <source>Data</source>
@@ -528,6 +509,25 @@
     <message>
         <source>Delete sheet</source>
         <translation>taulukon poisto</translation>
+    </message>
+</context>
+<context>
+    <name>GridMenus</name>
+    <message>
+        <source>F&amp;ormat</source>
+        <translation>M&amp;uotoilu</translation>
+    </message>
+    <message>
+        <source>Fi&amp;ll</source>
+        <translation>Tä&amp;ytä</translation>
+    </message>
+    <message>
+        <source>&amp;Data</source>
+        <translation>&amp;Data</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Näytä</translation>
     </message>
 </context>
 <context>
@@ -1267,6 +1267,22 @@
     <message>
         <source>BDLC=ON</source>
         <translation>BDLC=ON</translation>
+    </message>
+    <message>
+        <source>Report</source>
+        <translation>Raportti</translation>
+    </message>
+    <message>
+        <source>Re&amp;port</source>
+        <translation>Ra&amp;portti</translation>
+    </message>
+    <message>
+        <source>Show what the commands noticed, with the places</source>
+        <translation>Näytä, mitä komennot huomasivat ja missä</translation>
+    </message>
+    <message>
+        <source>What a command noticed; click to see the report</source>
+        <translation>Mitä komento huomasi; napsauta nähdäksesi raportin</translation>
     </message>
 </context>
 <context>
@@ -2786,6 +2802,53 @@
     </message>
 </context>
 <context>
+    <name>frmReport</name>
+    <message>
+        <source>Report</source>
+        <translation>Raportti</translation>
+    </message>
+    <message>
+        <source>Notes</source>
+        <translation>Huomautukset</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopioi</translation>
+    </message>
+    <message>
+        <source>Save...</source>
+        <translation>Tallenna...</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Tyhjennä</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Sulje</translation>
+    </message>
+    <message>
+        <source>Copy the report as text</source>
+        <translation>Kopioi raportti tekstinä</translation>
+    </message>
+    <message>
+        <source>Empty the report; the log keeps everything</source>
+        <translation>Tyhjennä raportti; loki säilyttää kaiken</translation>
+    </message>
+    <message>
+        <source>List notes as well: how something was understood</source>
+        <translation>Luettele myös huomautukset: miten jokin tulkittiin</translation>
+    </message>
+    <message>
+        <source>Save the report as a text file</source>
+        <translation>Tallenna raportti tekstitiedostona</translation>
+    </message>
+    <message>
+        <source>Nothing was noticed so far</source>
+        <translation>Toistaiseksi ei ole huomattu mitään</translation>
+    </message>
+</context>
+<context>
     <name>frmSelectElements</name>
     <message>
         <source>Select</source>
@@ -3112,8 +3175,8 @@
         <translation>Sanasto</translation>
     </message>
     <message>
-        <source>An empty cell changes nothing, "-" empties the target</source>
-        <translation>Tyhjä solu ei muuta mitään, "-" tyhjentää kohteen</translation>
+        <source>An empty cell changes nothing, &quot;-&quot; empties the target</source>
+        <translation>Tyhjä solu ei muuta mitään, &quot;-&quot; tyhjentää kohteen</translation>
     </message>
     <message>
         <source>&amp;File</source>
@@ -3885,13 +3948,13 @@ Oppaan sivuja ei ole asennettu. Niiden paikka on kansio
     <message>
         <source># Page not found
 
-The page "%1" is not in the folder of the guide:
+The page &quot;%1&quot; is not in the folder of the guide:
 
     %2
 </source>
         <translation># Sivua ei löydy
 
-Sivua "%1" ei ole oppaan kansiossa:
+Sivua &quot;%1&quot; ei ole oppaan kansiossa:
 
     %2
 </translation>
