@@ -25,7 +25,7 @@ struct Bench {
     database = {};
     database.path = (folder / name).string();
     createDatabase(database.path);
-    if (MapDatabase(session, database, {}) != MapResult::Mapped) std::abort();
+    if (!MapDatabase(session, database, {}).done()) std::abort();
   }
 
   std::filesystem::path folder =
@@ -107,7 +107,7 @@ void map(benchmark::State& state) {
   const MapRequest request{true, stored, !stored};
   MapDatabase(bench.session, bench.database, {true, false, true});
   for (auto _ : state) {
-    if (MapDatabase(bench.session, bench.database, request) != MapResult::Mapped) std::abort();
+    if (!MapDatabase(bench.session, bench.database, request).done()) std::abort();
   }
 }
 BENCHMARK(map)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);

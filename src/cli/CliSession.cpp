@@ -32,7 +32,9 @@ void openPlainly(CommandContext& context, Connection& connection, std::string_vi
     servers = {console.session().record.UserIni, console.session().record.MainIni};
   }
   connection.Open(ConnectionString(path, "", ""), servers);
-  context.found.append(connection.Noticed());
+  Findings noticed = connection.Noticed();
+  noticed.nameFile(shownName(path));
+  context.found.append(noticed);
 }
 
 }  // namespace lodex

@@ -34,13 +34,17 @@ void runCombine(const CombineOptions& options, CommandContext& context) {
     }
   }
   auto job = followProgress(console.session(), context.err);
-  const CombineOutcome outcome = combineDatabases(console.session(), options.sources, options.into);
+  const CombineOutcome combined =
+      combineDatabases(console.session(), options.sources, options.into);
   job.reset();
   context.out << replaceAll(console.session().log.txtLog.text(), "\r\n", "\n") << '\n';
-  if (outcome.aborted) throw Error("combining was stopped; what was written until then stays");
-  if (outcome.errors > 0) {
-    throw Error(std::to_string(outcome.errors) + " records were not written, " +
-                std::to_string(outcome.written) + " were");
+  if (combined.outcome.aborted()) {
+    throw Error("combining was stopped " + combined.outcome.reason +
+                "; what was written until then stays");
+  }
+  if (combined.errors > 0) {
+    throw Error(std::to_string(combined.errors) + " records were not written, " +
+                std::to_string(combined.written) + " were");
   }
 }
 
@@ -50,7 +54,9 @@ void addCombineCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<CombineOptions>();
   CLI::App* command =
       app.add_subcommand("combine", "merge databases: their tables, fields, indexes and records");
-  command->add_option("SOURCES", options->sources, "database files, or NAME.ORA for servers")
+  command
+      ->add_option("SOURCES", options->sources,
+                   "database files, or NAME.ORA or connection texts for servers")
       ->required();
   command->add_option("--into", options->into, "the database to add to; made if it is missing")
       ->required();

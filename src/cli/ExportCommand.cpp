@@ -15,7 +15,9 @@ void addExportCommand(CLI::App& app, CommandContext& context) {
   };
   auto options = std::make_shared<Options>();
   CLI::App* command = app.add_subcommand("export", "write all tables of a database for others");
-  command->add_option("DATABASE", options->database, "database file, or NAME.ORA for a server")
+  command
+      ->add_option("DATABASE", options->database,
+                   "database file, or NAME.ORA or a connection text for a server")
       ->required();
   command
       ->add_option("OUT", options->out,
@@ -24,9 +26,7 @@ void addExportCommand(CLI::App& app, CommandContext& context) {
   command->callback([options, &context] {
     Connection connection;
     openPlainly(context, connection, options->database);
-    for (const auto& remark : exportDatabase(connection, options->out)) {
-      context.err << "lodex: " << remark << '\n';
-    }
+    context.found.append(exportDatabase(connection, options->out));
   });
 }
 

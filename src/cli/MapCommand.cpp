@@ -1,11 +1,9 @@
 // lodex map: what tables, fields, keys, links and filters a database has.
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 #include <ostream>
 
 #include "basic/Error.h"
-#include "basic/Files.h"
 #include "cli/CliSession.h"
 #include "db/MapDatabase.h"
 
@@ -29,30 +27,15 @@ void printRows(std::ostream& out, std::string_view kind, const Worksheet& sheet)
   }
 }
 
-// A map file is read without a look at its database, so the user should know.
-bool isMapOlder(const std::string& database) {
-  std::error_code none;
-  const auto map = std::filesystem::last_write_time(nativePath(mapFilePath(database)), none);
-  if (none) return false;
-  const auto changed = std::filesystem::last_write_time(nativePath(database), none);
-  return !none && map < changed;
-}
-
 void runMap(const MapOptions& options, CommandContext& context) {
   CliSession console(context);
   Session& session = console.session();
   MappedDatabase database;
   database.path = options.database;
-  const bool mayBeOld = !options.refresh && isMapOlder(options.database);
   const MapRequest request{true, !options.refresh, options.refresh};
-  const MapResult result = MapDatabase(session, database, request);
+  const Outcome outcome = MapDatabase(session, database, request);
   console.printLines(session.log.txtErr.text());
-  if (result != MapResult::Mapped) throw Error("Error in opening database " + options.database);
-  if (mayBeOld) {
-    context.err
-        << "lodex: " << mapFilePath(options.database)
-        << " is older than the database and may miss what is new; --refresh maps it afresh\n";
-  }
+  if (!outcome.done()) throw Error("Error in opening database " + shownName(options.database));
   printRows(context.out, "table", database.map.F1Key2);
   printRows(context.out, "key", database.map.F1Avain);
   printRows(context.out, "link", database.map.F1Linkki);
@@ -67,7 +50,9 @@ void addMapCommand(CLI::App& app, CommandContext& context) {
   auto options = std::make_shared<MapOptions>();
   CLI::App* command = app.add_subcommand(
       "map", "list a database's tables with their fields, keys, links and filters");
-  command->add_option("DATABASE", options->database, "database file, or NAME.ORA for a server")
+  command
+      ->add_option("DATABASE", options->database,
+                   "database file, or NAME.ORA or a connection text for a server")
       ->required();
   command->add_flag("--refresh", options->refresh,
                     "map the database afresh, and write the map file (.ake) beside it anew");

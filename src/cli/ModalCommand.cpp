@@ -126,9 +126,9 @@ void mapStoredAssays(const ModalOptions& options, ImportConsole& console, Mapped
                      StoredSource& source, Worksheet& F1Ref) {
   Session& session = console.session();
   database.path = options.database;
-  if (MapDatabase(session, database, {true, false, false}) != MapResult::Mapped) {
+  if (!MapDatabase(session, database, {true, false, false}).done()) {
     printOpening(console);
-    throw Error("Error in opening database " + options.database);
+    throw Error("Error in opening database " + shownName(options.database));
   }
   printOpening(console);
   source = {&database, options.filter, ""};

@@ -34,7 +34,7 @@ void runSave(const SaveOptions& options, CommandContext& context) {
   console.session().log.clear();
   const bool opened = destination.openDestination(options.database, true);
   console.printLines(console.session().log.txtErr.text(), "lodex: ");
-  if (!opened) throw Error("Error in opening database " + options.database);
+  if (!opened) throw Error("Error in opening database " + shownName(options.database));
   DataSheets& sheets = console.sheets();
   SavingStage stage(console.shell(), console.session(), sheets, destination);
   stage.chkMerge.setChecked(options.merge || options.overwrite);
@@ -64,8 +64,9 @@ void addSaveCommand(CLI::App& app, CommandContext& context) {
       app.add_subcommand("save", "identify analysis files and save them in a database");
   command->add_option("FILES", options->files, "workbooks and text files")->required();
   command
-      ->add_option("--db", options->database,
-                   "database file, made if it is missing; or NAME.ORA for a server")
+      ->add_option(
+          "--db", options->database,
+          "database file, made if it is missing; or NAME.ORA or a connection text for a server")
       ->required();
   command->add_flag("--merge", options->merge,
                     "look samples up by their key; fill fields that are empty");

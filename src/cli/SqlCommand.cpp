@@ -126,7 +126,9 @@ void addSqlCommand(CLI::App& app, CommandContext& context) {
   auto request = std::make_shared<SqlRequest>();
   CLI::App* command =
       app.add_subcommand("sql", "run a statement on a database and print the records it gives");
-  command->add_option("DATABASE", request->database, "database file, or NAME.ORA for a server")
+  command
+      ->add_option("DATABASE", request->database,
+                   "database file, or NAME.ORA or a connection text for a server")
       ->required();
   command->add_option("STATEMENT", request->statement, "the statement, in the Jet dialect")
       ->required();

@@ -54,10 +54,10 @@ void loadStoredSamples(ImportConsole& console, const StoredSamplesChoice& choice
   Session& session = console.session();
   MappedDatabase database;
   database.path = choice.database;
-  const MapResult result = MapDatabase(session, database, {true, false, false});
+  const Outcome outcome = MapDatabase(session, database, {true, false, false});
   console.printLines(session.log.txtErr.text(), "lodex: ");
   session.log.clear();
-  if (result != MapResult::Mapped) throw Error("Error in opening database " + choice.database);
+  if (!outcome.done()) throw Error("Error in opening database " + shownName(choice.database));
   const DatabaseMap& map = database.map;
   const std::vector<std::string> names =
       choice.tables.empty() ? tablesOfSamples(database) : choice.tables;

@@ -46,6 +46,7 @@ class Combining {
  public:
   Combining(Session& session, const std::string& destination) : session_(session) {
     openDatabase(session, destination_, destination);
+    requireWritable(destination_, destination);
   }
 
   CombineOutcome run(const std::vector<std::string>& paths, const std::string& destination) {
@@ -58,29 +59,49 @@ class Combining {
       sources_.push_back(std::move(source));
     }
     for (const auto& source : sources_) {
-      if (!outcome_.aborted) createTables(*source);
+      if (result_.outcome.done()) createTables(*source);
     }
-    for (size_t i = 0; i < sources_.size() && !outcome_.aborted; ++i) copyTables(i);
-    if (!outcome_.aborted) log("Ready");
-    return outcome_;
+    for (size_t i = 0; i < sources_.size() && result_.outcome.done(); ++i) copyTables(i);
+    if (result_.outcome.done()) log("Ready");
+    session_.notice(found());
+    return result_;
   }
 
  private:
   void log(const std::string& text) { session_.log.LisaaLog(text, LogKind::Log); }
 
-  bool stopped() {
-    outcome_.aborted = job_.aborted(LogKind::Log, "!! Aborted!!");
-    return outcome_.aborted;
+  Findings& found() { return result_.outcome.found; }
+
+  bool stopped(const std::string& before) {
+    if (!job_.aborted(LogKind::Log, "!! Aborted!!")) return false;
+    result_.outcome.ended = Ended::Aborted;
+    result_.outcome.reason = "before table " + before;
+    return true;
   }
 
-  void execute(const std::string& statement) {
+  // The reason when the destination refuses a statement, else "".
+  std::string execute(const std::string& statement) {
     try {
       destination_.Execute(statement);
       log(" -EXECUTED: " + statement);
+      return {};
     } catch (const Error& failure) {
       log("!! ERROR " + std::to_string(failure.number()) + " " + failure.what() +
           "(Command: " + statement + ")");
+      return failure.what();
     }
+  }
+
+  // What the destination has under that name already serves as well.
+  bool destinationHas(SchemaKind kind, const std::string& table, const char* field,
+                      const std::string& name) {
+    const auto rows = destination_.OpenSchema(kind);
+    for (; !rows->Eof(); rows->MoveNext()) {
+      if (equalsNoCase(rows->Text("TABLE_NAME"), table) && equalsNoCase(rows->Text(field), name)) {
+        return true;
+      }
+    }
+    return false;
   }
 
   // --- Structure ---
@@ -93,15 +114,16 @@ class Combining {
     for (const std::string& table : source.tables) {
       const std::string text = "Creating table  " + table + " ...";
       session_.progress.ShowProgress(text, ++number);
-      if (stopped()) return;
+      if (stopped(table)) return;
       log(text);
       execute("CREATE TABLE " + quoteName(table));
-      createFields(*columns, table);
-      createIndexes(*indexes, table);
+      const Place place{.file = shownName(source.path), .sheet = table};
+      createFields(*columns, table, place);
+      createIndexes(*indexes, table, place);
     }
   }
 
-  void createFields(Recordset& columns, const std::string& table) {
+  void createFields(Recordset& columns, const std::string& table, const Place& place) {
     for (columns.Filter(ofTable(table)); !columns.Eof(); columns.MoveNext()) {
       const auto number = [&](const char* field) {
         return static_cast<int>(fieldNumber(columns.Value(field)));
@@ -109,8 +131,13 @@ class Combining {
       const FieldType type{static_cast<FieldCode>(number("DATA_TYPE")),
                            number("CHARACTER_MAXIMUM_LENGTH"), number("NUMERIC_PRECISION"),
                            number("NUMERIC_SCALE")};
-      execute("ALTER TABLE " + quoteName(table) + " ADD COLUMN " +
-              quoteName(columns.Text("COLUMN_NAME")) + " " + jetTypeName(type));
+      const std::string field = columns.Text("COLUMN_NAME");
+      const std::string refused = execute("ALTER TABLE " + quoteName(table) + " ADD COLUMN " +
+                                          quoteName(field) + " " + jetTypeName(type));
+      if (refused.empty() || destinationHas(SchemaKind::Columns, table, "COLUMN_NAME", field)) {
+        continue;
+      }
+      found().error("Field " + field + " was not made: " + refused, place);
     }
   }
 
@@ -121,7 +148,7 @@ class Combining {
     bool primary = false;
   };
 
-  void createIndexes(Recordset& schema, const std::string& table) {
+  void createIndexes(Recordset& schema, const std::string& table, const Place& place) {
     std::vector<Index> indexes;
     for (schema.Filter(ofTable(table)); !schema.Eof(); schema.MoveNext()) {
       const std::string name = schema.Text("INDEX_NAME");
@@ -133,9 +160,14 @@ class Combining {
       columns += (columns.empty() ? "" : ",") + quoteName(schema.Text("COLUMN_NAME"));
     }
     for (const Index& index : indexes) {
-      execute(std::string(index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
-              quoteName(index.name) + " ON " + quoteName(table) + " (" + index.columns + ")" +
-              (index.primary ? " WITH PRIMARY" : ""));
+      const std::string refused =
+          execute(std::string(index.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+                  quoteName(index.name) + " ON " + quoteName(table) + " (" + index.columns + ")" +
+                  (index.primary ? " WITH PRIMARY" : ""));
+      if (refused.empty() || destinationHas(SchemaKind::Indexes, table, "INDEX_NAME", index.name)) {
+        continue;
+      }
+      found().error("Index " + index.name + " was not made: " + refused, place);
     }
   }
 
@@ -150,62 +182,86 @@ class Combining {
                                          std::to_string(sources_.size()) + " ; Table " +
                                          std::to_string(i + 1) + " of " + std::to_string(count),
                                      static_cast<int>(i) + 1);
-      if (stopped()) return;
-      copyRecords(source.connection, source.tables[i], static_cast<int>(i) + 1);
+      if (stopped(source.tables[i] + " of " + shownName(source.path))) return;
+      copyRecords(source, source.tables[i], static_cast<int>(i) + 1);
     }
   }
 
-  void copyRecords(Connection& source, const std::string& table, int place) {
-    int written = 0;
+  // The records that a whole table has.
+  static size_t recordCount(Connection& source, const std::string& table) {
     try {
-      const auto records =
-          source.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
-      std::string fields;
-      std::string marks;
-      for (const Field& field : records->Fields()) {
-        fields += (fields.empty() ? "" : ", ") + quoteName(field.name);
-        marks += marks.empty() ? "?" : ", ?";
-      }
-      const std::string insert =
-          "INSERT INTO " + quoteName(table) + " (" + fields + ") VALUES (" + marks + ")";
-      const int fieldCount = static_cast<int>(records->Fields().size());
+      const auto count = source.OpenRecordset("SELECT Count(*) FROM " + quoteName(table));
+      return static_cast<size_t>(fieldNumber(count->Value(0)));
+    } catch (const Error&) {
+      return 1;  // it cannot be read at all
+    }
+  }
+
+  void copyRecords(SourceDatabase& source, const std::string& table, int progress) {
+    const Place place{.file = shownName(source.path), .sheet = table};
+    size_t written = 0;
+    Findings refused;
+    try {
       Transaction work(destination_);
-      std::vector<FieldValue> values(static_cast<size_t>(fieldCount));
-      for (int record = 1; !records->Eof(); records->MoveNext(), ++record) {
-        for (int i = 0; i < fieldCount; ++i) values[static_cast<size_t>(i)] = records->Value(i);
-        writeRecord(insert, values, written);
-        if (record % kRowsPerStep != 0) continue;
-        session_.progress.ShowProgress("Writing in Table " + table + " ; Rec " +
-                                           std::to_string(record) +
-                                           " (Errors:" + std::to_string(outcome_.errors) + ") ...",
-                                       place);
-        session_.pumpEvents();
-      }
+      written = writeRecords(source.connection, place, progress, refused);
       work.commit();
     } catch (const Error& failure) {
       // The table as a whole: it cannot be read, or the destination is in use.
-      ++outcome_.errors;
+      const size_t all = std::max<size_t>(recordCount(source.connection, table), 1);
+      refused.clear();
+      refused.add(Severity::Error, "No record was written: " + std::string(failure.what()), place,
+                  all);
       written = 0;
       log("!! ERROR " + std::to_string(failure.number()) + " " + failure.what());
     }
-    outcome_.written += written;
+    result_.written += written;
+    result_.errors += refused.count(Severity::Error);
+    found().append(refused);
     log(" -" + std::to_string(written) + " records written in " + table);
   }
 
-  void writeRecord(const std::string& insert, const std::vector<FieldValue>& values, int& written) {
-    try {
-      destination_.Execute(insert, values);
-      ++written;
-    } catch (const Error&) {
-      ++outcome_.errors;
+  // Writes the records that the destination takes, and returns how many these are.
+  size_t writeRecords(Connection& source, const Place& place, int progress, Findings& refused) {
+    const std::string& table = place.sheet;
+    const auto records =
+        source.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
+    std::string fields;
+    std::string marks;
+    for (const Field& field : records->Fields()) {
+      fields += (fields.empty() ? "" : ", ") + quoteName(field.name);
+      marks += marks.empty() ? "?" : ", ?";
     }
+    const std::string insert =
+        "INSERT INTO " + quoteName(table) + " (" + fields + ") VALUES (" + marks + ")";
+    const int fieldCount = static_cast<int>(records->Fields().size());
+    std::vector<FieldValue> values(static_cast<size_t>(fieldCount));
+    size_t written = 0;
+    for (int record = 1; !records->Eof(); records->MoveNext(), ++record) {
+      for (int i = 0; i < fieldCount; ++i) values[static_cast<size_t>(i)] = records->Value(i);
+      try {
+        destination_.Execute(insert, values);
+        ++written;
+      } catch (const Error& failure) {
+        Place at = place;
+        at.record = values.empty() ? "" : fieldText(values.front());
+        refused.error("A record was not written: " + std::string(failure.what()), at);
+      }
+      if (record % kRowsPerStep != 0) continue;
+      const size_t errors = result_.errors + refused.count(Severity::Error);
+      session_.progress.ShowProgress("Writing in Table " + table + " ; Rec " +
+                                         std::to_string(record) +
+                                         " (Errors:" + std::to_string(errors) + ") ...",
+                                     progress);
+      session_.pumpEvents();
+    }
+    return written;
   }
 
   Session& session_;
   JobScope job_{session_};
   Connection destination_;
   std::vector<std::unique_ptr<SourceDatabase>> sources_;
-  CombineOutcome outcome_;
+  CombineOutcome result_;
 };
 
 }  // namespace

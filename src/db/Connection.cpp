@@ -98,9 +98,17 @@ void Connection::Close() {
   driver_.reset();
 }
 
-Driver& Connection::driver() {
+Driver& Connection::driver() const {
   if (!driver_) throw Error("The connection is closed", dberror::ObjectClosed);
   return *driver_;
+}
+
+std::string Connection::File() const {
+  return driver().file();
+}
+
+bool Connection::IsReadOnly() const {
+  return driver().isReadOnly();
 }
 
 std::int64_t Connection::Execute(std::string_view sql, const std::vector<FieldValue>& parameters) {

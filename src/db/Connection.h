@@ -48,12 +48,17 @@ class Connection {
   void Close();
   bool IsOpen() const { return driver_ != nullptr; }
 
+  /// The file that holds the records, which for an Access file is its copy; "" for a server.
+  std::string File() const;
+  /// True when no change can be written: the file is write-protected, or its folder.
+  bool IsReadOnly() const;
+
   /// What the user should know of the last Open: that an Access file was copied and where changes
   /// go, and what the copy leaves out.
   const Findings& Noticed() const { return noticed_; }
 
   /// Runs one statement of the Jet dialect and returns the number of records that it changed. `?`
-  /// marks in the text stand for the parameters in their order.
+  /// marks in the text take the parameters in their order.
   std::int64_t Execute(std::string_view sql, const std::vector<FieldValue>& parameters = {});
   std::unique_ptr<Recordset> OpenRecordset(std::string_view sql,
                                            CursorKind cursor = CursorKind::Client,
@@ -71,7 +76,7 @@ class Connection {
   void BusyTimeout(int milliseconds);
 
  private:
-  Driver& driver();
+  Driver& driver() const;
   std::unique_ptr<Driver> driver_;
   Findings noticed_;
 };

@@ -11,7 +11,7 @@ namespace lodex {
 
 class Driver;
 
-/// What a driver is told of the database that it opens.
+/// What a driver needs to know of the database that it opens.
 struct DatabaseSource {
   std::string name;  // a path, the name of a service or a connection text
   std::string user;
@@ -31,7 +31,7 @@ struct DatabaseKind {
   std::unique_ptr<Driver> (*open)(const DatabaseSource& source, Findings& found) = nullptr;
 };
 
-/// The kind of the database that a name stands for. An existing file wins over words in its path
+/// The kind of the database that a name means. An existing file wins over words in its path
 /// and is detected from its content. A name without a file is a service ("LAB.ORA"), a connection
 /// text ("Driver=...;Servername=..." or "DSN=..."), or else a file that is yet to be made.
 const DatabaseKind& kindOf(std::string_view name);

@@ -114,7 +114,7 @@ void DatabaseMap::MakeLinks() {
     const std::string field = F1Avain.TextRC(row, 2);
     if (!field.empty()) setLink(F1Linkki, ++last, {table, table, field, field});
   }
-  // A name's places come in rising order, so that what lies behind a place is a later table.
+  // A name's places come in rising order, so that the places after one are those of later tables.
   const int count = tableCount();
   std::unordered_map<std::string, std::vector<FieldPlace>> places;
   for (int row = 1; row <= count; ++row) {

@@ -67,18 +67,18 @@ class DatabaseMap {
   static constexpr int maxLinks = 65000;
 
   /// How two tables join: one link between them, in the order of the arguments; with `overThird`
-  /// else two links over one table between them; empty when there is no way.
+  /// else two links over one table between them; empty when no link leads there.
   std::vector<TableLink> JoinPath(std::string_view first, std::string_view second,
                                   bool overThird = false) const;
 
-  /// The fields whose names stand for an element, by its atomic number. True when there are any.
+  /// The fields whose names mean an element, by its atomic number. True when there are any.
   bool FindElementFields(int element, std::vector<ElementField>& found) const;
   /// The same among the fields that row `element` of a source dialogue's F1Ref names, as pairs of
   /// table number and field number.
   bool FindElementFieldsSelected(int element, const Worksheet& F1Ref,
                                  std::vector<ElementField>& found) const;
 
-  /// Adds a table, or a field behind the last one of a table. Returns its row or column.
+  /// Adds a table, or a field after the last one of a table. Returns its row or column.
   int addTable(std::string_view table);
   int addField(int row, std::string_view field);
   /// Adds a column of a table's primary key.

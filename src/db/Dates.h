@@ -21,11 +21,11 @@ struct DateTime {
 
 /// Reads 2020-01-31, 1/31/2020 and 1-31-2020 (the month first, unless it can only be the day),
 /// 31.1.2020, each with or without a time such as
-/// 9:30, 09:30:15 or 9:30 PM behind it, or a time alone, which falls on 1899-12-30. Empty when the
-/// text is no date of the years 100 to 9999.
+/// 9:30, 09:30:15 or 9:30 PM after it, or a time alone, which falls on 1899-12-30. Empty when the
+/// text is not a date of the years 100 to 9999.
 std::optional<DateTime> parseDate(std::string_view text);
 
-/// The form in which databases keep dates: 2020-01-31, with the time behind it unless it is
+/// The form in which databases keep dates: 2020-01-31, with the time after it unless it is
 /// midnight. These texts sort like the dates.
 std::string dateText(const DateTime& date);
 
@@ -33,7 +33,7 @@ std::string dateText(const DateTime& date);
 std::int64_t dayNumber(const DateTime& date);
 DateTime dateOfDay(std::int64_t day);
 
-/// A moment as a number: days since 1899-12-30 with the part of the day behind the point. The way
+/// A moment as a number: days since 1899-12-30 with the part of the day after the point. The way
 /// back, to whole seconds, is empty beyond the years 100 to 9999.
 double momentNumber(const DateTime& date);
 std::optional<DateTime> dateOfMoment(double number);

@@ -21,7 +21,7 @@ struct FieldChange {
 };
 
 /// Writes records of one table. A record is named by the number that RowSource::record gave for it
-/// and by its former values; each driver uses what tells its records from each other.
+/// and by its former values; each driver uses what tells its records apart.
 class RecordWriter {
  public:
   virtual ~RecordWriter() = default;
@@ -43,11 +43,11 @@ class RowSource {
   /// The number of the record delivered last; Null if there is none.
   virtual FieldValue record() const { return {}; }
   /// What writes to these records; nullptr if they come from more than one table, are grouped or
-  /// cannot be told from each other.
+  /// cannot be told apart.
   virtual std::unique_ptr<RecordWriter> writer() { return nullptr; }
 };
 
-/// Records that stand in memory already.
+/// Records that are in memory already.
 class StoredRows : public RowSource {
  public:
   StoredRows(std::vector<Field> fields, std::vector<Row> rows)
@@ -71,7 +71,7 @@ class Driver {
  public:
   virtual ~Driver() = default;
 
-  /// Runs one statement of the Jet dialect, with `?` marks standing for the parameters, and returns
+  /// Runs one statement of the Jet dialect, with `?` marks for the parameters, and returns
   /// the number of records that it changed.
   virtual std::int64_t execute(std::string_view sql, const Row& parameters) = 0;
   virtual std::unique_ptr<RowSource> query(std::string_view sql, const Row& parameters) = 0;
@@ -81,6 +81,11 @@ class Driver {
   virtual void begin() = 0;
   virtual void commit() = 0;
   virtual void rollback() = 0;
+
+  /// The file that holds the records; "" for a server.
+  virtual std::string file() const { return {}; }
+  /// True when no change can be written, whatever it is.
+  virtual bool isReadOnly() const { return false; }
 
   /// How long a statement waits for another user of the database before it fails.
   virtual void busyTimeout(int milliseconds) = 0;

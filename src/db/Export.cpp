@@ -1,5 +1,8 @@
 #include "db/Export.h"
 
+#include <algorithm>
+#include <array>
+#include <filesystem>
 #include <set>
 
 #include "basic/Error.h"
@@ -49,7 +52,8 @@ bool fitsCell(const FieldValue& value) {
 
 class WorkbookExport {
  public:
-  explicit WorkbookExport(Connection& connection) : connection_(connection) {}
+  WorkbookExport(Connection& connection, Findings& found)
+      : connection_(connection), found_(found) {}
 
   void run(const std::vector<std::string>& tables, std::string_view out) {
     const std::vector<std::string> names = exportNames(tables, kForbiddenInSheets, 31);
@@ -61,14 +65,7 @@ class WorkbookExport {
     }
     book_.Sheet(1);
     book_.Write(out, FileType::Xlsx);
-    if (shortened_ > 0) {
-      remarks_.push_back(std::to_string(shortened_) +
-                         " texts are longer than a cell can be and were cut; a folder holds them "
-                         "whole");
-    }
   }
-
-  const std::vector<std::string>& remarks() const { return remarks_; }
 
  private:
   void fill(int sheet, const std::string& table) {
@@ -105,7 +102,9 @@ class WorkbookExport {
                              type.code == FieldCode::Single ? enteredSingle(number) : number);
     }
     if (type.code == FieldCode::Date && setDate(sheet, row, column, *text)) return;
-    book_.ValueSRC(sheet, row, column, Value::text(cellText(*text)));
+    book_.ValueSRC(sheet, row, column,
+                   Value::text(cellText(
+                       *text, {.sheet = book_.SheetName(sheet), .row = row, .column = column})));
   }
 
   bool setDate(int sheet, int row, int column, const std::string& text) {
@@ -120,19 +119,18 @@ class WorkbookExport {
     return true;
   }
 
-  std::string cellText(const std::string& text) {
+  std::string cellText(const std::string& text, const Place& place) {
     if (text.size() <= kLongestCell) return text;
     std::u16string units = toUtf16(text);
     if (units.size() <= kLongestCell) return text;
-    ++shortened_;
+    found_.error("A text is longer than a cell can be and was cut; a folder takes it whole", place);
     const bool halved = units[kLongestCell - 1] >= 0xD800 && units[kLongestCell - 1] < 0xDC00;
     return fromUtf16(units.substr(0, kLongestCell - (halved ? 1 : 0)));
   }
 
   Connection& connection_;
   Worksheet book_;
-  int shortened_ = 0;
-  std::vector<std::string> remarks_;
+  Findings& found_;
 };
 
 bool isAccessName(const std::string& name) {
@@ -140,21 +138,35 @@ bool isAccessName(const std::string& name) {
          characterCount(name) <= kLongestAccessName;
 }
 
-// What Access will not take as it stands.
-void tellAwkwardNames(Connection& connection, std::vector<std::string>& remarks) {
+void findAwkwardNames(Connection& connection, Findings& found) {
   std::string last;
   const auto columns = connection.OpenSchema(SchemaKind::Columns);
   for (; !columns->Eof(); columns->MoveNext()) {
-    const std::string table = columns->Text("TABLE_NAME");
+    const Place table{.sheet = columns->Text("TABLE_NAME")};
     const std::string name = columns->Text("COLUMN_NAME");
-    if (table != last && !isAccessName(table)) {
-      remarks.push_back("Table " + table + " has a name that Access cannot take");
+    if (table.sheet != last && !isAccessName(table.sheet)) {
+      found.warn("Access cannot take the name of the table", table);
     }
-    last = table;
-    if (isAccessName(name)) continue;
-    remarks.push_back("Field " + name + " of table " + table +
-                      " has a name that Access cannot take");
+    last = table.sheet;
+    if (!isAccessName(name)) found.warn("Access cannot take the name of field " + name, table);
   }
+}
+
+// A folder called "results.xls" is not what somebody wants who gives that name.
+void requireFolderName(std::string_view out) {
+  std::error_code none;
+  const std::filesystem::path native = nativePath(out);
+  if (std::filesystem::is_directory(native, none)) return;
+  constexpr std::array<std::string_view, 16> kFileEndings{
+      "xls", "xlsm", "xlsb", "ods", "csv", "accdb",  "txt",     "tsv",
+      "mdb", "db",   "json", "xml", "zip", "sqlite", "sqlite3", "sql"};
+  const std::string ending = extensionOf(out);
+  const bool isFile =
+      std::filesystem::exists(native, none) ||
+      std::find(kFileEndings.begin(), kFileEndings.end(), ending) != kFileEndings.end();
+  if (!isFile) return;
+  throw FileError(std::string(out) +
+                  " is the name of a file: give that of a folder, or of a workbook (.xlsx)");
 }
 
 }  // namespace
@@ -181,19 +193,18 @@ std::vector<std::string> exportNames(const std::vector<std::string>& tables,
   return names;
 }
 
-std::vector<std::string> exportDatabase(Connection& connection, std::string_view out) {
+Findings exportDatabase(Connection& connection, std::string_view out) {
   const std::vector<std::string> tables = tableNames(connection);
-  std::vector<std::string> remarks;
-  if (tables.empty()) remarks.push_back("The database has no tables");
+  Findings found;
+  if (tables.empty()) found.warn("The database has no tables");
   if (extensionOf(out) == "xlsx") {
-    WorkbookExport book(connection);
-    book.run(tables, out);
-    remarks.insert(remarks.end(), book.remarks().begin(), book.remarks().end());
-    return remarks;
+    WorkbookExport(connection, found).run(tables, out);
+    return found;
   }
-  exportTexts(connection, tables, out);
-  tellAwkwardNames(connection, remarks);
-  return remarks;
+  requireFolderName(out);
+  exportTexts(connection, tables, out, found);
+  findAwkwardNames(connection, found);
+  return found;
 }
 
 }  // namespace lodex

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
+
 namespace lodex {
 
 class Connection;
@@ -14,9 +16,10 @@ class Connection;
 /// "schema.ini" that tells Access the types of their columns, and "database.sql", statements of the
 /// Jet dialect that make the tables with their keys, indexes and relationships and fill them from
 /// the texts. Existing files of these names are replaced.
-/// Returns what the user should be told, a sentence each. Throws Error when something cannot be
-/// written, and for a table of more records than a sheet has rows.
-std::vector<std::string> exportDatabase(Connection& connection, std::string_view out);
+/// Returns what was noticed: texts that were cut, what Access cannot take, and records that refer
+/// to no other. Throws Error when something cannot be written, for the name of a file where a
+/// folder is meant, and for a table of more records than a sheet has rows.
+Findings exportDatabase(Connection& connection, std::string_view out);
 
 /// The names of tables as names of files or sheets, in the same order: without the characters that
 /// these cannot have, no longer than `most` characters, and different from each other.

@@ -25,6 +25,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kForbiddenInFiles = "\\/:*?\"<>|.#[]!`";
 constexpr int kLongestAccessText = 255;
+constexpr size_t kMostAccessFields = 255;
 
 std::unique_ptr<Recordset> recordsOf(Connection& connection, const std::string& table) {
   return connection.OpenRecordset("SELECT * FROM " + quoteName(table), CursorKind::ForwardOnly);
@@ -183,33 +184,89 @@ void writeIndexes(Connection& connection, std::ostream& out) {
   out << end;
 }
 
-void writeRelationships(Connection& connection, const std::set<std::string>& tables,
-                        std::ostream& out) {
-  struct Link {
-    std::string table, name, parent, columns, parentColumns;
-  };
-  std::vector<Link> links;
+struct Relationship {
+  std::string table, name, parent;
+  std::vector<std::string> columns, parentColumns;
+};
+
+// Those between exported tables.
+std::vector<Relationship> relationships(Connection& connection,
+                                        const std::set<std::string>& tables) {
+  std::vector<Relationship> links;
   const auto rows = connection.OpenSchema(SchemaKind::ForeignKeys);
   for (; !rows->Eof(); rows->MoveNext()) {
     const std::string table = rows->Text("FK_TABLE_NAME");
     const std::string name = rows->Text("FK_NAME");
     if (links.empty() || links.back().table != table || links.back().name != name) {
-      links.push_back({table, name, rows->Text("PK_TABLE_NAME"), "", ""});
+      links.push_back({table, name, rows->Text("PK_TABLE_NAME"), {}, {}});
     }
-    const auto add = [](std::string& list, const std::string& column) {
-      if (!column.empty()) list += (list.empty() ? "" : ", ") + quoteName(column);
-    };
-    add(links.back().columns, rows->Text("FK_COLUMN_NAME"));
-    add(links.back().parentColumns, rows->Text("PK_COLUMN_NAME"));
+    links.back().columns.push_back(rows->Text("FK_COLUMN_NAME"));
+    // Without its name the primary key is meant.
+    const std::string parentColumn = rows->Text("PK_COLUMN_NAME");
+    if (!parentColumn.empty()) links.back().parentColumns.push_back(parentColumn);
   }
-  for (const Link& link : links) {
-    const auto isParent = [&](const std::string& table) {
-      return equalsNoCase(table, link.parent);
-    };
-    if (std::none_of(tables.begin(), tables.end(), isParent)) continue;
+  std::erase_if(links, [&](const Relationship& link) {
+    return std::none_of(tables.begin(), tables.end(),
+                        [&](const std::string& table) { return equalsNoCase(table, link.parent); });
+  });
+  return links;
+}
+
+std::vector<std::string> primaryKey(Connection& connection, const std::string& table) {
+  std::vector<std::string> columns;
+  const auto rows = connection.OpenSchema(SchemaKind::Indexes);
+  for (; !rows->Eof(); rows->MoveNext()) {
+    const bool isKey = rows->Text("PRIMARY_KEY") == "True";
+    if (isKey && equalsNoCase(rows->Text("TABLE_NAME"), table)) {
+      columns.push_back(rows->Text("COLUMN_NAME"));
+    }
+  }
+  return columns;
+}
+
+// Names the records that a relationship of Access would refuse: those whose fields are filled but
+// refer to nothing.
+void findOrphans(Connection& connection, const Relationship& link, Findings& found) {
+  const std::vector<std::string> parents =
+      link.parentColumns.empty() ? primaryKey(connection, link.parent) : link.parentColumns;
+  if (parents.size() != link.columns.size()) return;
+  std::string fields, matches, filled;
+  for (size_t i = 0; i < parents.size(); ++i) {
+    const std::string field = "[child]." + quoteName(link.columns[i]);
+    fields += (i ? ", " : "") + field;
+    matches += (i ? " AND " : "") + field + " = [parent]." + quoteName(parents[i]);
+    filled += field + " Is Not Null AND ";
+  }
+  const auto orphans = connection.OpenRecordset(
+      "SELECT " + fields + " FROM " + quoteName(link.table) + " AS [child] LEFT JOIN " +
+          quoteName(link.parent) + " AS [parent] ON " + matches + " WHERE " + filled + "[parent]." +
+          quoteName(parents.front()) + " Is Null",
+      CursorKind::ForwardOnly);
+  for (; !orphans->Eof(); orphans->MoveNext()) {
+    std::string record;
+    for (int i = 0; i < static_cast<int>(parents.size()); ++i) {
+      record += (i ? ", " : "") + orphans->Text(i);
+    }
+    found.warn("A record refers to no record of table " + link.parent +
+                   ", so that Access will refuse the relationship " + link.name,
+               {.sheet = link.table, .record = record});
+  }
+}
+
+std::string quotedList(const std::vector<std::string>& names) {
+  std::string list;
+  for (const std::string& name : names) list += (list.empty() ? "" : ", ") + quoteName(name);
+  return list;
+}
+
+void writeRelationships(Connection& connection, const std::set<std::string>& tables,
+                        std::ostream& out, Findings& found) {
+  for (const Relationship& link : relationships(connection, tables)) {
+    findOrphans(connection, link, found);
     out << "ALTER TABLE " << quoteName(link.table) << " ADD CONSTRAINT " << quoteName(link.name)
-        << " FOREIGN KEY (" << link.columns << ") REFERENCES " << quoteName(link.parent)
-        << (link.parentColumns.empty() ? "" : " (" + link.parentColumns + ")") << ";\r\n";
+        << " FOREIGN KEY (" << quotedList(link.columns) << ") REFERENCES " << quoteName(link.parent)
+        << (link.parentColumns.empty() ? "" : " (" + quotedList(link.parentColumns) + ")")
+        << ";\r\n";
   }
 }
 
@@ -231,7 +288,7 @@ class TextFile {
 }  // namespace
 
 void exportTexts(Connection& connection, const std::vector<std::string>& tables,
-                 std::string_view path) {
+                 std::string_view path, Findings& found) {
   const fs::path folder = nativePath(path);
   std::error_code failed;
   fs::create_directories(folder, failed);
@@ -243,11 +300,15 @@ void exportTexts(Connection& connection, const std::vector<std::string>& tables,
   TextFile script(folder / "database.sql");
   const std::set<std::string> known(tables.begin(), tables.end());
   writeTables(connection, known, script.stream());
-  // Keys come before the records, so that Access checks these, relationships behind them.
+  // Keys come before the records, so that Access checks these; relationships come after them.
   writeIndexes(connection, script.stream());
   for (size_t i = 0; i < tables.size(); ++i) {
     const auto records = recordsOf(connection, tables[i]);
     if (records->Fields().empty()) continue;
+    if (records->Fields().size() > kMostAccessFields) {
+      found.warn("The table has more than 255 fields, which Access cannot take",
+                 {.sheet = tables[i]});
+    }
     writeSchema(records->Fields(), names[i] + ".csv", schema.stream());
     TextFile csv(folder / nativePath(names[i] + ".csv"));
     writeCsv(*records, csv.stream());
@@ -256,7 +317,7 @@ void exportTexts(Connection& connection, const std::vector<std::string>& tables,
                     << " SELECT * FROM [Text;HDR=Yes;FMT=Delimited;CharacterSet=65001;DATABASE=.].["
                     << names[i] << "#csv];\r\n";
   }
-  writeRelationships(connection, known, script.stream());
+  writeRelationships(connection, known, script.stream(), found);
   schema.close();
   script.close();
 }

@@ -21,7 +21,7 @@ void takeField(DatabaseMap& map, std::string_view table, const frmAddField& adde
 /// The text of the current item; "" for none.
 std::string currentText(const ListBox& list);
 
-/// What a database tells of a field, a line "NAME :value" for each property; "" for an unknown one.
+/// What a database says of a field, a line "NAME :value" for each property; "" for an unknown one.
 std::string fieldProperties(Connection& connection, std::string_view table, std::string_view field);
 
 }  // namespace lodex

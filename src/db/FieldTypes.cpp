@@ -15,7 +15,7 @@ struct TypeWord {
   FieldCode code;
 };
 
-// Longer words stand before those that they begin with.
+// Longer words come before those that they begin with.
 constexpr std::array kTypeWords{
     TypeWord{"SINGLE", FieldCode::Single},     TypeWord{"REAL", FieldCode::Single},
     TypeWord{"DOUBLE", FieldCode::Double},     TypeWord{"FLOAT", FieldCode::Double},

@@ -27,7 +27,7 @@ enum class FieldCode {
 
 /// A field's type. `size` is the greatest number of characters of a text, 0 for no limit and for
 /// all other types; `precision` the number of digits of a Numeric and `scale` how many of them
-/// stand behind the point, precision 0 where that is not known.
+/// are after the point, precision 0 where that is not known.
 struct FieldType {
   FieldCode code = FieldCode::VarText;
   int size = 0;

@@ -1,10 +1,12 @@
 #include "db/MapDatabase.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <unordered_map>
 #include <vector>
 
 #include "basic/Error.h"
+#include "basic/Files.h"
 #include "basic/Text.h"
 #include "db/Errors.h"
 #include "db/MapFile.h"
@@ -56,8 +58,9 @@ std::unique_ptr<Recordset> openWithoutRecords(Connection& connection, const std:
 }
 
 // The columns of all tables at once; without such a schema each table is opened, and one that
-// cannot be is left without fields.
-ColumnsByTable fieldsOf(Connection& connection, const std::vector<NamedTable>& tables) {
+// cannot be opened has no fields.
+ColumnsByTable fieldsOf(Connection& connection, const std::vector<NamedTable>& tables,
+                        Findings& found) {
   try {
     return columnsOf(connection);
   } catch (const Error& failure) {
@@ -68,39 +71,51 @@ ColumnsByTable fieldsOf(Connection& connection, const std::vector<NamedTable>& t
     if (table.type != "TABLE") continue;
     try {
       columns[table.name] = TableFields(connection, table.name);
-    } catch (const Error&) {
+    } catch (const Error& failure) {
+      found.error("The fields of the table are not known: " + std::string(failure.what()),
+                  {.sheet = table.name});
     }
   }
   return columns;
 }
 
-bool mapTableRows(Session& session, MappedDatabase& database, MapRole role) {
+// Adds a table to the map, or a filter.
+void mapTable(const NamedTable& table, const ColumnsByTable& columns, DatabaseMap& map) {
+  if (table.type == "VIEW" && table.name.starts_with(kFilterMark)) {
+    map.FilterList.push_back(table.name.substr(kFilterMark.size()));
+  }
+  if (table.type != "TABLE") return;
+  const int row = map.addTable(table.name);
+  const auto found = columns.find(table.name);
+  if (found == columns.end()) return;
+  int column = 1;
+  for (const std::string& field : found->second) map.F1Key2.TextRC(row, ++column, field);
+}
+
+bool mapTableRows(Session& session, MappedDatabase& database, MapRole role, Findings& found) {
   JobScope job(session);
-  DatabaseMap& map = database.map;
   const std::vector<NamedTable> tables = tablesOf(database.connection);
   const int count = static_cast<int>(tables.size());
   session.progress.bar.setMaximum(role == MapRole::Source ? count : 2 * count + 1);
   showStatus(session, "Mapping Tables and Views (ADO) ...");
-  const ColumnsByTable columns = fieldsOf(database.connection, tables);
+  const ColumnsByTable columns = fieldsOf(database.connection, tables, found);
   const std::string text = "Mapping " + shownName(database.path) + " tables and fields...";
   int number = 0;
-  int row = 0;
   for (const NamedTable& table : tables) {
-    if (table.type == "TABLE") {
-      map.F1Key2.TextRC(++row, 1, table.name);
-      const auto found = columns.find(table.name);
-      if (found != columns.end()) {
-        int column = 1;
-        for (const std::string& field : found->second) map.F1Key2.TextRC(row, ++column, field);
-      }
-    } else if (table.type == "VIEW" && table.name.starts_with(kFilterMark)) {
-      map.FilterList.push_back(table.name.substr(kFilterMark.size()));
-    }
+    mapTable(table, columns, database.map);
     ++number;
     session.progress.ShowProgress(text, role == MapRole::Source ? number : 2 * number + 1);
     if (job.aborted()) return false;
   }
   return true;
+}
+
+void addKeys(Connection& connection, DatabaseMap& map) {
+  const auto schema = connection.OpenSchema(SchemaKind::Indexes);
+  for (; !schema->Eof(); schema->MoveNext()) {
+    if (fieldNumber(schema->Value("PRIMARY_KEY")) == 0) continue;
+    map.addKey(schema->Text("TABLE_NAME"), schema->Text("COLUMN_NAME"));
+  }
 }
 
 void takeFirstFieldsAsKeys(Session& session, DatabaseMap& map) {
@@ -115,52 +130,84 @@ void takeFirstFieldsAsKeys(Session& session, DatabaseMap& map) {
 void mapIndexes(Session& session, MappedDatabase& database) {
   showStatus(session, "Mapping " + shownName(database.path) + " indexes...");
   try {
-    const auto schema = database.connection.OpenSchema(SchemaKind::Indexes);
-    for (; !schema->Eof(); schema->MoveNext()) {
-      if (fieldNumber(schema->Value("PRIMARY_KEY")) == 0) continue;
-      database.map.addKey(schema->Text("TABLE_NAME"), schema->Text("COLUMN_NAME"));
-    }
+    addKeys(database.connection, database.map);
   } catch (const Error& failure) {
     if (failure.number() != dberror::NotSupported) throw;
     takeFirstFieldsAsKeys(session, database.map);
   }
 }
 
-bool readStoredMap(MappedDatabase& database) {
+// False on abort.
+bool mapStructure(Session& session, MappedDatabase& database, bool doLinks, MapRole role,
+                  Findings& found) {
+  database.map.clear();
+  if (!mapTableRows(session, database, role, found)) return false;
+  mapIndexes(session, database);
+  if (!doLinks) return true;
+  showStatus(session, "Mapping " + shownName(database.path) + " links...");
+  database.map.MakeLinks();
+  return true;
+}
+
+using FileTime = std::filesystem::file_time_type;
+
+FileTime changeTime(std::string_view path) {
+  std::error_code none;
+  const auto time = std::filesystem::last_write_time(nativePath(path), none);
+  return none ? FileTime::min() : time;
+}
+
+// A map file has no look at its database, so a user should know when it may be out of date. Records
+// change a database as well as tables do.
+void compareTimes(const MappedDatabase& database, Findings& found) {
+  const std::string file = mapFilePath(database.path);
+  const FileTime mapped = changeTime(file);
+  if (mapped < changeTime(database.path) || mapped < changeTime(database.connection.File())) {
+    found.warn(
+        "The stored map is older than the database and may miss what is new; map the database "
+        "again",
+        {.file = file});
+  }
+}
+
+bool readStoredMap(MappedDatabase& database, Findings& found) {
   try {
     readMapFile(mapFilePath(database.path), database.map);
     CollectFilters(database.connection, database.map);
-    return true;
   } catch (const FileError&) {
     return false;
   }
+  compareTimes(database, found);
+  return true;
 }
 
 // A folder that takes no files must not keep a database from being used.
-void storeMap(Session& session, const MappedDatabase& database) {
+void storeMap(const MappedDatabase& database, Findings& found) {
+  const std::string file = mapFilePath(database.path);
+  if (file.empty()) return;
   try {
-    writeMapFile(mapFilePath(database.path), database.map);
+    writeMapFile(file, database.map);
   } catch (const Error& failure) {
-    session.log.LisaaLog("The map of the database was not saved: " + std::string(failure.what()),
-                         LogKind::Both);
+    found.warn("The map of the database was not saved: " + std::string(failure.what()));
   }
 }
 
-MapResult connectAndMap(Session& session, MappedDatabase& database, const MapRequest& request,
-                        MapRole role) {
+Outcome connectAndMap(Session& session, MappedDatabase& database, const MapRequest& request,
+                      MapRole role, Findings& found) {
   JobScope job(session);
+  const Outcome stopped{Ended::Aborted, "while mapping " + shownName(database.path), {}};
   showStatus(session, "Connecting " + shownName(database.path));
   database.connection = Connection();
   openDatabase(session, database.connection, database.path);
-  if (job.aborted()) return MapResult::Aborted;
+  if (job.aborted()) return stopped;
   bool store = request.saveMapFile;
-  if (!request.readMapFile || !readStoredMap(database)) {
+  if (!request.readMapFile || !readStoredMap(database, found)) {
     store = store || request.readMapFile;
-    if (!mapTables(session, database, request.doLinks, role)) return MapResult::Aborted;
+    if (!mapStructure(session, database, request.doLinks, role, found)) return stopped;
   }
-  if (store && role == MapRole::Source) storeMap(session, database);
+  if (store && role == MapRole::Source) storeMap(database, found);
   showStatus(session, "Mapping " + shownName(database.path) + " mapped...");
-  return MapResult::Mapped;
+  return {};
 }
 
 // The table and field behind the first field that belongs to a primary key; without such a field
@@ -214,48 +261,51 @@ std::string mapFilePath(std::string_view databasePath) {
 }
 
 bool mapTables(Session& session, MappedDatabase& database, bool doLinks, MapRole role) {
-  database.map.clear();
-  if (!mapTableRows(session, database, role)) return false;
-  mapIndexes(session, database);
-  if (!doLinks) return true;
-  showStatus(session, "Mapping " + shownName(database.path) + " links...");
-  database.map.MakeLinks();
-  return true;
+  Findings found;
+  const bool finished = mapStructure(session, database, doLinks, role, found);
+  session.notice(found);
+  return finished;
 }
 
-MapResult MapDatabase(Session& session, MappedDatabase& database, const MapRequest& request,
-                      MapRole role) {
+Outcome MapDatabase(Session& session, MappedDatabase& database, const MapRequest& request,
+                    MapRole role) {
   database.map.clear();
+  Findings found;
+  Outcome outcome;
   try {
-    return connectAndMap(session, database, request, role);
+    outcome = connectAndMap(session, database, request, role, found);
   } catch (const Error& failure) {
     session.progress.txtInfo.setCaption("");
     session.log.LisaaLog(failure.what(), LogKind::Both);
-    return MapResult::Failed;
+    outcome = {Ended::Failed, failure.what(), {}};
   }
+  found.nameFile(shownName(database.path));
+  session.notice(found);
+  outcome.found = database.connection.Noticed();
+  outcome.found.append(found);
+  return outcome;
 }
 
-MapResult OpenSampleDatabase(Session& session, MappedDatabase& database,
-                             const MapRequest& request) {
+Outcome OpenSampleDatabase(Session& session, MappedDatabase& database, const MapRequest& request) {
   std::string& path = session.record.SessionDbPath;
   if (path.starts_with('\\') && !path.starts_with("\\\\")) path.insert(0, "\\");
   showStatus(session, "Connecting " + shownName(path));
   session.record.ConnectionKind = "ADO";
   showStatus(session, "Connection is ADO");
   database.path = path;
-  const MapResult result = MapDatabase(session, database, request);
-  if (result == MapResult::Mapped) {
+  const Outcome outcome = MapDatabase(session, database, request);
+  if (outcome.done()) {
     session.record.ConnectionKindLast = session.record.ConnectionKind;
-    return result;
+    return outcome;
   }
   session.record.ConnectionKindLast.clear();
   database.connection = Connection();
-  if (result == MapResult::Aborted) return result;
+  if (outcome.aborted()) return outcome;
   database.map.clear();
   session.dialogs().messageBox(
       "Database " + shownName(path) + " can not be opened neither by using DAO nor ADO connection",
       MessageButtons::Ok, MessageIcon::Stop);
-  return result;
+  return outcome;
 }
 
 std::vector<std::string> TableFields(Connection& connection, std::string_view table) {
@@ -267,7 +317,7 @@ std::vector<std::string> TableFields(Connection& connection, std::string_view ta
 
 namespace {
 
-// What stands around a name in a statement goes, unless there is a filter of just this name.
+// The marks around a name in a statement go, unless there is a filter of just this name.
 std::string nameOfView(const DatabaseMap& map, std::string_view view) {
   std::string name = plainName(view);
   for (const std::string& filter : map.FilterList) {

@@ -4,14 +4,15 @@
 #include <string_view>
 #include <vector>
 
+#include "basic/Findings.h"
 #include "db/Connection.h"
 #include "db/DatabaseMap.h"
 #include "session/Session.h"
 
 namespace lodex {
 
-/// How a database is mapped. The map file stands beside the database and has its name with the
-/// ending ".ake".
+/// How a database is mapped. The map file is beside the database and has its name with the ending
+/// ".ake".
 struct MapRequest {
   bool doLinks = true;
   bool readMapFile = false;  // take the stored map; without one map afresh and store it
@@ -25,26 +26,24 @@ struct MappedDatabase {
   DatabaseMap map;
 };
 
-/// Which bar shows the progress of mapping: that of a source counts tables, that of a destination
-/// stands at twice the table number plus one.
+/// How the progress bar counts while mapping: the tables of a source; of a destination twice the
+/// table number plus one.
 enum class MapRole { Source, Destination };
 
-enum class MapResult { Mapped, Failed, Aborted };
-
-/// The path of a database's map file.
+/// The path of a database's map file; "" for a server named by a connection text.
 std::string mapFilePath(std::string_view databasePath);
 
-/// Connects to `database.path` and maps it. What was mapped until a failure or abort stays; what
-/// went wrong is in the log.
-MapResult MapDatabase(Session& session, MappedDatabase& database, const MapRequest& request,
-                      MapRole role = MapRole::Source);
+/// Connects to `database.path` and maps it. What was mapped until a failure or abort stays. The
+/// session has already noticed what the outcome holds, and a failure is in its log.
+Outcome MapDatabase(Session& session, MappedDatabase& database, const MapRequest& request,
+                    MapRole role = MapRole::Source);
 
 /// Fills the map of an open database from its structure, without a map file. False on abort.
 bool mapTables(Session& session, MappedDatabase& database, bool doLinks, MapRole role);
 
 /// Opens the session's SessionDbPath as the sample database and maps it. On failure says so; an
 /// abort is silent. Both leave no open database.
-MapResult OpenSampleDatabase(Session& session, MappedDatabase& database, const MapRequest& request);
+Outcome OpenSampleDatabase(Session& session, MappedDatabase& database, const MapRequest& request);
 
 /// The fields of a table or view, in brackets or not, by opening it. Throws Error when it cannot be
 /// opened.

@@ -1,5 +1,8 @@
 #include "db/OpenDatabase.h"
 
+#include "basic/Error.h"
+#include "db/Errors.h"
+
 namespace lodex {
 
 void openDatabase(Session& session, Connection& connection, std::string_view name) {
@@ -8,6 +11,11 @@ void openDatabase(Session& session, Connection& connection, std::string_view nam
   noticed.nameFile(shownName(name));
   session.notice(noticed);
   if (!noticed.empty()) session.log.show();
+}
+
+void requireWritable(const Connection& connection, std::string_view name) {
+  if (!connection.IsReadOnly()) return;
+  throw Error("Database " + shownName(name) + " is write-protected", dberror::Unspecified);
 }
 
 }  // namespace lodex

@@ -11,4 +11,8 @@ namespace lodex {
 /// know of the opening is noticed.
 void openDatabase(Session& session, Connection& connection, std::string_view name);
 
+/// Throws Error when nothing can be written to an open database, so that one message takes the
+/// place of one for every record.
+void requireWritable(const Connection& connection, std::string_view name);
+
 }  // namespace lodex

@@ -182,7 +182,7 @@ void Recordset::settle() {
   if (currentIsDeleted_) dropDeleted();
 }
 
-// The record behind the deleted one takes its place.
+// The record after the deleted one takes its place.
 void Recordset::dropDeleted() {
   visible_.erase(visible_.begin() + position_);
   currentIsDeleted_ = false;

@@ -301,7 +301,7 @@ class Parser {
     return {Literal::Number, *number, word};
   }
 
-  // The text up to a quote; a doubled quote stands for itself.
+  // The text up to a quote; a doubled quote is one of the text.
   std::string textUpTo(char quote) {
     std::string text;
     for (; at_ < text_.size(); ++at_) {

@@ -28,7 +28,7 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// A command as it is shown and logged, and as it is run: index and field names stand bare in the
+// A command as it is shown and logged, and as it is run: index and field names are bare in the
 // first, but in brackets in the second, so that any name will do.
 struct Command {
   std::string shown;
@@ -125,7 +125,7 @@ void requireFieldType(std::string_view type) {
   const auto word = std::find_if_not(rest.begin(), rest.end(), isLetter);
   bool fits = word != rest.begin();
   rest.remove_prefix(static_cast<size_t>(word - rest.begin()));
-  // Behind the word: more words, or a size such as "(50)" or "(10,2)".
+  // After the word: more words, or a size such as "(50)" or "(10,2)".
   int open = 0;
   for (const char c : rest) {
     open += c == '(' ? 1 : c == ')' ? -1 : 0;

@@ -10,7 +10,7 @@
 namespace lodex {
 
 /// The SQL type of a field type code of a database, such as "SINGLE" for "4"; "TEXT (255)" for a
-/// code that nobody knows. What is no number is a type already and comes back unchanged.
+/// unknown code. What is not a number is a type already and comes back unchanged.
 std::string sqlTypeOf(std::string_view codeOrType);
 
 /// Takes the markers "(I,U)", "(U,I)", "(I)" and "(U)" out of a type such as "LONG(U,I)". True when

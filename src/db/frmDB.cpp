@@ -51,10 +51,10 @@ bool frmDB::OpenDBFromMDI(const std::string& path, const MapRequest& request) {
   session_.record.SessionDbPath = path;
   session_.record.ConnectionKind.clear();
   session_.record.ConnectionKindLast.clear();
-  const MapResult result = OpenSampleDatabase(session_, source_, request);
-  if (result != MapResult::Mapped) {
+  const Outcome outcome = OpenSampleDatabase(session_, source_, request);
+  if (!outcome.done()) {
     session_.progress.txtInfo.setCaption("");
-    if (result == MapResult::Failed) {
+    if (outcome.failed()) {
       session_.dialogs().messageBox("Error in opening database " + shownName(path),
                                     MessageButtons::Ok, MessageIcon::Stop);
     }

@@ -12,13 +12,13 @@ namespace lodex {
 /// it offers.
 class frmDB : public Form {
  public:
-  /// `shell` is the main window, whose caption tells the open database.
+  /// `shell` is the main window, whose caption names the open database.
   frmDB(Session& session, Form& shell);
 
   TextBox txtDB{*this, "txtDB"};
   ListBox lstTables{*this, "lstTables"};
   ListBox lstFields{*this, "lstFields"};
-  TextBox txtParam{*this, "txtParam"};  // what the database tells of the selected field
+  TextBox txtParam{*this, "txtParam"};  // what the database says of the selected field
   TextBox txtKeyTable{*this, "txtKeyTable"};
   CheckBox chkFilterOn{*this, "chkFilterOn", "Filter"};
   ComboBox cmbFilter{*this, "cmbFilter"};

@@ -34,7 +34,7 @@ bool frmDDB::openDestination(const std::string& path, bool create) {
   std::optional<JobScope> job(session_);
   try {
     if (create) ensureDatabase(path);
-    mapped = MapDatabase(session_, opened, {}, MapRole::Destination) == MapResult::Mapped;
+    mapped = MapDatabase(session_, opened, {}, MapRole::Destination).done();
   } catch (const Error& failure) {
     session_.log.LisaaLog(failure.what(), LogKind::Both);
   }

@@ -47,6 +47,10 @@ TEST(DatabaseCommands, SaveMapAndCombine) {
   EXPECT_EQ(runLodex("export " + quoted("b.mdb") + quoted("out") + "2>&1").text, "");
   EXPECT_EQ(readFile((folder / "out" / "ANALYSES.csv").string()),
             "\"Sample\",\"Fe/XRF/%\"\r\n\"S1\",5.5\r\n\"S2\",6\r\n\"S3\",\r\n");
+  const CommandRun server = runLodex("map 'Driver={None such};Server=x;Pwd=s3cret' 2>&1");
+  EXPECT_EQ(server.status, 1);
+  EXPECT_THAT(server.text,
+              HasSubstr("Server Driver={None such};Server=x;Pwd=... cannot be opened"));
   std::filesystem::remove_all(folder);
 }
 

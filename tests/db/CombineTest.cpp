@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "OtherUser.h"
 #include "basic/Error.h"
 #include "db/DatabaseMap.h"
 #include "db/Recordset.h"
@@ -71,8 +72,8 @@ TEST_F(CombineTest, TablesFieldsIndexesAndRecordsArriveWhole) {
   const std::string source = make("a.mdb", kRocks);
   const std::string out = make("out.mdb", {});
   const CombineOutcome outcome = combineDatabases(session, {source, out}, out);
-  EXPECT_EQ(outcome.written, 2);
-  EXPECT_EQ(outcome.errors, 0);
+  EXPECT_EQ(outcome.written, 2U);
+  EXPECT_TRUE(outcome.outcome.found.empty());
   EXPECT_EQ(rows("out.mdb", "SELECT * FROM [Rock's]"), rows("a.mdb", "SELECT * FROM [Rock's]"));
   Connection connection;
   connection.Open(ConnectionString(out, "", ""));
@@ -103,13 +104,45 @@ TEST_F(CombineTest, RecordsOfTheDestinationStayAndClashesAreCounted) {
   const std::string other = make("b.mdb", kRocks);
   run("b.mdb", {"UPDATE [Rock's] SET [SampleNo] = 'S3' WHERE [SampleNo] = 'S1'"});
   const std::string out = make("out.mdb", {kRocks[0], kRocks[2]});
-  const CombineOutcome outcome = combineDatabases(session, {source, other}, out);
-  EXPECT_EQ(outcome.written, 2);
-  EXPECT_EQ(outcome.errors, 2);
+  const CombineOutcome combined = combineDatabases(session, {source, other}, out);
+  EXPECT_EQ(combined.written, 2U);
+  EXPECT_EQ(combined.errors, 2U);
+  EXPECT_EQ(combined.outcome.exitStatus(), 1);
+  EXPECT_THAT(describe(session.found.all().at(0)),
+              HasSubstr("a.mdb, sheet Rock's, record S1: A record was not written: "));
   EXPECT_THAT(rows("out.mdb", "SELECT [SampleNo] FROM [Rock's] ORDER BY [SampleNo]"),
               ElementsAre("S1", "S2", "S3"));
   EXPECT_THAT(log(), HasSubstr("(Command: CREATE TABLE [Rock's])"));
   EXPECT_THAT(log(), HasSubstr("!! ERROR "));
+}
+
+TEST_F(CombineTest, NamesTablesThatFailAndCountsTheirRecords) {
+  const std::string source =
+      make("a.mdb", {"CREATE TABLE [A] ([x] LONG)", "CREATE TABLE [B] ([x] LONG)",
+                     "INSERT INTO [A] VALUES (1), (2), (3)", "INSERT INTO [B] VALUES (1)"});
+  const std::string out =
+      make("out.mdb", {"CREATE TABLE [C] ([x] LONG)", "CREATE VIEW [A] AS SELECT [x] FROM [C]"});
+  const CombineOutcome combined = combineDatabases(session, {source}, out);
+  EXPECT_EQ(combined.written, 1U);
+  EXPECT_EQ(combined.errors, 3U);
+  const std::vector<Finding>& found = combined.outcome.found.all();
+  ASSERT_FALSE(found.empty());
+  EXPECT_EQ(found.back().count, 3U);
+  EXPECT_THAT(describe(found.back()), HasSubstr("a.mdb, sheet A"));
+}
+
+TEST_F(CombineTest, AWriteProtectedDestinationGivesOneMessage) {
+  const std::string source = make("a.mdb", kRocks);
+  const std::string out = make("out.mdb", {});
+  const ReadOnly locked(folder);
+  const AsOtherUser user;
+  try {
+    combineDatabases(session, {source}, out);
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_EQ(std::string(error.what()), "Database " + out + " is write-protected");
+  }
+  EXPECT_TRUE(session.found.empty());
 }
 
 TEST_F(CombineTest, AbortStopsBeforeTheNextTable) {
@@ -118,7 +151,9 @@ TEST_F(CombineTest, AbortStopsBeforeTheNextTable) {
   const std::string out = make("out.mdb", {});
   int pumped = 0;
   atEvents = [&] { session.progress.AbortFlag = ++pumped == 2; };
-  EXPECT_TRUE(combineDatabases(session, {source}, out).aborted);
+  const Outcome outcome = combineDatabases(session, {source}, out).outcome;
+  EXPECT_TRUE(outcome.aborted());
+  EXPECT_EQ(outcome.reason, "before table B");
   EXPECT_TRUE(log().ends_with("!! Aborted!!"));
   EXPECT_THAT(log(), Not(HasSubstr("[B]")));
 }
@@ -170,6 +205,22 @@ TEST(SchemaOperations, TypesAndMarkers) {
   EXPECT_EQ(sqlTypeOf("4"), "SINGLE");
   EXPECT_EQ(sqlTypeOf("999"), "TEXT (255)");
   EXPECT_EQ(sqlTypeOf("MEMO"), "MEMO");
+}
+
+TEST_F(CombineTest, AnIndexedFieldIsNoKeyAndAUniqueOneTakesNoValueTwice) {
+  MappedDatabase database;
+  database.path = make("a.mdb", {"CREATE TABLE [T] ([SampleNo] TEXT (9) PRIMARY KEY)"});
+  ASSERT_TRUE(MapDatabase(session, database, {}).done());
+  const auto add = [&](const std::string& field, const std::string& type) {
+    bool isKey = false;
+    return CheckAndAddField(session, database.connection, database.map, {}, "T", field, type,
+                            isKey);
+  };
+  EXPECT_TRUE(add("Zone", "TEXT (5)(I)"));
+  EXPECT_TRUE(add("Bag", "LONG (U)"));
+  EXPECT_EQ(database.map.PrimaryKeyField("T"), "SampleNo");
+  database.connection.Execute("INSERT INTO [T] VALUES ('a', 'N', 1), ('b', 'N', 2)");
+  EXPECT_THROW(database.connection.Execute("INSERT INTO [T] VALUES ('c', 'N', 2)"), Error);
 }
 
 TEST_F(CombineTest, UserTablesAreMade) {

@@ -27,7 +27,7 @@ class MapTest : public testing::Test {
     connection.Open(ConnectionString(database.path, "", ""));
     for (const std::string& sql : statements) connection.Execute(sql);
   }
-  MapResult map(const MapRequest& request = {}) { return MapDatabase(session, database, request); }
+  Outcome map(const MapRequest& request = {}) { return MapDatabase(session, database, request); }
   std::string row(const Worksheet& sheet, int row) const {
     std::string text;
     for (int column = 1; column <= sheet.LastCol(); ++column) {
@@ -57,7 +57,7 @@ const std::vector<std::string> kRocks{
 
 TEST_F(MapTest, HoldsTablesKeysLinksAndFilters) {
   make(kRocks);
-  ASSERT_EQ(map(), MapResult::Mapped);
+  ASSERT_TRUE(map().done());
   const DatabaseMap& found = database.map;
   EXPECT_EQ(row(found.F1Key2, 1), "Assays|SampleNo|Run No|Fe_XRF|Note");
   EXPECT_THAT(found.tables(), ElementsAre("Assays", "Bare", "Holes"));
@@ -157,35 +157,35 @@ TEST_F(MapTest, MapFileIsMadeReadAndRefreshed) {
   make(kRocks);
   const std::string file = mapFilePath(database.path);
   EXPECT_EQ(file, (folder / "rocks.v2.ake").string());
-  ASSERT_EQ(map({true, true, false}), MapResult::Mapped);
+  ASSERT_TRUE(map({true, true, false}).done());
   ASSERT_TRUE(pathExists(file));
   const std::string before = database.map.F1Linkki.WriteToBlob();
   database.connection.Execute("CREATE TABLE [Late] ([A] LONG)");
-  ASSERT_EQ(map({true, true, false}), MapResult::Mapped);
+  ASSERT_TRUE(map({true, true, false}).done());
   EXPECT_EQ(database.map.tableRow("Late"), 0);
   EXPECT_EQ(row(database.map.F1Key2, 1), "Assays|SampleNo|Run No|Fe_XRF|Note");
   EXPECT_EQ(database.map.F1Linkki.LastRow(), 5);
   EXPECT_THAT(database.map.FilterList, ElementsAre("Rock"));
-  ASSERT_EQ(map({true, false, true}), MapResult::Mapped);
+  ASSERT_TRUE(map({true, false, true}).done());
   EXPECT_GT(database.map.tableRow("Late"), 0);
   map({true, true, false});
   EXPECT_GT(database.map.tableRow("Late"), 0);
   writeFileWhole(file, "no workbook");
-  ASSERT_EQ(map({true, true, false}), MapResult::Mapped);
+  ASSERT_TRUE(map({true, true, false}).done());
   EXPECT_EQ(database.map.tables().size(), 4U);
 }
 
 TEST_F(MapTest, EmptyMissingAndAborted) {
-  EXPECT_EQ(map(), MapResult::Failed);
+  EXPECT_TRUE(map().failed());
   make({});
-  EXPECT_EQ(map(), MapResult::Mapped);
+  EXPECT_TRUE(map().done());
   EXPECT_EQ(database.map.tableCount(), 0);
   database.connection.Execute("CREATE TABLE [A] ([x] LONG)");
   database.connection.Execute("CREATE TABLE [B] ([x] LONG)");
   atEvents = [this] {
     session.progress.AbortFlag = session.progress.bar.value() == 1 && session.progress.visible();
   };
-  EXPECT_EQ(map(), MapResult::Aborted);
+  EXPECT_TRUE(map().aborted());
   EXPECT_THAT(database.map.tables(), ElementsAre("A"));
   EXPECT_FALSE(session.progress.AbortFlag);
 }
@@ -194,7 +194,7 @@ TEST_F(MapTest, SampleDatabaseThatCannotBeOpenedIsTold) {
   session.record.SessionDbPath = "\\no\\such.mdb";
   dialogs.expectMessage(
       "Database \\\\no\\such.mdb can not be opened neither by using DAO nor ADO connection");
-  EXPECT_EQ(OpenSampleDatabase(session, database, {}), MapResult::Failed);
+  EXPECT_TRUE(OpenSampleDatabase(session, database, {}).failed());
   EXPECT_EQ(session.record.ConnectionKindLast, "");
   EXPECT_FALSE(database.connection.IsOpen());
 }

@@ -33,6 +33,11 @@ class ExportTest : public DatabaseFixture {
     add({"007", -1e-300, 1e38, "2020-01-31 12:30:00", 0, "=1+1", -922337203685.4775, 99999999.99});
     add({"12", {}, {}, "1850-05-01", 0, std::string(40000, 'x') + "Ä", {}, {}});
   }
+  static std::vector<std::string> lines(const Findings& found) {
+    std::vector<std::string> lines;
+    for (const Finding& finding : found.all()) lines.push_back(describe(finding));
+    return lines;
+  }
   void add(const Row& values) {
     connection_.Execute("INSERT INTO [Rock / assays] VALUES (?, ?, ?, ?, ?, ?, ?, ?)", values);
   }
@@ -118,8 +123,11 @@ TEST_F(ExportTest, TheScriptMakesTheSameStructure) {
 TEST_F(ExportTest, AWorkbookHoldsASheetPerTable) {
   run("CREATE TABLE [Numbers] ([f] SINGLE)");
   connection_.Execute("INSERT INTO [Numbers] VALUES (?)", {static_cast<double>(0.15F)});
-  const auto remarks = exportDatabase(connection_, path("out.xlsx"));
-  EXPECT_THAT(remarks, ElementsAre(HasSubstr("1 texts are longer than a cell can be")));
+  const Findings found = exportDatabase(connection_, path("out.xlsx"));
+  ASSERT_EQ(found.all().size(), 1U);
+  EXPECT_THAT(describe(found.all()[0]),
+              HasSubstr("sheet Rock _ assays, F5: A text is longer than a cell can be"));
+  EXPECT_TRUE(found.hasErrors());
   Worksheet book;
   book.Read(path("out.xlsx"));
   ASSERT_EQ(book.NumSheets(), 3);
@@ -156,9 +164,39 @@ TEST_F(ExportTest, WhatCannotBeWrittenIsAnErrorAndWhatAccessCannotTakeIsTold) {
   EXPECT_THAT(readFile(path("hostile/schema.ini")), HasSubstr("Col1=\"b Col9=c\" Long\r\n"));
   run("DROP TABLE `x] (a LONG); DROP TABLE [y`");
   run("CREATE TABLE [a.b] ([x!] LONG)");
-  EXPECT_THAT(exportDatabase(connection_, path("out")),
-              ElementsAre("Table a.b has a name that Access cannot take",
-                          "Field x! of table a.b has a name that Access cannot take"));
+  EXPECT_THAT(lines(exportDatabase(connection_, path("out"))),
+              ElementsAre("sheet a.b: Access cannot take the name of the table",
+                          "sheet a.b: Access cannot take the name of field x!"));
+}
+
+TEST_F(ExportTest, WarnsOfWhatAccessWillRefuse) {
+  run("INSERT INTO [Zone;1] ([b], [Sample]) VALUES (1, '12')");
+  run("INSERT INTO [Zone;1] ([b], [Sample]) VALUES (2, Null)");
+  run("INSERT INTO [Zone;1] ([b], [Sample]) VALUES (3, 'gone')");
+  run("INSERT INTO [Zone;1] ([b], [Sample]) VALUES (4, 'lost')");
+  run("CREATE TABLE [Wide] ([f0] LONG)");
+  std::string fields;
+  for (int i = 1; i < 255; ++i) fields += (i > 1 ? ", [f" : "[f") + std::to_string(i) + "] LONG";
+  run("ALTER TABLE [Wide] ADD COLUMN " + fields);
+  const std::string orphans =
+      "sheet Zone;1, record gone: A record refers to no record of table Rock / assays, so that "
+      "Access will refuse the relationship Rock / assaysZone;10 (2 times)";
+  EXPECT_THAT(lines(exportDatabase(connection_, path("out"))), ElementsAre(orphans));
+  run("ALTER TABLE [Wide] ADD COLUMN [f255] LONG");
+  const std::string wide = "sheet Wide: The table has more than 255 fields";
+  EXPECT_THAT(lines(exportDatabase(connection_, path("out"))),
+              testing::UnorderedElementsAre(orphans, HasSubstr(wide)));
+}
+
+TEST_F(ExportTest, AFileNameIsNoFolder) {
+  for (const char* name : {"out.xls", "out.CSV", "a.accdb"}) {
+    EXPECT_THAT(errorOf([&] { exportDatabase(connection_, path(name)); }),
+                HasSubstr("is the name of a file"));
+    EXPECT_FALSE(pathExists(path(name)));
+  }
+  std::filesystem::create_directory(path("a.db"));
+  EXPECT_EQ(errorOf([&] { exportDatabase(connection_, path("a.db")); }), "(no error)");
+  EXPECT_EQ(errorOf([&] { exportDatabase(connection_, path("out 2.5")); }), "(no error)");
 }
 
 }  // namespace

@@ -184,6 +184,41 @@ TEST_F(JetSqlTest, TransformMakesColumnsOfValues) {
             "Particle ID|M2|it's ]\n1|25|");
 }
 
+TEST_F(JetSqlTest, FirstAndLastOfATransformAreThoseOfTheirColumn) {
+  run("CREATE TABLE [Long] ([SampleNo] TEXT (9), [Element] TEXT (9), [Value] SINGLE)");
+  run("INSERT INTO [Long] VALUES ('A', 'Cu', 1), ('A', 'Fe', 2), ('A', 'Fe', 3), "
+      "('B', 'Fe', Null), ('B', 'Fe', 4), ('B', 'Cu', 5), ('B', 'Cu', Null)");
+  const std::string query =
+      "([Value]) SELECT [SampleNo] FROM [Long] GROUP BY [SampleNo] PIVOT [Element]";
+  EXPECT_EQ(show("TRANSFORM First" + query), "SampleNo|Cu|Fe\nA|1|2\nB|5|");
+  EXPECT_EQ(show("TRANSFORM Last" + query), "SampleNo|Cu|Fe\nA|1|3\nB||4");
+}
+
+TEST_F(JetSqlTest, AStatementThatFailsChangesNothing) {
+  run("CREATE TABLE [T] ([a] LONG, [c] TEXT (5))");
+  run("INSERT INTO [T] VALUES (1, 'x'), (1, 'y')");
+  run("CREATE VIEW [V] AS SELECT [c] FROM [T]");
+  const auto all = [&] {
+    return structure(SchemaKind::Tables) + structure(SchemaKind::Columns) +
+           structure(SchemaKind::Indexes) + records("SELECT * FROM [T]");
+  };
+  const std::string before = all();
+  for (const char* statement : {
+           "ALTER TABLE [T] ADD COLUMN [b] LONG, [a] LONG",
+           "ALTER TABLE [T] DROP COLUMN [nothing]",
+           "CREATE UNIQUE INDEX [i] ON [T] ([a])",
+           "CREATE UNIQUE INDEX [i] ON [T] ([a]) WITH PRIMARY",
+           "SELECT [a] INTO [T] FROM [T]",
+           "SELECT Asc('') AS [n] INTO [New] FROM [T]",
+           "CREATE TABLE [New] ([a] LONG, [A] LONG)",
+           "INSERT INTO [T] VALUES (2, 'z'), (3, 'too long')",
+           "UPDATE [T] SET [c] = [c] & 'longer'",
+       }) {
+    EXPECT_NE(errorOf([&] { run(statement); }), "(no error)") << statement;
+    EXPECT_EQ(all(), before) << statement;
+  }
+}
+
 TEST_F(JetSqlTest, WritesRecords) {
   run("CREATE TABLE [T 1] ([a] LONG, [b] TEXT)");
   EXPECT_EQ(connection_.Execute("INSERT INTO [T 1] ([a],[b]) VALUES (1,'x')"), 1);
@@ -295,12 +330,33 @@ TEST(JetLike, KnowsBothFamiliesOfWildCards) {
     std::string text, pattern;
     bool fits;
   } rows[] = {
-      {"Pyrite", "py*", true},      {"Pyrite", "%RITE", true}, {"Pyrite", "p?rit_", true},
-      {"Pyrite", "p?rite?", false}, {"A7", "a#", true},        {"AB", "a#", false},
-      {"Å1", "?[0-9]", true},       {"x", "[!a-f]", true},     {"c", "[!a-f]", false},
-      {"*", "[*]", true},           {"a", "[*]", false},       {"[a", "[a", true},
-      {"]", "[]]", true},           {"", "*", true},           {"", "?", false},
-      {"-", "[a-]", true},          {"ab", "a", false},        {"\\Cu\\Fe\\", "%\\Fe\\%", true},
+      {"Pyrite", "py*", true},
+      {"Pyrite", "%RITE", true},
+      {"Pyrite", "p?rit_", true},
+      {"Pyrite", "p?rite?", false},
+      {"A7", "a#", true},
+      {"AB", "a#", false},
+      {"Å1", "?[0-9]", true},
+      {"x", "[!a-f]", true},
+      {"c", "[!a-f]", false},
+      {"*", "[*]", true},
+      {"a", "[*]", false},
+      {"[a", "[a", true},
+      {"]", "[]]", true},
+      {"", "*", true},
+      {"", "?", false},
+      {"A0", "[A-C][0-9]", true},
+      {"c9", "[A-C][0-9]", true},
+      {"D0", "[A-C][0-9]", false},
+      {"B:", "[A-C][0-9]", false},
+      {"@5", "[A-C][0-9]", false},
+      {"C", "[!A-C]", false},
+      {"C-", "[A-C]-", true},
+      {"8", "[!0-79]", true},
+      {"9", "[!0-79]", false},
+      {"-", "[a-]", true},
+      {"ab", "a", false},
+      {"\\Cu\\Fe\\", "%\\Fe\\%", true},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(jetLike(row.text, row.pattern), row.fits) << row.text << " like " << row.pattern;

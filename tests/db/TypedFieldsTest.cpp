@@ -155,6 +155,29 @@ TEST_F(TypedFieldsTest, RecordsetsWriteWhatFits) {
   EXPECT_THAT(errorOf([&] { computed->Update(); }), HasSubstr("closed"));
 }
 
+TEST_F(TypedFieldsTest, ARefusedRecordKeepsNoOtherOut) {
+  run("CREATE TABLE [U] ([SampleNo] TEXT (5) PRIMARY KEY, [n] LONG)");
+  auto units = connection_.OpenRecordset("SELECT * FROM [U]");
+  const auto add = [&](const FieldValue& name, const FieldValue& n) {
+    units->AddNew();
+    units->SetValue("SampleNo", name);
+    units->SetValue("n", n);
+    units->Update();
+  };
+  Transaction work(connection_);
+  add("a", std::int64_t{1});
+  const Row refused[] = {
+      {"a", std::int64_t{2}}, {{}, std::int64_t{2}}, {"abcdef", {}}, {"b", "<0.01"}, {"b", 3e9}};
+  int good = 0;
+  for (const Row& row : refused) {
+    EXPECT_NE(errorOf([&] { add(row[0], row[1]); }), "(no error)") << fieldText(row[0]);
+    units->CancelUpdate();
+    add("z" + std::to_string(++good), {});
+  }
+  work.commit();
+  EXPECT_EQ(records("SELECT [SampleNo] FROM [U] ORDER BY [SampleNo]"), "a;z1;z2;z3;z4;z5");
+}
+
 TEST_F(TypedFieldsTest, CountersNumberThemselves) {
   run("CREATE TABLE [k] ([ID] COUNTER PRIMARY KEY, [a] TEXT (5))");
   run("CREATE TABLE [n] ([ID] COUNTER, [a] TEXT (5), CONSTRAINT pk PRIMARY KEY ([a]))");

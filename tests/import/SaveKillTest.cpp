@@ -55,7 +55,7 @@ class SaveKillTest : public testing::Test {
     MemoryClipboard clipboard;
     Session session{Services{dialogs, events, clipboard}};
     MappedDatabase database{path, {}, {}};
-    if (MapDatabase(session, database, {}) != MapResult::Mapped) return false;
+    if (!MapDatabase(session, database, {}).done()) return false;
     database.connection.BusyTimeout(60000);
     const SaveOutcome outcome = saveSheets(session, database, {{sheet}, true, true, false});
     return outcome.outcome.exitStatus() == 0;

@@ -165,7 +165,7 @@ JetExpressions::Expression JetExpressions::compared(Expression left, std::string
   if (op == "==") op = "=";
   if (op == "!=") op = "<>";
   Expression right = joined();
-  // Any number but 0 is true, so truth is no matter of equality.
+  // Any number but 0 is true, so truth is not a matter of equality.
   if (target_ == SqlTarget::Sqlite && (op == "=" || op == "<>") && (left.truth || right.truth)) {
     if (left.truth) std::swap(left, right);
     const bool isTrue = right.text == "-1";
@@ -370,7 +370,7 @@ JetExpressions::Expression JetExpressions::atom() {
   fail("a value or a field is expected here");
 }
 
-// With its number, so that it may stand at several places of what a statement becomes.
+// With its number, so that it may appear at several places of what a statement becomes.
 std::string JetExpressions::parameter(int number) const {
   return target_ == SqlTarget::Sqlite ? "?" + std::to_string(number) : "?";
 }

@@ -35,12 +35,16 @@ JetExpressions::Expression JetExpressions::aggregate(const std::string& name) {
     if (name == "VAR") function = "VAR_SAMP";
     if (name == "VARP") function = "VAR_POP";
   }
-  if (!cellCondition_.empty()) {
+  const bool isCell = !cellCondition_.empty();
+  // These two see Nulls, so that the records of other columns must not become Nulls.
+  const bool seesNulls = function == "FIRST" || function == "LAST";
+  if (isCell && !seesNulls) {
     argument =
         "CASE WHEN " + cellCondition_ + " THEN " + (argument == "*" ? "1" : argument) + " END";
   }
   std::string text = function + "(" + (distinct ? "DISTINCT " : "") + argument + ")";
-  if (!cellCondition_.empty() && name == "COUNT") text = "NULLIF(" + text + ", 0)";
+  if (isCell && seesNulls) text += " FILTER (WHERE " + cellCondition_ + ")";
+  if (isCell && name == "COUNT") text = "NULLIF(" + text + ", 0)";
   const bool isValue = name == "FIRST" || name == "LAST" || name == "MIN" || name == "MAX";
   return {text, Atom, "", false, false, !isValue};
 }
@@ -94,7 +98,7 @@ JetExpressions::Expression JetExpressions::call(const std::string& name) {
   return sqliteCall(name, list);
 }
 
-// Functions that others can stand for; $1, $2 ... are their values.
+// Functions that can be written with others; $1, $2 ... are their values.
 JetExpressions::Expression JetExpressions::sqliteCall(const std::string& name,
                                                       std::vector<std::string> list) {
   // Where weeks and years begin, as they do when nothing is said.

@@ -27,7 +27,7 @@ class JetReader {
   bool takeMark(std::string_view mark);
   void expectWord(std::string_view word);
   void expectMark(std::string_view mark);
-  /// A name where only a name can stand: a plain word, or anything in brackets or quotes.
+  /// A name where only a name is possible: a plain word, or anything in brackets or quotes.
   std::string expectName(std::string_view what);
   bool isName(size_t ahead = 0) const;
   /// A plain word that cannot be a name, such as FROM.
@@ -51,7 +51,7 @@ class JetExpressions : public JetReader {
   virtual ~JetExpressions() = default;
 
  protected:
-  /// How strongly an expression holds together, so that brackets stand where they are needed.
+  /// How strongly an expression holds together, so that brackets are put where they are needed.
   enum Level { Or, And, Not, Compare, Join, Sum, Mod, IntegerDivision, Product, Sign, Power, Atom };
 
   struct Expression {
@@ -66,7 +66,7 @@ class JetExpressions : public JetReader {
 
   Expression expression();
   std::string expressionText() { return expression().text; }
-  /// An expression without comparisons, such as stands before IN.
+  /// An expression without comparisons, as before IN.
   Expression joined();
   /// The expressions up to a closing bracket, which is taken too.
   std::vector<std::string> arguments();
@@ -84,7 +84,7 @@ class JetExpressions : public JetReader {
   /// Of TRANSFORM: what aggregates add up counts only where this holds; "" outside.
   std::string cellCondition_;
   int parameters_ = 0;
-  /// Sums stand as they are, for an engine without the functions of the dialect.
+  /// Sums are written as they are, for an engine without the functions of the dialect.
   bool plainSums_ = false;
   /// Names declared by PARAMETERS, the first being number 1.
   std::vector<std::string> parameterNames_;

@@ -48,7 +48,7 @@ JetQueries::Select JetQueries::parseCompound() {
   while (isWord("UNION") || isWord("INTERSECT") || isWord("EXCEPT")) {
     std::string word = toUpper(take().text);
     if (takeWord("ALL")) word += " ALL";
-    // A member with a limit of its own must stand apart.
+    // A member with a limit of its own becomes a query of its own.
     if (!select.limit.empty() || !select.order.empty()) select = apart(select);
     Select next = parseOperand();
     if (!next.limit.empty() || !next.order.empty()) next = apart(next);
@@ -152,8 +152,8 @@ void JetQueries::limitTo(Select& select, const std::string& top, bool percent) {
                  ")) WHERE [|rank] <= " + count + ")";
 }
 
-// What ORDER BY means: a number or a name may stand for a value of the SELECT. "" where that cannot
-// be told.
+// What ORDER BY means: a number or a name may refer to a value of the SELECT. "" where that is not
+// clear.
 std::string JetQueries::orderTerm(const std::string& text) const {
   if (const auto number = parseInteger(text)) {
     if (*number < 1 || static_cast<size_t>(*number) > items_.size()) return {};

@@ -33,7 +33,7 @@ class JetQueries : public JetExpressions {
   /// One SELECT without UNION and order.
   Select parseSelect();
   void parseOrder(Select& select);
-  /// The tables and joins behind FROM; notes them in tables_ and sources_.
+  /// The tables and joins after FROM; notes them in tables_ and sources_.
   std::string parseFrom();
   std::string tableName();
   bool isStatementWord() const;

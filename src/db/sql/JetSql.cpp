@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t kMaxPivotColumns = 1900;
 
-// Stands in an expression of TRANSFORM for the condition of its column.
+// In an expression of TRANSFORM the place of the condition of its column.
 constexpr char kCell = '\x01';
 
 class JetParser : public JetQueries {
@@ -64,7 +64,7 @@ class JetParser : public JetQueries {
     fail("no statement begins like this");
   }
 
-  // PARAMETERS [name] type, ...; stands before the statement that uses the names.
+  // PARAMETERS [name] type, ...; comes before the statement that uses the names.
   void parseParameters() {
     if (target_ == SqlTarget::Server) fail("a server takes parameters as ? only");
     do {
@@ -88,7 +88,7 @@ class JetParser : public JetQueries {
     statement_.kind = JetStatement::Query;
     if (select.table.empty()) return;
     statement_.table = select.table;
-    // Behind the others, since ORDER BY may count the columns.
+    // After the others, since ORDER BY may count the columns.
     statement_.recordSql = select.head + " " + select.items + ", " + quoted(select.qualifier) +
                            "._rowid_" + select.tail + select.order + select.limit;
   }
@@ -434,7 +434,7 @@ class JetParser : public JetQueries {
     fail("a table can be altered by ADD COLUMN and DROP COLUMN");
   }
 
-  // A key of a table that stands already is an index.
+  // A key of a table that exists already is an index.
   void parseAddedConstraint() {
     take();
     statement_.kind = JetStatement::CreateIndex;
@@ -447,7 +447,7 @@ class JetParser : public JetQueries {
     for (std::string& name : nameList()) statement_.indexColumns.push_back({std::move(name)});
   }
 
-  // Names of fields and indexes may stand here without brackets even when they hold blanks.
+  // Names of fields and indexes may be written here without brackets even when they hold blanks.
   std::string looseName(std::initializer_list<std::string_view> ends) {
     const auto atEnd = [&] {
       for (const auto end : ends) {

@@ -29,11 +29,11 @@ struct JetColumn {
 };
 
 /// A statement of the Jet dialect, read and turned into its target's terms. `kind` tells which of
-/// the members are in use; names stand without brackets, `sql` and expressions in the target's SQL.
+/// the members are in use; names are without brackets, `sql` and expressions in the target's SQL.
 struct JetStatement {
   enum Kind {
     Plain,        ///< sql; not looked into (PRAGMA and the like)
-    Query,        ///< sql; table and recordSql if its records can be told from each other
+    Query,        ///< sql; table and recordSql if its records can be told apart
     Action,       ///< sql; table: the view that it makes, "" for none
     CreateTable,  ///< table, columns (maybe none), primaryKey, uniqueKeys, foreignKeys
     AddColumns,   ///< table, columns
@@ -49,7 +49,7 @@ struct JetStatement {
   std::string table;
   std::string name;
 
-  /// A Query on one table without grouping: the same statement with the record's number behind.
+  /// A Query on one table without grouping: the same statement with the record's number at the end.
   std::string recordSql;
 
   std::vector<JetColumn> columns;

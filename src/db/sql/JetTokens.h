@@ -12,7 +12,7 @@ struct JetToken {
     Word,    ///< a keyword, a function or a plain name
     Name,    ///< a name in [ ] or ` `, without them
     Text,    ///< a text in single quotes, without them
-    Quoted,  ///< the same in double quotes: a text, or a name where only a name can stand
+    Quoted,  ///< the same in double quotes: a text, or a name where only a name is possible
     Number,
     Date,  ///< between "#", in the form 2020-01-31 or 2020-01-31 12:00:00
     Mark,  ///< an operator, a bracket, a comma, or any other character
@@ -21,11 +21,11 @@ struct JetToken {
   Kind kind = End;
   std::string text;
   size_t start = 0;  ///< place in the statement, in bytes from 0
-  size_t end = 0;    ///< behind its last byte
+  size_t end = 0;    ///< after its last byte
 };
 
-/// The error for a place in a statement: names line, column (both from 1), what stands there and
-/// why it cannot be used.
+/// The error for a place in a statement: names line, column (both from 1), what is written there
+/// and why it cannot be used.
 [[noreturn]] void failAt(std::string_view sql, const JetToken& token, std::string_view reason);
 
 /// A statement as messages show it: long ones only at their start.

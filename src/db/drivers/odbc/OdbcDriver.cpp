@@ -68,7 +68,7 @@ std::string serverType(FieldType type, const OdbcLink& link) {
          ")";
 }
 
-// Records of a table with a primary key, told from each other by it.
+// Records of a table with a primary key, told apart by it.
 class OdbcWriter : public RecordWriter {
  public:
   // `places` are those of the key among `fields`, in the order of the key.
@@ -412,8 +412,8 @@ Link connect(std::string_view service, const std::string& connectionText) {
 }
 
 // PostgreSQL gives up a whole transaction for one refused statement, and what was written before
-// would be lost. Its driver can undo the statement alone and does so unless it was told otherwise,
-// in the text or in a data source; "" for a text that tells nothing of the kind.
+// would be lost. Its driver can undo the statement alone, and does unless the text or a data source
+// says otherwise; "" for a text that says nothing of the kind.
 std::string withStatementUndo(std::string_view connectionText) {
   constexpr std::string_view kKey = "Protocol";
   std::string changed;

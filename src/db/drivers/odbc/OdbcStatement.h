@@ -80,7 +80,7 @@ class OdbcStatement {
   std::vector<SQLLEN> lengths_;
 };
 
-/// The field type that a server's type number and name stand for.
+/// The field type for a server's type number and name.
 FieldType odbcFieldType(int sqlType, std::string_view typeName, SQLULEN size);
 
 }  // namespace lodex

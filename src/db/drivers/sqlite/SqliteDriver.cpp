@@ -1,6 +1,8 @@
 #include "db/drivers/sqlite/SqliteDriver.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 #include <array>
 #include <filesystem>
@@ -82,7 +84,7 @@ class SqliteRows : public RowSource {
     if (declared) {
       field.type = fieldTypeInFile(declared);
     } else if (hasRecord_) {
-      // An expression has no declared type; its first value tells.
+      // An expression has no declared type; its first value decides.
       const int kind = sqlite3_column_type(statement, column);
       if (kind == SQLITE_INTEGER) field.type = {FieldCode::Integer, 0};
       if (kind == SQLITE_FLOAT) field.type = {FieldCode::Double, 0};
@@ -153,7 +155,7 @@ class SqliteDriver : public Driver {
   // The lock is taken at once: a unit of work then fails at its start and not half-way.
   void begin() override {
     // The engine would begin a unit of work that can only read.
-    if (sqlite3_db_readonly(file_->handle, "main") == 1) {
+    if (isReadOnly()) {
       throw FileError("Database " + file_->path + " is write-protected", dberror::Unspecified);
     }
     run("BEGIN IMMEDIATE");
@@ -166,6 +168,15 @@ class SqliteDriver : public Driver {
   void rollback() override {
     file_->inUnit = false;
     if (!sqlite3_get_autocommit(file_->handle)) run("ROLLBACK");
+  }
+
+  std::string file() const override { return file_->path; }
+
+  // A change is written to a journal beside the file first.
+  bool isReadOnly() const override {
+    const std::string folder = fs::absolute(nativePath(file_->path)).parent_path().string();
+    return sqlite3_db_readonly(file_->handle, "main") == 1 ||
+           ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0;
   }
 
   void busyTimeout(int milliseconds) override { sqlite3_busy_timeout(file_->handle, milliseconds); }
@@ -303,7 +314,8 @@ class SqliteDriver : public Driver {
     for (const auto& sql : added.after) run(sql, {}, shown);
   }
 
-  // The engine changes no table while any view cannot be resolved, so the views stand aside.
+  // The engine changes no table while any view cannot be resolved, so the views are taken away
+  // first.
   void dropColumn(const std::string& table, const std::string& column, std::string_view shown) {
     std::vector<std::string> views;
     std::vector<std::string> drops;

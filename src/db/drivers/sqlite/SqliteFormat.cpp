@@ -45,7 +45,7 @@ constexpr std::array<std::array<const char*, 2>, 14> kNamedFormats{
 
 struct Mark {
   char mark;
-  bool literal;  // in quotes or behind a backslash
+  bool literal;  // in quotes or after a backslash
 };
 
 std::vector<Mark> marksOf(std::string_view pattern) {
@@ -140,7 +140,7 @@ std::string formatDate(const DateTime& date, std::string_view pattern) {
   return text;
 }
 
-// Digits in front of the point: "0" is always shown, "," groups thousands.
+// Digits before the point: "0" is always shown, "," groups thousands.
 std::string formatWhole(std::string whole, std::string_view before) {
   const size_t least = static_cast<size_t>(std::count(before.begin(), before.end(), '0'));
   if (least == 0 && whole == "0") whole.clear();
@@ -163,8 +163,8 @@ std::string formatNumber(double value, std::string_view pattern) {
   const std::string_view before = digits.substr(0, point);
   const std::string_view after =
       point == std::string_view::npos ? std::string_view() : digits.substr(point + 1);
-  const std::string_view behind = std::string_view(open).substr(end);
-  const bool hasExponent = startsWithNoCase(behind, "E+0") || startsWithNoCase(behind, "E-0");
+  const std::string_view rest = std::string_view(open).substr(end);
+  const bool hasExponent = startsWithNoCase(rest, "E+0") || startsWithNoCase(rest, "E-0");
   if (open.find('%') != std::string::npos) value *= 100;
   if (std::abs(value) > 1e15 && !hasExponent) return numberText(value);
   const int decimals = static_cast<int>(std::min<size_t>(after.size(), 15));
@@ -174,7 +174,7 @@ std::string formatNumber(double value, std::string_view pattern) {
   if (hasExponent) {
     const size_t mark = text.find('e');
     exponent = "E" + text.substr(mark + 1);
-    if (behind[1] == '-' && exponent[1] == '+') exponent.erase(1, 1);
+    if (rest[1] == '-' && exponent[1] == '+') exponent.erase(1, 1);
     text.resize(mark);
     end = std::min(open.find_first_not_of("0#", end + 2), open.size());
   }
@@ -190,7 +190,7 @@ std::string formatNumber(double value, std::string_view pattern) {
          lettersOf(marks, end, marks.size());
 }
 
-// Patterns of positive numbers, negative ones and zero stand behind each other with ";" between.
+// Patterns of positive numbers, negative ones and zero follow each other with ";" between.
 std::vector<std::string> sectionsOf(std::string_view pattern) {
   std::vector<std::string> sections{""};
   bool quoted = false;

@@ -63,9 +63,9 @@ std::optional<Term> combined(const Term& left, char sign, const Term& right) {
   const auto x = amountOf(left);
   const auto y = amountOf(right);
   const auto* text = std::get_if<std::string>(&left);
-  const auto* behind = std::get_if<std::string>(&right);
+  const auto* added = std::get_if<std::string>(&right);
   const bool areDates = x && y && x->isDate && y->isDate;
-  if (sign == '+' && text && behind && !areDates) return *text + *behind;
+  if (sign == '+' && text && added && !areDates) return *text + *added;
   if (!x || !y) return std::nullopt;
   if (areDates && sign == '-') return daysBetween(y->number, x->number);
   const double sum = sign == '+' ? x->number + y->number : x->number - y->number;

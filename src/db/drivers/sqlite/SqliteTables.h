@@ -8,10 +8,10 @@
 
 namespace lodex {
 
-/// A table needs a column; this one stands in a table that has no fields yet.
+/// A table needs a column; this one is in a table that has no fields yet.
 inline constexpr std::string_view kNoFields = "|no fields|";
 
-/// Table of a copy of an Access file that holds what Access tells of fields beyond their types,
+/// Table of a copy of an Access file that holds what Access says of fields beyond their types,
 /// with the columns table_name, field_name ("" for the table itself), description, caption,
 /// default_value, rule and rule_text, all as Access words them.
 inline constexpr std::string_view kFieldsTable = "MSysLodexFields";
@@ -31,7 +31,7 @@ struct AddedColumn {
 AddedColumn addedColumn(std::string_view table, const JetColumn& column);
 
 /// Indexes of a file share one space of names, those of Jet belong to their table; and only here
-/// can a primary key be made behind its table. Both stand in the name: table|index[|primary].
+/// can a primary key be made after its table. Both are in the name: table|index[|primary].
 std::vector<std::string> createIndexSql(const JetStatement& statement, bool numbered);
 struct IndexName {
   std::string name;
