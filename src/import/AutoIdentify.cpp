@@ -4,6 +4,7 @@
 
 #include "chem/Headings.h"
 #include "import/Identification.h"
+#include "import/recognise/ApplyRecognition.h"
 
 namespace lodex {
 namespace {
@@ -17,9 +18,11 @@ struct CellPlace {
 // exist: searching for them one by one would format every number of the sheet each time.
 template <size_t Count>
 std::array<CellPlace, Count> firstPlaces(const Worksheet& sheet,
-                                         const std::array<std::string_view, Count>& texts) {
+                                         const std::array<std::string_view, Count>& texts,
+                                         int lastColumn = maxColumns) {
   std::array<CellPlace, Count> places;
   sheet.cells(sheet.Sheet()).forEach([&](int row, int column, const Cell& cell) {
+    if (column > lastColumn) return;
     if (cell.kind == ValueKind::Empty || cell.kind == ValueKind::Number) return;
     const Value value = CellStore::valueOf(cell);
     if (!value.isText()) return;
@@ -77,9 +80,11 @@ void leaveCaptionsInFront(const DescribedSheet& sheet, int top) {
   }
 }
 
-void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
+// Captions get a column of their own in front, and `column` (before that) becomes the ID column.
+void makeIdColumn(const DescribedSheet& sheet, int column, LogLines& log) {
   Worksheet& cells = sheet.cells;
-  log.push_back("-Moving first column to ID col = 2");
+  log.push_back(column == 1 ? std::string("-Moving first column to ID col = 2")
+                            : "-ID col = " + std::to_string(column + 1));
   const int last = cells.LastCol();
   if (last >= maxColumns) {
     log.found.error("The last column was left out to make room for the captions", {.column = last});
@@ -88,9 +93,20 @@ void makeFirstColumnId(const DescribedSheet& sheet, LogLines& log) {
   cells.InsertRange(1, 1, 1, 1, Shift::Columns);
   if (sheet.structure.mineralColumn > 0) ++sheet.structure.mineralColumn;
   leaveCaptionsInFront(sheet, std::min(sheet.structure.highestRow(), cells.LastRow()));
-  sheet.structure.idColumn = 2;
-  if (sheet.text(sysrow::Header, 2).empty()) sheet.setText(sysrow::Header, 2, "SampleNo");
-  if (sheet.has(sysrow::Header)) sheet.setText(sysrow::Element, 2, sheet.text(sysrow::Header, 2));
+  const int id = column + 1;
+  sheet.structure.idColumn = id;
+  if (sheet.text(sysrow::Header, id).empty()) sheet.setText(sysrow::Header, id, "SampleNo");
+  if (sheet.has(sysrow::Header)) sheet.setText(sysrow::Element, id, sheet.text(sysrow::Header, id));
+}
+
+// Recognises the layout of a sheet without description and writes it into the system rows. Returns
+// the column of the identifiers before captions got theirs; 0 when nothing was recognised.
+int recogniseLayout(const DescribedSheet& sheet, int headingRow, LogLines& log) {
+  const RecognisedTable table = recogniseTable(sheet.cells, headingRow);
+  if (table.layout != TableLayout::Rows || table.assayCount() == 0) return 0;
+  sheet.structure.rows.fill(0);
+  applyRecognition(sheet, table, log);
+  return std::max(1, table.idColumn);
 }
 
 // In a sheet saved with its description, column 1 holds nothing but captions and the column marked
@@ -119,7 +135,8 @@ void findMineralColumn(const DescribedSheet& sheet, LogLines& log) {
 int findSystemRows(const DescribedSheet& sheet) {
   std::array<std::string_view, systemRowCount> captions;
   for (int i = 0; i < systemRowCount; ++i) captions[static_cast<size_t>(i)] = systemRowCaption(i);
-  const auto places = firstPlaces(sheet.cells, captions);
+  // In column 1 alone: a column of data may be headed TYPE or LENGTH.
+  const auto places = firstPlaces(sheet.cells, captions, 1);
   int known = 0;
   for (int i = 0; i < systemRowCount; ++i) {
     const int row = places[static_cast<size_t>(i)].row;
@@ -136,7 +153,15 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
   SheetStructure& structure = sheet.structure;
   sheet.cells.SetSelection(1, 1, 1, 1);
   int known = 0;
+  int idColumn = 0;
+  // A heading row without any other was set by the user.
+  const int chosenHeader =
+      sheet.has(sysrow::Header) && !sheet.has(sysrow::Element) ? structure.row(sysrow::Header) : 0;
   if (structure.highestRow() == 0) known = findSystemRows(sheet);
+  if (descriptions == Descriptions::Rewrite && (chosenHeader > 0 || !sheet.has(sysrow::Header))) {
+    idColumn = recogniseLayout(sheet, chosenHeader, log);
+    known = idColumn > 0 ? systemRowCount : std::max(known, chosenHeader > 0 ? 1 : 0);
+  }
   if (!sheet.has(sysrow::Header) && known == 0) {
     log.push_back("-First row is set to HEADER");
     structure.row(sysrow::Header) = 1;
@@ -146,7 +171,7 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
   const bool unread = descriptions == Descriptions::Keep && !sheet.has(sysrow::Element);
   if (sheet.has(sysrow::Header) && (known == 1 || unread)) splitHeadings(sheet, log);
   structure.firstDataRow = std::max(structure.firstDataRow, structure.highestRow() + 1);
-  if (structure.idColumn == 0) makeFirstColumnId(sheet, log);
+  if (structure.idColumn == 0) makeIdColumn(sheet, std::max(1, idColumn), log);
   for (int i = 0; i < systemRowCount; ++i) {
     if (!sheet.has(i)) addBelowTop(sheet, i, log);
     sheet.setText(i, 1, systemRowCaption(i));

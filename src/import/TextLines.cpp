@@ -141,6 +141,8 @@ TextSplit proposedSplit(const std::vector<std::string_view>& lines) {
   TextSplit best;
   size_t bestLines = 0;
   for (const TextSplit& candidate : candidates) {
+    // Blanks part words, too; they are looked at where nothing better parts the lines.
+    if (candidate.collapseRuns && splitsEvenly(lines, best)) break;
     const size_t even = evenLines(lines, candidate);
     if (even > bestLines) {
       best = candidate;
@@ -148,6 +150,26 @@ TextSplit proposedSplit(const std::vector<std::string_view>& lines) {
     }
   }
   return best;
+}
+
+bool splitsEvenly(const std::vector<std::string_view>& lines, const TextSplit& split) {
+  if (split.separator.empty()) return false;
+  constexpr size_t fewestColumns = 3;
+  std::map<size_t, size_t> linesByCount;
+  size_t filled = 0;
+  size_t inColumns = 0;
+  for (size_t i = 0; i < std::min(lines.size(), sampleLines); ++i) {
+    if (trimWhite(lines[i]).empty()) continue;
+    const size_t count = splitLine(lines[i], split).size();
+    ++filled;
+    ++linesByCount[count];
+    if (count >= fewestColumns) ++inColumns;
+  }
+  // Lines of a certificate may end at their last value; nearly all have columns all the same.
+  if (filled > 1 && 5 * inColumns >= 4 * filled) return true;
+  return std::any_of(linesByCount.begin(), linesByCount.end(), [&](const auto& entry) {
+    return entry.first >= fewestColumns && 5 * entry.second >= 3 * filled;
+  });
 }
 
 std::vector<std::string> splitLine(std::string_view line, const TextSplit& split) {

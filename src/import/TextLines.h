@@ -31,6 +31,10 @@ struct TextSplit {
 /// when none gives columns.
 TextSplit proposedSplit(const std::vector<std::string_view>& lines);
 
+/// Whether most lines fall into the same number of columns, three or more of them, so that nobody
+/// needs to be asked.
+bool splitsEvenly(const std::vector<std::string_view>& lines, const TextSplit& split);
+
 std::vector<std::string> splitLine(std::string_view line, const TextSplit& split);
 
 /// Calls field(row, column, text) for every field of a text, row by row, counted from 1. The text

@@ -132,7 +132,9 @@ TextSplit frmDataIN::askedSplit(std::string_view text, std::string_view separato
   const auto lines = textLines(text);
   if (lines.empty()) return {};
   if (lines.front().find('\t') != std::string_view::npos) return {"\t", false, false};
-  frmSplitDialog dialog(lines.front(), proposedSplit(lines));
+  const TextSplit proposal = proposedSplit(lines);
+  if (splitsEvenly(lines, proposal)) return proposal;
+  frmSplitDialog dialog(lines.front(), proposal);
   session().dialogs().showModal(dialog);
   return dialog.split();
 }

@@ -260,7 +260,7 @@ TEST_F(Identify, EmptyIdsAreLogged) {
 }
 
 TEST_F(Identify, NewIdColumnTakesTheMarks) {
-  frmDataIN& form = sheetOf({"No|Name|Fe %", "1|A-1|5"});
+  frmDataIN& form = sheetOf({"Sample|Name|Fe %", "1|A-1|5"});
   form.AjaTunnista({});
   form.txtID.setText("3");
   EXPECT_EQ(rowText(form.F1D, 7), "TYPE|LONG|TEXT(10)(U,I)|SINGLE");
