@@ -19,7 +19,8 @@ std::string cellName(const Place& place) {
 
 std::string keyOf(Severity severity, std::string_view text, const Place& place) {
   std::string key = std::to_string(static_cast<int>(severity));
-  for (const std::string_view part : {text, std::string_view(place.file), std::string_view(place.sheet)}) {
+  for (const std::string_view part :
+       {text, std::string_view(place.file), std::string_view(place.sheet)}) {
     key += '\0';
     key += part;
   }
