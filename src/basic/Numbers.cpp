@@ -59,7 +59,7 @@ std::optional<double> parseNumber(std::string_view text) {
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
   if (result.ptr != text.data() + text.size()) return std::nullopt;
   if (result.ec == std::errc::result_out_of_range) {
-    // Too small counts as 0, too large as no number; the exponent's sign tells them apart.
+    // Too small counts as 0, too large is not a number; the sign of the exponent decides.
     const size_t e = text.find_first_of("eE");
     const bool tiny = e != std::string_view::npos && e + 1 < text.size() && text[e + 1] == '-';
     return tiny ? std::optional<double>(0.0) : std::nullopt;

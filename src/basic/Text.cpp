@@ -57,7 +57,7 @@ std::string mapped(std::string_view text, OneAscii ascii, One one) {
   return out;
 }
 
-// One code point from `pos` on, which moves behind it. Malformed input gives U+FFFD and moves by
+// One code point from `pos` on, which moves past it. Malformed input gives U+FFFD and moves by
 // one byte.
 char32_t nextCodePoint(std::string_view text, size_t& pos) {
   constexpr char32_t bad = 0xFFFD;

@@ -16,6 +16,9 @@ std::string cells(size_t count) {
 
 void printReport(const RecalcReport& report, std::ostream& err) {
   err << cells(report.formulas) << ", " << report.changed << " changed\n";
+  if (report.withoutValue > 0) {
+    err << cells(report.withoutValue) << " had no value in the file\n";
+  }
   if (report.notComputed == 0) return;
   err << cells(report.notComputed) << " could not be computed:\n";
   for (const auto& [problem, count] : report.problems)

@@ -294,8 +294,8 @@ TEST(XlsReader, NamesWhatIsWrong) {
       {"no sheet left", good.substr(0, good.size() - cell.size() - 16), "none of its sheets"},
       {"container cut", std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(700, '\0'),
        "container"},
-      {"text", "Sample\tFe\n", "no Excel workbook"},
-      {"nothing", "", "no Excel workbook"},
+      {"text", "Sample\tFe\n", "not an Excel workbook"},
+      {"nothing", "", "not an Excel workbook"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

@@ -12,7 +12,7 @@ namespace lodex {
 /// formats are those of an English program; currency signs and the order of dates differ by
 /// country, and files that need another text bring it along.
 std::string_view builtinNumberFormat(int id);
-/// The id that stands for a format in every country, or -1.
+/// The id that means a format in every country, or -1.
 int builtinNumberFormatId(std::string_view format);
 
 /// The 56 colours that a workbook without a palette of its own has (ECMA-376 part 1, 18.8.27; the

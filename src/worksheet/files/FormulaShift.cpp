@@ -104,7 +104,7 @@ size_t wordEnd(std::string_view text, size_t pos) {
   return pos;
 }
 
-// The place behind a quoted piece that starts at `pos`; doubled quotes stay inside.
+// The position after a quoted piece that starts at `pos`; doubled quotes stay inside.
 size_t quotedEnd(std::string_view text, size_t pos) {
   const char quote = text[pos];
   for (++pos; pos < text.size(); ++pos) {

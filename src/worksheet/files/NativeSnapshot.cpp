@@ -2,7 +2,7 @@
 // reading gives it back exactly.
 //
 // Layout, numbers little-endian: "LODEXWB1", the CRC-32 of what follows, then title, flags, names,
-// formats and sheets. A count or length stands before what it counts; texts are UTF-8.
+// formats and sheets. A count or length comes before what it counts; texts are UTF-8.
 #include <array>
 #include <bit>
 #include <cstring>
@@ -363,7 +363,7 @@ std::string Worksheet::WriteToBlob() const {
 }
 
 void Worksheet::ReadFromBlob(std::string_view blob) {
-  if (!looksLikeSnapshot(blob)) throw FileError("this is no workbook snapshot");
+  if (!looksLikeSnapshot(blob)) throw FileError("this is not a workbook snapshot");
   if (blob.size() < headerBytes) SnapshotReader::fail();
   std::uint32_t sum;
   std::memcpy(&sum, blob.data() + magic.size(), sizeof sum);

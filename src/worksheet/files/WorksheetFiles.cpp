@@ -74,7 +74,7 @@ FileType Worksheet::Read(std::string_view path) {
   }
   book.readFindings_.nameFile(path);
   if (book.Title().empty()) book.Title(titleOf(path));
-  // What the user may do in the grid is no matter of the file, unless the file is our own.
+  // Only our own files say what the user may do in the grid.
   if (type != FileType::Native) book.permissions_ = permissions_;
   *this = std::move(book);
   return type;

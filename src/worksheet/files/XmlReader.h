@@ -1,15 +1,20 @@
 #pragma once
 
-#include <memory>
 #include <string_view>
+#include <vector>
 
 namespace lodex {
 
-/// The attributes of one element. They live only as long as the call that brings them.
+struct XmlAttribute {
+  std::string_view prefix;
+  std::string_view name;
+  std::string_view value;
+};
+
+/// The attributes of one element.
 class XmlAttributes {
  public:
-  /// `list` is names and values in turn, ended by a null pointer.
-  explicit XmlAttributes(const char** list) : list_(list) {}
+  explicit XmlAttributes(const std::vector<XmlAttribute>& list) : list_(list) {}
   /// The value of the attribute of that name under any prefix, or `otherwise`.
   std::string_view operator()(std::string_view name, std::string_view otherwise = {}) const;
   /// The value of the attribute under that prefix, or "".
@@ -21,9 +26,7 @@ class XmlAttributes {
   bool flag(std::string_view name, bool otherwise = false) const;
 
  private:
-  const char* find(std::string_view name) const;
-
-  const char** list_;
+  const std::vector<XmlAttribute>& list_;
 };
 
 /// What a document consists of, in order. Names come without their prefix; texts live only during
@@ -36,24 +39,7 @@ class XmlHandler {
   virtual void text(std::string_view text) = 0;
 };
 
-/// Walks through an XML document that comes in pieces. Both functions throw FileError when it is
-/// malformed or ends early, and let through what the handler throws.
-class XmlStream {
- public:
-  explicit XmlStream(XmlHandler& handler);
-  ~XmlStream();
-  XmlStream(const XmlStream&) = delete;
-  XmlStream& operator=(const XmlStream&) = delete;
-
-  void feed(std::string_view piece);
-  void finish();
-
- private:
-  class Parser;
-  std::unique_ptr<Parser> parser_;
-};
-
-/// The same for a whole document.
+/// Walks through an XML document. Throws FileError when it is malformed.
 void readXml(std::string_view document, XmlHandler& handler);
 
 }  // namespace lodex

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -27,8 +26,6 @@ class ZipArchive {
   /// The content of a part. Throws FileError when it is missing or damaged (its size and checksum
   /// are compared), or so large that the file must be a trap.
   std::string read(std::string_view path) const;
-  /// The same in pieces, so that a large part never is in memory as a whole.
-  void read(std::string_view path, const std::function<void(std::string_view piece)>& take) const;
 
  private:
   struct Impl;

@@ -6,7 +6,7 @@
 namespace lodex {
 namespace {
 
-// "$Sheet1.$A$1" as "Sheet1!$A$1", ".B2" as "B2". `pos` moves behind the address.
+// "$Sheet1.$A$1" as "Sheet1!$A$1", ".B2" as "B2". `pos` moves past the address.
 std::string oneAddress(std::string_view text, size_t& pos) {
   std::string sheet;
   if (pos < text.size() && text[pos] == '$') {
@@ -42,7 +42,7 @@ std::string odsReference(std::string_view text) {
   if (pos >= text.size()) return out;
   ++pos;
   const std::string second = oneAddress(text, pos);
-  // The sheet stands once; "Sheet1.A1:Sheet1.B2" is the long form of the same.
+  // The sheet is named once; "Sheet1.A1:Sheet1.B2" is the long form of the same.
   const size_t mark = second.rfind('!');
   return out + ":" + (mark == std::string::npos ? second : second.substr(mark + 1));
 }

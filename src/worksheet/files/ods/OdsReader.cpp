@@ -14,7 +14,7 @@
 namespace lodex {
 namespace {
 
-// A file says "repeat this row a million times" in a few bytes; no honest one repeats more content
+// A file says "repeat this row a million times" in a few bytes; no real one repeats more content
 // than this.
 constexpr long mostRepeatedCells = 5'000'000;
 // Empty cells that carry a format in longer runs than this only colour the rest of the sheet.
@@ -174,7 +174,7 @@ class ContentHandler : public XmlHandler {
     cell_.blockColumns = attributes.number("number-matrix-columns-spanned", 0);
     type_ = attributes.prefixed("office", "value-type");
     isError_ = attributes.prefixed("calcext", "value-type") == "error";
-    // The text of an error stands in its paragraph alone.
+    // The text of an error is in its paragraph only.
     hasStringValue_ = !isError_ && attributes.has("string-value");
     text_ = hasStringValue_ ? attributes("string-value") : std::string_view();
     paragraphs_ = 0;

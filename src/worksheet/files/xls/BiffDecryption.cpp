@@ -92,7 +92,7 @@ size_t plainBytes(const Record& record) {
   }
 }
 
-// Calls change(position, byte, record) for every encrypted byte behind the FILEPASS record.
+// Calls change(position, byte, record) for every encrypted byte after the FILEPASS record.
 template <typename Change>
 void forEncryptedBytes(std::string& stream, const Record& filePass, Change change) {
   RecordStream records(stream, filePass.start);

@@ -22,7 +22,7 @@ struct Function {
   char argumentClass(size_t argument) const;
 };
 
-/// The number under which a function is called whose name stands in its first argument.
+/// The number under which a function is called whose name is in its first argument.
 inline constexpr int userFunctionIndex = 255;
 
 /// Null for a number that no function has.

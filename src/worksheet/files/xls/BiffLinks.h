@@ -25,7 +25,7 @@ struct SheetRange {
   int last = 0;
 };
 
-/// A defined name; `code` are its tokens and, in `extra`, what they need behind them. Both borrow
+/// A defined name; `code` are its tokens and, in `extra`, what they need after them. Both borrow
 /// from the file's bytes.
 struct Name {
   std::string name;

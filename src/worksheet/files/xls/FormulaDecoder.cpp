@@ -322,7 +322,7 @@ class Decoder {
 
   int lastRow() const { return isV8() ? 0xFFFF : 0x3FFF; }
 
-  // Offsets are told from positions by the token: in shared formulas and names.
+  // The token tells offsets from positions: in shared formulas and names.
   Position place(unsigned row, unsigned column, bool offset) const {
     Position at;
     const unsigned flags = isV8() ? column : row;
@@ -384,7 +384,7 @@ class Decoder {
     return isArea ? area(false, prefix) : push(prefix + cell(position(false)));
   }
 
-  // --- Data behind the tokens ---
+  // --- Data after the tokens ---
 
   bool memoryArea() {
     in_.skip(links_.version == 2 ? 4 : 6);

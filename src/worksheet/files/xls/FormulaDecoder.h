@@ -16,7 +16,7 @@ struct FormulaBase {
 };
 
 /// Turns the tokens of a formula into text as a user would type it, without "=", with "," between
-/// arguments. `code` are the tokens and `extra` the data behind them that array constants need.
+/// arguments. `code` are the tokens and `extra` the data after them that array constants need.
 /// Nothing is returned for tokens that are damaged, unknown or too long to be a formula.
 std::optional<std::string> decodeFormula(const Links& links, std::string_view code,
                                          std::string_view extra, FormulaBase base = {});

@@ -168,7 +168,7 @@ class Encoder {
     return true;
   }
 
-  // References put together from others stand behind a token that says how many bytes they take.
+  // References put together from others follow a token that says how many bytes they take.
   bool joined(const Node& node, Class wanted) {
     if (insideJoined_) return binary(node, Class::Reference);
     insideJoined_ = true;

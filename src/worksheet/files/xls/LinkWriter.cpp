@@ -118,7 +118,7 @@ int LinkWriter::addRange(const Range& range) {
   return rangeNumbers_[range] = static_cast<int>(ranges_.size()) - 1;
 }
 
-// Where the other workbook stands in foreign_; -1 when there is no room.
+// The place of the other workbook in foreign_; -1 when there is no room.
 int LinkWriter::foreignBook(const std::string& path) {
   for (size_t i = 0; i < foreign_.size(); ++i) {
     if (equalsNoCase(foreign_[i].path, path)) return static_cast<int>(i);

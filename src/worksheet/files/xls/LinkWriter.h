@@ -19,14 +19,14 @@ class LinkWriter {
   explicit LinkWriter(const Worksheet& worksheet);
 
   /// The number of a range of sheets, counted from 1; -1 when a sheet does not exist or there are
-  /// more ranges than the format holds. An empty `last` stands for the first.
+  /// more ranges than the format holds. An empty `last` means the first.
   int range(std::string_view first, std::string_view last);
   /// The number, from 1, of the defined name that a formula of `sheet` means; one that is not
   /// defined is added without content. 0 when there are too many.
   int name(std::string_view text, int sheet);
   /// The same for a name that belongs to a sheet; 0 when that sheet has none of it.
   int nameOfSheet(std::string_view text, int sheet) const;
-  /// The number, from 1, of a name that stands for a function of later programs.
+  /// The number, from 1, of a name that means a function of later programs.
   int laterFunction(std::string_view function);
   /// Range and number, from 1, of an add-in's function.
   std::pair<int, int> addInFunction(std::string_view function);

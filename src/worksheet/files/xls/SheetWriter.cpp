@@ -339,7 +339,7 @@ void SheetWriter::textResult(const Value& cached) {
   writeContinuedText(out_, cached.textView());
 }
 
-// The cells of a block point to its first one, behind which the formula stands. False when the
+// The cells of a block point to its first one, which the formula follows. False when the
 // formula cannot be encoded.
 bool SheetWriter::arrayFormula(int row, int column, const FormulaCell& formula, unsigned style) {
   const ArrayBlock& block = *formula.array;

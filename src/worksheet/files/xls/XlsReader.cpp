@@ -104,7 +104,7 @@ void WorkbookReader::report(Severity severity, std::string_view text, std::strin
 
 // --- The general part ---
 
-// False for a record that is no general one.
+// False for a record of another kind.
 bool WorkbookReader::globalRecord(const Record& record, Styles& styles) {
   Links& links = file_.links;
   switch (record.id) {
@@ -435,7 +435,7 @@ void readXls(std::string_view bytes, Worksheet& into) {
     return;
   }
   auto records = bareRecords(bytes);
-  if (!records) throw FileError("The file is no Excel workbook");
+  if (!records) throw FileError("The file is not an Excel workbook");
   WorkbookReader(std::move(*records), false, into).read();
 }
 

@@ -169,7 +169,7 @@ class SheetText {
   std::string out_;
 };
 
-// Whether "_xHHHH_" stands here, which readers would take for one character.
+// Whether "_xHHHH_" is here, which readers would take for one character.
 bool looksEscaped(std::string_view text) {
   return text.size() >= 7 && text[1] == 'x' && text[6] == '_' &&
          text.substr(2, 4).find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
