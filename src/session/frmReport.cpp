@@ -13,6 +13,7 @@ namespace {
 enum Column { SeverityColumn = 1, CountColumn, TextColumn, PlaceColumn };
 
 constexpr const char* nothingYet = "Nothing was noticed so far";
+constexpr const char* howToGo = "Click a line to go to its place";
 constexpr size_t commandsKept = 20;
 constexpr size_t placesListed = 20;  // of one finding
 constexpr int rowsListed = 5000;     // the log has the rest
@@ -96,7 +97,7 @@ void frmReport::clear() {
 
 void frmReport::fill() {
   gridF1Report.replace([this] { fillCells(); });
-  lblPlace.setCaption(commands_.empty() ? nothingYet : "");
+  lblPlace.setCaption(commands_.empty() ? nothingYet : howToGo);
   cmdCopy.setEnabled(!commands_.empty());
   cmdSave.setEnabled(!commands_.empty());
   cmdClear.setEnabled(!commands_.empty());
@@ -174,7 +175,7 @@ void frmReport::paint(int row, Severity severity) {
 }
 
 void frmReport::visit(int row) {
-  lblPlace.setCaption("");
+  lblPlace.setCaption(howToGo);
   if (row < 1 || row > static_cast<int>(places_.size())) return;
   const Place place = places_[static_cast<size_t>(row) - 1];
   if (place == Place{} || !goTo || goTo(place)) return;

@@ -35,6 +35,9 @@ void collect(const Form& form, std::set<FormText>& texts) {
 // Captions that change at run time show their other text.
 void switchStates(EveryForm& every) {
   every.main.cmdBDL.click();
+  Findings found;
+  found.note("Something");
+  every.main.session().notice(found);
   for (Form* form : every.forms) {
     if (auto* sheet = dynamic_cast<DataSheetForm*>(form)) {
       sheet->txtH(sysrow::Element).setText(sheet->statusGreen() ? "0" : "1");

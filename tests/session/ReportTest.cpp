@@ -80,6 +80,8 @@ TEST_F(ReportTest, AClickGoesToThePlaceOrSaysWhyNot) {
   for (const int row : {0, 1, 2, 3, 5, 6, 99}) report.gridF1Report.click(row, 3);
   EXPECT_EQ(visited, (std::vector<std::string>{"sheet gone, record LX-7", "ores.xls, sheet Cu, B14",
                                                "ores.xls, sheet Cu, B15"}));
+  report.gridF1Report.click(6, 1);
+  EXPECT_EQ(report.lblPlace.caption(), "Click a line to go to its place");
   report.gridF1Report.click(3, 1);
   EXPECT_EQ(report.lblPlace.caption(), "This is not an open data sheet: sheet gone, record LX-7");
 }

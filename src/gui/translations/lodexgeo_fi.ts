@@ -2847,6 +2847,10 @@
         <source>Nothing was noticed so far</source>
         <translation>Toistaiseksi ei ole huomattu mitään</translation>
     </message>
+    <message>
+        <source>Click a line to go to its place</source>
+        <translation>Napsauta riviä siirtyäksesi sen kohtaan</translation>
+    </message>
 </context>
 <context>
     <name>frmSelectElements</name>
