@@ -95,6 +95,8 @@ void ImportConsole::useHeaderRow(frmDataIN& sheet) {
     throw Error(sheet.caption() + " has no row " + std::to_string(row) + " for headings");
   }
   sheet.F1D.DeleteRange(1, 1, row - 1, 1, Shift::Rows);
+  // What the user says wins over what the cells look like.
+  sheet.txtH(sysrow::Header).setText("1");
   context_.err << "lodex: " << sheet.caption() << ": row " << row
                << " is the heading; the rows above it are left out\n";
 }
