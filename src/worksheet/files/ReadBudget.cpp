@@ -1,7 +1,6 @@
 #include "worksheet/files/ReadBudget.h"
 
 #include "basic/Error.h"
-#include "worksheet/CellStore.h"
 #include "worksheet/formula/FormulaCell.h"
 
 namespace lodex {
@@ -47,7 +46,7 @@ void ReadBudget::showText(size_t bytes) {
   shownLeft_ -= bytes;
 }
 
-void ReadBudget::follow(const CellStore& cells) {
+void ReadBudget::followFurther(const CellStore& cells) {
   if (&cells != sheet_) {
     sheet_ = &cells;
     followed_ = 0;

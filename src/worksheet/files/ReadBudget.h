@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <string_view>
 
-namespace lodex {
+#include "worksheet/CellStore.h"
 
-class CellStore;
+namespace lodex {
 
 /// Keeps what a file may ask for in proportion to its size: one array formula over a whole sheet,
 /// or one long text in every cell, takes a few bytes of a file and gigabytes of memory or of
@@ -21,10 +21,13 @@ class ReadBudget {
   /// One more cell that shows a text.
   void showText(size_t bytes);
   /// The cells of the sheet that is being read, as far as they have come.
-  void follow(const CellStore& cells);
+  void follow(const CellStore& cells) {
+    if (&cells != sheet_ || cells.bytes() != followed_) followFurther(cells);
+  }
 
  private:
   void take(size_t bytes);
+  void followFurther(const CellStore& cells);
 
   size_t memoryLeft_;
   size_t formulasLeft_;  // bytes of their texts

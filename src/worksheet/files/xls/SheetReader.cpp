@@ -165,7 +165,7 @@ void SheetReader::watch(const Record& record) {
 }
 
 void SheetReader::record(const Record& record, RecordStream& records) {
-  watch(record);
+  if (strangerInTable_ || !isCellRecord(record.id)) watch(record);
   switch (record.id) {
     case idNumber3: {
       ByteReader in(record.data);

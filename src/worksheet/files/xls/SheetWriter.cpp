@@ -109,7 +109,9 @@ void SheetWriter::checkSize() {
                     " columns; an .xls file holds 65536 rows and 256 columns");
   }
   cells_.forEach([&](int row, int column, const Cell& cell) {
-    checkLength(row, column, CellStore::valueOf(cell));
+    if (cell.kind != ValueKind::Number && cell.kind != ValueKind::Empty) {
+      checkLength(row, column, CellStore::valueOf(cell));
+    }
     if (row > maxRowsOfXls || column > maxColumnsOfXls) return;  // a format without content
     lastRow_ = std::max(lastRow_, row);
     lastColumn_ = std::max(lastColumn_, column);
