@@ -254,7 +254,11 @@ class Road {
   void otherWindows() {
     shell().stages.SetStage(Stage::End);
     shot("end");
-    trigger("mnuReport");
+    Findings found;  // one of each severity
+    found.error("Text counts as 0", {.sheet = "gabbros", .row = 14, .column = 4});
+    found.warn("The unit is a guess: %", {.sheet = "gabbros", .column = 5});
+    found.note("Half of the limit stands for a value below it", {.sheet = "gabbros"});
+    session_.notice(found);
     shot("report");
     trigger("mnuReport");
     shell().stages.SetStage(Stage::Identify);
