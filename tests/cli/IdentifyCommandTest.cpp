@@ -87,7 +87,7 @@ TEST_F(IdentifyCommand, TitlesAndUnitsAroundTheHeadings) {
 
   const std::string titled = file("titled.csv", "Report,,\nMine,,\nNo,Fe %,Cu ppm\nA,5,6\n");
   EXPECT_THAT(runLodex("identify " + titled + "2>&1").text,
-              HasSubstr("No column was understood: is row 1 the heading?"));
+              ContainsRegex("Fe %  *Fe  *%  *ANALYSES"));
   const CommandRun told = runLodex("identify --header-row 3 " + titled + "2>&1");
   EXPECT_THAT(told.text, HasSubstr("X(Fe)1/1"));
   EXPECT_THAT(told.text, HasSubstr("1 data rows"));
