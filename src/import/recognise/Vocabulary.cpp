@@ -530,6 +530,8 @@ Caption captionOf(std::string_view text) {
   constexpr size_t longest = 40;
   text = trimWhite(text);
   if (text.empty() || text.size() > longest) return Caption::None;
+  // Most texts asked about are sample names, and captions have no digits but in "2SD".
+  if (text.size() > 3 && std::any_of(text.begin(), text.end(), isDigit)) return Caption::None;
   while (!text.empty() && (text.back() == ':' || text.back() == '.')) text.remove_suffix(1);
   const std::string word =
       squeezed(replaceAll(replaceAll(text, "°", ""), "º", ""), " _-.:'/()[]\"");
