@@ -80,6 +80,21 @@ void leaveCaptionsInFront(const DescribedSheet& sheet, int top) {
   }
 }
 
+// All at once: every insertion moves the whole table.
+void addMissingRows(const DescribedSheet& sheet, LogLines& log) {
+  SheetStructure& structure = sheet.structure;
+  const int first = structure.highestRow() + 1;
+  int next = first;
+  for (int i = 0; i < systemRowCount; ++i) {
+    if (sheet.has(i)) continue;
+    log.push_back(addingLine(i));
+    structure.row(i) = next++;
+  }
+  if (next == first) return;
+  sheet.cells.InsertRange(first, 1, next - 1, 1, Shift::Rows);
+  if (structure.firstDataRow >= first) structure.firstDataRow += next - first;
+}
+
 // Captions get a column of their own in front, and `column` (before that) becomes the ID column.
 void makeIdColumn(const DescribedSheet& sheet, int column, LogLines& log) {
   Worksheet& cells = sheet.cells;
@@ -172,10 +187,8 @@ void autoIdentify(const DescribedSheet& sheet, const ThesaurusIndex* thesaurus,
   if (sheet.has(sysrow::Header) && (known == 1 || unread)) splitHeadings(sheet, log);
   structure.firstDataRow = std::max(structure.firstDataRow, structure.highestRow() + 1);
   if (structure.idColumn == 0) makeIdColumn(sheet, std::max(1, idColumn), log);
-  for (int i = 0; i < systemRowCount; ++i) {
-    if (!sheet.has(i)) addBelowTop(sheet, i, log);
-    sheet.setText(i, 1, systemRowCaption(i));
-  }
+  addMissingRows(sheet, log);
+  for (int i = 0; i < systemRowCount; ++i) sheet.setText(i, 1, systemRowCaption(i));
   sheet.setText(sysrow::Indexed, structure.idColumn, "YES");
   if (structure.mineralColumn == 0) findMineralColumn(sheet, log);
   if (looksLikeUnits(sheet.cells, structure.firstDataRow, structure.idColumn)) {
